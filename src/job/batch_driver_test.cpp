@@ -1,0 +1,383 @@
+#include "job/batch_driver.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "kvtools/kvtools.h"
+#include "support/fakes.h"
+
+namespace {
+
+constexpr char kTools[] = "C:\\App\\gdal2tiles\\";
+constexpr char kQuestion[] = "ask: Folders are not empty. All content will be overwritten.\nContinue?";
+
+CTifData MakeData(const std::string& name, const std::string& source = "EPSG:32632",
+                  const std::string& target = "EPSG:32632") {
+  CTifData data;
+  data.m_strFileName = "D:\\in\\" + name + ".tif";
+  data.m_vCorners = {
+      {0, 0, 9, 45, 1, 2}, {0, 20, 9, 44, 3, 4}, {10, 0, 10, 45, 5, 6}, {10, 20, 10, 44, 7, 8}};
+  data.m_strSourceEPSG = source;
+  data.m_strTargetEPSG = target;
+  return data;
+}
+
+std::string TileCall(const std::string& epsg, const std::string& title, const std::string& url,
+                     const std::string& key, const std::string& input, const std::string& output) {
+  return std::string("tile ") + kTools + "python.exe \"" + kTools + "gdal2tiles.py\" -a 0 -s " + epsg +
+         " -p mercator " + title + "  -k -u " + url + " " + key + " \"" + input + "\" \"" + output + "\"";
+}
+
+class Driver : public testing::Test {
+ protected:
+  void SetUp() override {
+    KVT_SetProfileProduct("Mosaicon Test");
+    for (const char* tool : {"gdal2tiles.py", "gdal_translate.exe", "gdalwarp.exe", "python.exe"}) {
+      m_files.paths.insert(std::string(kTools) + tool);
+    }
+    m_settings.inputPath = "D:\\in\\a.tif";
+    m_settings.mapTitle = "title";
+    m_settings.targetFolder = "D:\\out\\maps";
+  }
+
+  JobResult Start(const std::vector<CTifData>& orthophotos) {
+    return m_driver.StartJob(m_settings, orthophotos);
+  }
+
+  // Makes a folder look as if an earlier job had written into it.
+  void Fill(const std::string& folder) {
+    m_files.matches[folder + "\\*.*"] = {
+        {folder + "\\.", ".", true}, {folder + "\\..", "..", true}, {folder + "\\doc.kml", "doc.kml", false}};
+  }
+
+  // The events that are no part of what a test is about.
+  Events Without(const std::vector<std::string>& prefixes) const {
+    Events kept;
+    for (const std::string& event : m_events) {
+      bool dropped = false;
+      for (const std::string& prefix : prefixes) dropped = dropped || event.rfind(prefix, 0) == 0;
+      if (!dropped) kept.push_back(event);
+    }
+    return kept;
+  }
+
+  size_t CountEvents(const std::string& prefix) const { return m_events.size() - Without({prefix}).size(); }
+
+  Events m_events;
+  FakeHost m_host{m_events};
+  FakeFiles m_files{m_events};
+  FakeRunner m_runner{m_events};
+  FakeEnvironment m_environment;
+  JobSettings m_settings;
+  BatchDriver m_driver{m_host, m_runner, m_files, m_environment, "C:\\App\\Mosaicon.exe"};
+};
+
+TEST_F(Driver, TilesAFileInItsOwnZoneDirectly) {
+  EXPECT_EQ(Start({MakeData("a")}), JobResult::kReported);
+  EXPECT_EQ(m_events,
+            (Events{"title := title", "folder := D:\\out\\maps", "busy", "range: 0..100", "position: 0",
+                    "create D:\\out\\maps", "label: Process 1/1 - title -", "position: 0",
+                    TileCall("EPSG:32632", "-t \"title\"", "../", "", "D:\\in\\a.tif", "D:\\out\\maps"),
+                    "pump", "delete D:\\out\\maps\\openlayers.html",
+                    "rename D:\\out\\maps\\doc.kml -> D:\\out\\maps\\googleearth_loc.kml",
+                    "picture D:\\in\\a.tif -> D:\\out\\maps\\title.jpg", "idle", "label: ", "position: 0",
+                    "report"}));
+  EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n");
+  EXPECT_EQ(m_host.report.copyHint, "Copy 'D:\\out\\maps' folder and its content");
+  EXPECT_EQ(m_host.report.webHint, "To '../' web space");
+  EXPECT_EQ(m_host.report.elapsed, "00:00:00");
+  EXPECT_EQ(m_files.patterns, std::vector<std::string>{"D:\\out\\maps\\*.*"});
+}
+
+TEST_F(Driver, NumbersFoldersTitlesAndLinksOfSeveralFiles) {
+  m_settings.webOutput = true;
+  m_settings.targetUrl = "http://host/maps";
+  EXPECT_EQ(Start({MakeData("a"), MakeData("b"), MakeData("c")}), JobResult::kReported);
+  EXPECT_EQ(
+      m_driver.OutputFolders(),
+      (std::vector<std::string>{"D:\\out\\maps\\tile_0", "D:\\out\\maps\\tile_1", "D:\\out\\maps\\tile_2"}));
+  EXPECT_EQ(m_driver.MapNames(), (std::vector<std::string>{"title_0", "title_1", "title_2"}));
+  EXPECT_EQ(CountEvents("create D:\\out\\maps"), 4U) << "once at the start and once for each file";
+  EXPECT_EQ(CountEvents("create D:\\out\\maps\\tile_"), 0U) << "the script makes them";
+  const Events tail = {
+      "label: Process 3/3 - title_2 -",
+      "position: 0",
+      TileCall("EPSG:32632", "-t \"title_2\"", "../../maps", "", "D:\\in\\c.tif", "D:\\out\\maps\\tile_2"),
+      "pump",
+      "delete D:\\out\\maps\\tile_2\\openlayers.html",
+      "rename D:\\out\\maps\\tile_2\\doc.kml -> D:\\out\\maps\\tile_2\\googleearth_loc.kml",
+      "copy D:\\out\\maps\\tile_2\\googleearth_loc.kml -> "
+      "D:\\out\\maps\\tile_2\\googleearth_web.kml",
+      "links D:\\out\\maps\\tile_2\\googleearth_web.kml http://host/maps /tile_2",
+      "picture D:\\in\\c.tif -> D:\\out\\maps\\tile_2\\title_2.jpg"};
+  const auto begin = std::find(m_events.begin(), m_events.end(), tail.front());
+  ASSERT_GE(m_events.end() - begin, static_cast<std::ptrdiff_t>(tail.size()));
+  EXPECT_EQ(Events(begin, begin + static_cast<std::ptrdiff_t>(tail.size())), tail);
+  EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n- D:\\in\\b.tif: OK\r\n- D:\\in\\c.tif: OK\r\n");
+}
+
+TEST_F(Driver, RewritesTheLinksOfASingleFileWithoutSubFolder) {
+  m_settings.webOutput = true;
+  m_settings.targetUrl = "host/maps";
+  Start({MakeData("a")});
+  EXPECT_EQ(CountEvents("links D:\\out\\maps\\googleearth_web.kml http://host/maps "), 1U);
+}
+
+TEST_F(Driver, MakesNoWebVariantWithoutUrl) {
+  Start({MakeData("a")});
+  EXPECT_EQ(CountEvents("copy"), 0U);
+  EXPECT_EQ(CountEvents("links"), 0U);
+}
+
+TEST_F(Driver, LeavesTitleOutWhenThereIsNone) {
+  m_settings.mapTitle = "";
+  Start({MakeData("a"), MakeData("b")});
+  EXPECT_EQ(
+      CountEvents(TileCall("EPSG:32632", "", "../../maps", "", "D:\\in\\a.tif", "D:\\out\\maps\\tile_0")),
+      1U);
+  EXPECT_EQ(CountEvents("picture D:\\in\\b.tif -> D:\\out\\maps\\tile_1\\.jpg"), 1U);
+  EXPECT_EQ(CountEvents("label: Process 2/2 -  -"), 1U);
+}
+
+TEST_F(Driver, ReprojectsAFileOfAnotherReference) {
+  m_runner.onRun = [&](const std::string& tool, const std::string&) {
+    if (tool == "translate") m_files.paths.insert("D:\\in\\a.vrt");
+  };
+  Start({MakeData("a", "EPSG:3003", "EPSG:32632")});
+  std::string points;
+  for (const char* point : {"0 0 1", "0 20 3", "10 0 5", "10 20 7"}) {
+    const std::string text = point;
+    const int easting = text.back() - '0';
+    points +=
+        " -gcp " + text + ".00000000000000000000 " + std::to_string(easting + 1) + ".00000000000000000000";
+  }
+  const Events tools = Without({"title", "folder", "busy", "range", "position", "create", "label", "pump",
+                                "delete", "rename", "picture", "idle", "report"});
+  EXPECT_EQ(tools,
+            (Events{std::string("translate ") + kTools + "gdal_translate.exe -of VRT -a_srs EPSG:32632" +
+                        points + " \"D:\\in\\a.tif\" \"D:\\in\\a.vrt\"",
+                    std::string("warp ") + kTools +
+                        "gdalwarp.exe -of VRT -t_srs EPSG:32632 \"D:\\in\\a.vrt\" \"D:\\in\\a2.vrt\"",
+                    TileCall("EPSG:32632", "-t \"title\"", "../", "", "D:\\in\\a2.vrt", "D:\\out\\maps")}));
+  EXPECT_EQ(CountEvents("picture D:\\in\\a.tif"), 1U) << "the picture shows the orthophoto itself";
+}
+
+TEST_F(Driver, DoesNotTakeWhatAnEarlierJobLeftForTheTranslation) {
+  m_files.paths.insert("D:\\in\\a.vrt");
+  m_files.paths.insert("D:\\in\\a2.vrt");
+  Start({MakeData("a", "EPSG:3003")});
+  EXPECT_EQ(CountEvents("warp"), 0U);
+  EXPECT_EQ(m_host.report.log, "- unable to apply translation to D:\\in\\a.tif\r\n");
+  EXPECT_EQ(m_files.paths.count("D:\\in\\a2.vrt"), 0U) << "the warper would refuse to write over it";
+}
+
+TEST_F(Driver, NeverWritesOverAnOrthophotoOfTheJob) {
+  CTifData virtualRaster = MakeData("a", "EPSG:3003");
+  virtualRaster.m_strFileName = "D:\\in\\a.VRT";
+  CTifData other = MakeData("b", "EPSG:3003");
+  other.m_strFileName = "D:\\in\\a22.vrt";
+  m_runner.onRun = [&](const std::string& tool, const std::string& commandLine) {
+    const size_t end = commandLine.rfind('"');
+    const size_t begin = commandLine.rfind('"', end - 1) + 1;
+    if (tool == "translate") m_files.paths.insert(commandLine.substr(begin, end - begin));
+  };
+  m_files.paths.insert(virtualRaster.m_strFileName);
+  m_files.paths.insert(other.m_strFileName);
+  Start({virtualRaster, other});
+  EXPECT_EQ(m_files.paths.count("D:\\in\\a.VRT"), 1U);
+  EXPECT_EQ(m_files.paths.count("D:\\in\\a22.vrt"), 1U);
+  const Events warps = Without({"title", "folder", "busy", "range", "position", "create", "label", "pump",
+                                "delete", "rename", "picture", "idle", "report", "translate", "tile"});
+  ASSERT_EQ(warps.size(), 2U);
+  EXPECT_NE(warps[0].find("\"D:\\in\\a2.vrt\" \"D:\\in\\a222.vrt\""), std::string::npos) << warps[0];
+  EXPECT_NE(warps[1].find("\"D:\\in\\a222.vrt\" \"D:\\in\\a2222.vrt\""), std::string::npos) << warps[1];
+}
+
+TEST_F(Driver, ComparesReferencesLetterByLetter) {
+  Start({MakeData("a", "epsg:32632", "EPSG:32632")});
+  EXPECT_EQ(CountEvents("translate"), 1U);
+}
+
+TEST_F(Driver, GoesOnAfterATranslationWithoutOutput) {
+  Start({MakeData("a", "EPSG:3003"), MakeData("b")});
+  EXPECT_EQ(CountEvents("warp"), 0U);
+  EXPECT_EQ(CountEvents("tile"), 1U);
+  EXPECT_EQ(m_host.report.log, "- unable to apply translation to D:\\in\\a.tif\r\n- D:\\in\\b.tif: OK\r\n");
+}
+
+TEST_F(Driver, SkipsAFileWithoutFourCorners) {
+  CTifData broken = MakeData("a");
+  broken.m_vCorners.pop_back();
+  Start({broken, MakeData("b")});
+  EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif skipped\r\n- D:\\in\\b.tif: OK\r\n");
+  EXPECT_EQ(m_driver.OutputFolders(), std::vector<std::string>{"D:\\out\\maps\\tile_1"});
+  EXPECT_EQ(m_driver.MapNames(), std::vector<std::string>{"title_1"});
+}
+
+TEST_F(Driver, SkipsAFileWhoseCommandLineIsTooLong) {
+  CTifData data = MakeData(std::string(4096, 'x'));
+  Start({data, MakeData("b")});
+  EXPECT_EQ(m_host.report.log, "- " + data.m_strFileName + " skipped\r\n- D:\\in\\b.tif: OK\r\n");
+  EXPECT_EQ(CountEvents("tile"), 1U);
+}
+
+TEST_F(Driver, StopsWhenTheTargetFolderCannotBeMade) {
+  m_files.unwritable.insert("D:\\out\\maps");
+  EXPECT_EQ(Start({MakeData("a")}), JobResult::kTargetMissing);
+  EXPECT_EQ(
+      Events(m_events.end() - 3, m_events.end()),
+      (Events{"create D:\\out\\maps",
+              "warning: Unable to create folder D:\\out\\maps or parent folder doesn't exist", "idle"}));
+}
+
+TEST_F(Driver, GoesOnWhenTheTargetFolderOfSeveralIsGone) {
+  m_runner.onRun = [&](const std::string&, const std::string&) {
+    m_files.unwritable.insert("D:\\out\\maps");
+  };
+  Start({MakeData("a"), MakeData("b")});
+  EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n- D:\\in\\b.tif: unable to create target folder\r\n");
+}
+
+TEST_F(Driver, AsksOnceBeforeOverwriting) {
+  Fill("D:\\out\\maps\\tile_0");
+  Fill("D:\\out\\maps\\tile_1");
+  m_host.answer = Answer::kYes;
+  Start({MakeData("a"), MakeData("b")});
+  EXPECT_EQ(CountEvents(kQuestion), 1U);
+  EXPECT_EQ(m_host.report.log,
+            "- D:\\in\\a.tif: previous process result deleted\r\n- D:\\in\\a.tif: OK\r\n"
+            "- D:\\in\\b.tif: previous process result deleted\r\n- D:\\in\\b.tif: OK\r\n");
+  EXPECT_EQ(CountEvents("delete"), 2U) << "only the two pages called openlayers.html";
+}
+
+TEST_F(Driver, AsksAgainInTheNextJob) {
+  Fill("D:\\out\\maps");
+  Start({MakeData("a")});
+  Start({MakeData("a")});
+  EXPECT_EQ(CountEvents(kQuestion), 2U);
+  EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: previous process result deleted\r\n- D:\\in\\a.tif: OK\r\n");
+}
+
+TEST_F(Driver, EndsTheLoopAtNo) {
+  Fill("D:\\out\\maps\\tile_1");
+  m_host.answer = Answer::kNo;
+  Start({MakeData("a"), MakeData("b"), MakeData("c")});
+  EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n- generation skipped: already created\r\n");
+  EXPECT_EQ(CountEvents("tile"), 1U);
+  EXPECT_EQ(m_driver.OutputFolders().size(), 2U);
+  EXPECT_EQ(m_driver.MapNames().size(), 1U);
+}
+
+TEST_F(Driver, AbortsAtCancel) {
+  m_host.answer = Answer::kCancel;
+  Fill("D:\\out\\maps\\tile_1");
+  EXPECT_EQ(Start({MakeData("a"), MakeData("b"), MakeData("c")}), JobResult::kReported);
+  EXPECT_EQ(CountEvents("tile"), 1U);
+  EXPECT_EQ(m_host.report.log, "Aborted by user");
+  EXPECT_FALSE(m_host.aborted) << "cleared when the report is closed";
+}
+
+TEST_F(Driver, StopsBeforeTheNextFileWhenAborted) {
+  m_runner.onRun = [&](const std::string&, const std::string&) { m_host.aborted = true; };
+  Start({MakeData("a"), MakeData("b")});
+  EXPECT_EQ(CountEvents("tile"), 1U);
+  EXPECT_EQ(CountEvents("picture"), 1U) << "the file in work is finished";
+  EXPECT_EQ(m_host.report.log, "Aborted by user");
+}
+
+TEST_F(Driver, ForgetsAnAbortFromBeforeTheJob) {
+  m_host.aborted = true;
+  Start({MakeData("a")});
+  EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n");
+}
+
+TEST_F(Driver, KeepsTheMapPageOnlyWithAKey) {
+  m_files.paths.insert("D:\\out\\maps\\googlemaps.html");
+  m_settings.googleApiKey = "KEY";
+  Start({MakeData("a")});
+  EXPECT_EQ(CountEvents("preview: D:\\out\\maps\\googlemaps.html"), 1U);
+  EXPECT_EQ(CountEvents("delete D:\\out\\maps\\googlemaps.html"), 0U);
+  EXPECT_EQ(
+      CountEvents(TileCall("EPSG:32632", "-t \"title\"", "../", "-g KEY", "D:\\in\\a.tif", "D:\\out\\maps")),
+      1U);
+
+  m_events.clear();
+  m_settings.googleApiKey = "";
+  Start({MakeData("a")});
+  const Events shown = Without({"title", "folder", "busy", "range", "position", "create", "label", "tile",
+                                "rename", "picture", "idle", "report"});
+  EXPECT_EQ(shown, (Events{"delete D:\\out\\maps\\googlemaps.html",
+                           std::string("preview: ") + kTools + "tutorial.html", "pump",
+                           "delete D:\\out\\maps\\openlayers.html"}));
+}
+
+TEST_F(Driver, ShowsNoPageWhenTheScriptMadeNone) {
+  Start({MakeData("a")});
+  EXPECT_EQ(CountEvents("preview"), 0U);
+}
+
+TEST_F(Driver, DoesNothingWithBadSettings) {
+  m_settings.targetFolder = "d:\\";
+  EXPECT_EQ(Start({MakeData("a")}), JobResult::kBadSettings);
+  EXPECT_EQ(CountEvents("busy"), 0U);
+  EXPECT_EQ(Start({}), JobResult::kBadSettings);
+}
+
+TEST_F(Driver, DoesNothingWithoutTools) {
+  m_files.paths.erase(std::string(kTools) + "gdalwarp.exe");
+  EXPECT_EQ(Start({MakeData("a")}), JobResult::kToolsMissing);
+  EXPECT_EQ(CountEvents("busy"), 0U);
+  EXPECT_TRUE(m_environment.order.empty());
+}
+
+TEST_F(Driver, DoesNothingWithoutEnvironment) {
+  m_environment.refused = "PATH";
+  EXPECT_EQ(Start({MakeData("a")}), JobResult::kToolsMissing);
+  EXPECT_EQ(CountEvents("create"), 0U);
+}
+
+TEST_F(Driver, IgnoresASecondStart) {
+  JobResult second = JobResult::kReported;
+  m_host.onEvent = [&](const std::string& event) {
+    if (event == "pump") second = Start({MakeData("b")});
+  };
+  EXPECT_EQ(Start({MakeData("a")}), JobResult::kReported);
+  EXPECT_EQ(second, JobResult::kClosed);
+  EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n");
+}
+
+// The fake host fails the test when it is called after it was closed.
+TEST_F(Driver, EndsWithoutAnotherCallWhenTheHostIsClosed) {
+  m_files.paths.insert("D:\\out\\maps\\tile_0\\googlemaps.html");
+  m_settings.googleApiKey = "KEY";
+  for (const char* moment : {"preview:", "pump", "report", kQuestion, "warning:", "information:"}) {
+    m_events.clear();
+    m_host.closed = false;
+    m_files.matches.clear();
+    m_files.unwritable.clear();
+    if (std::string(moment) == kQuestion) Fill("D:\\out\\maps\\tile_0");
+    if (std::string(moment) == "warning:") m_files.unwritable.insert("D:\\out\\maps");
+    if (std::string(moment) == "information:") m_settings.targetFolder = "d:\\";
+    m_host.onEvent = [&](const std::string& event) {
+      if (event.rfind(moment, 0) == 0) m_host.closed = true;
+    };
+    Start({MakeData("a"), MakeData("b")});
+    EXPECT_TRUE(m_host.closed) << moment;
+  }
+}
+
+TEST_F(Driver, EndsWithoutAnotherCallWhenTheHostIsClosedWhileAToolRuns) {
+  for (const char* tool : {"translate", "warp", "tile"}) {
+    m_events.clear();
+    m_host.closed = false;
+    m_runner.onRun = [&](const std::string& name, const std::string&) {
+      m_files.paths.insert("D:\\in\\a.vrt");
+      if (name == tool) m_host.closed = true;
+    };
+    EXPECT_EQ(Start({MakeData("a", "EPSG:3003"), MakeData("b")}), JobResult::kClosed) << tool;
+    EXPECT_EQ(m_events.back().rfind(tool, 0), 0U) << "nothing is done after it: " << m_events.back();
+  }
+}
+
+}  // namespace

@@ -1,0 +1,75 @@
+#include "job/child_process.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr size_t kCommandLineBuffer = 16000;
+constexpr DWORD kDirectoryBuffer = 4096;
+constexpr UINT kKilledExitCode = 9;
+
+// The working directory is the process's own, not the thread's: it is changed for as short as can be.
+class CurrentDirectory {
+ public:
+  explicit CurrentDirectory(const std::string& folder) {
+    const DWORD length = GetCurrentDirectoryA(kDirectoryBuffer, m_saved);
+    m_bSaved = length > 0 && length < kDirectoryBuffer;
+    SetCurrentDirectoryA(folder.c_str());
+  }
+  ~CurrentDirectory() {
+    if (m_bSaved) SetCurrentDirectoryA(m_saved);
+  }
+  CurrentDirectory(const CurrentDirectory&) = delete;
+  CurrentDirectory& operator=(const CurrentDirectory&) = delete;
+
+ private:
+  char m_saved[kDirectoryBuffer];
+  bool m_bSaved;
+};
+
+HANDLE MakeProcessTree(HANDLE process) {
+  HANDLE tree = CreateJobObjectA(nullptr, nullptr);
+  if (tree == nullptr) return nullptr;
+  JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
+  limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+  SetInformationJobObject(tree, JobObjectExtendedLimitInformation, &limits, sizeof limits);
+  AssignProcessToJobObject(tree, process);
+  return tree;
+}
+
+}  // namespace
+
+ChildProcess::~ChildProcess() {
+  Terminate();
+}
+
+bool ChildProcess::Start(const char* application, const std::string& commandLine, const std::string& folder,
+                         STARTUPINFOA& startup, bool inheritHandles) {
+  if (commandLine.size() >= kCommandLineBuffer) return false;
+  if (!CreateThere(application, commandLine, folder, startup, inheritHandles)) {
+    m_process = {};
+    return false;
+  }
+  m_hTree = MakeProcessTree(m_process.hProcess);
+  return true;
+}
+
+bool ChildProcess::CreateThere(const char* application, const std::string& commandLine,
+                               const std::string& folder, STARTUPINFOA& startup, bool inheritHandles) {
+  // CreateProcess may write into the command line.
+  char buffer[kCommandLineBuffer] = {};
+  std::memcpy(buffer, commandLine.c_str(), commandLine.size());
+  const CurrentDirectory there(folder);
+  return CreateProcessA(application, buffer, nullptr, nullptr, inheritHandles, CREATE_NO_WINDOW, nullptr,
+                        nullptr, &startup, &m_process) != FALSE;
+}
+
+void ChildProcess::Terminate() {
+  if (m_process.hProcess == nullptr) return;
+  TerminateProcess(m_process.hProcess, kKilledExitCode);
+  CloseHandle(m_process.hProcess);
+  CloseHandle(m_process.hThread);
+  if (m_hTree != nullptr) CloseHandle(m_hTree);
+  m_process = {};
+  m_hTree = nullptr;
+}

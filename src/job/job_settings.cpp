@@ -1,0 +1,130 @@
+#include "job/job_settings.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+
+#include "kvtools/kvtools.h"
+
+namespace {
+
+constexpr char kSection[] = "Input";
+constexpr int kSettingBuffer = 4096;
+constexpr size_t kRootFolderLength = 3;
+
+std::string Load(const char* key, const char* defaultValue) {
+  char buffer[kSettingBuffer];
+  KVT_GetUserProfileString(kSection, key, defaultValue, buffer, kSettingBuffer);
+  return buffer;
+}
+
+void Save(const char* key, const std::string& value) {
+  KVT_WriteUserProfileString(kSection, key, value.c_str());
+}
+
+void SaveByte(const char* key, uint32_t value) {
+  Save(key, std::to_string(value & 0xFF));
+}
+
+bool Refuse(MessageSink& messages, const char* text) {
+  messages.ShowMessage(MessageIcon::kInformation, text);
+  return false;
+}
+
+std::string ReplaceSpaces(std::string text) {
+  std::replace(text.begin(), text.end(), ' ', '_');
+  return text;
+}
+
+bool NamesHttp(const std::string& url) {
+  std::string lower = url;
+  std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char letter) {
+    return static_cast<char>(letter < 0x80 ? std::tolower(letter) : letter);
+  });
+  return lower.find("http://") != std::string::npos;
+}
+
+bool CheckTargetUrl(JobSettings& settings, JobForm& form) {
+  if (!settings.webOutput) {
+    settings.targetUrl.clear();
+    return true;
+  }
+  if (settings.targetUrl.empty()) return Refuse(form, "Select the target URL");
+  if (HasAccents(settings.targetUrl)) {
+    return Refuse(form, "No accented words must be included into target absolute url. Please check it");
+  }
+  if (!NamesHttp(settings.targetUrl)) {
+    settings.targetUrl = "http://" + settings.targetUrl;
+    form.WriteBackTargetUrl(settings.targetUrl);
+  }
+  Save("TargetURL", settings.targetUrl);
+  return true;
+}
+
+// Drops one final backslash and replaces the spaces of the last component.
+std::string NormaliseFolder(std::string folder) {
+  if (folder.back() == '\\') folder.pop_back();
+  std::vector<std::string> components;
+  KVT_ParseString(folder, '\\', components);
+  components.back() = ReplaceSpaces(components.back());
+  std::string result = components[0];
+  for (size_t i = 1; i < components.size(); ++i) result += "\\" + components[i];
+  return result;
+}
+
+bool CheckTargetFolder(JobSettings& settings, JobForm& form) {
+  if (settings.targetFolder.empty()) return Refuse(form, "Select the target folder");
+  if (settings.targetFolder.size() <= kRootFolderLength) {
+    return Refuse(form, "Root folders (e.g. c:\\) are not allowed! ");
+  }
+  settings.targetFolder = NormaliseFolder(settings.targetFolder);
+  form.WriteBackTargetFolder(settings.targetFolder);
+  Save("TargetFolder", settings.targetFolder);
+  return true;
+}
+
+}  // namespace
+
+const std::vector<std::string>& ResamplingModes() {
+  static const std::vector<std::string> modes = {"average",     "near",    "bilinear", "cubic",
+                                                 "cubicspline", "lanczos", "antialias"};
+  return modes;
+}
+
+bool HasAccents(const std::string& text) {
+  return text.find_first_of("\xE0\xE8\xE9\xEC\xF2\xF9") != std::string::npos;
+}
+
+JobSettings RestoreSettings() {
+  JobSettings settings;
+  settings.targetUrl = Load("TargetURL", "");
+  settings.googleApiKey = Load("GoogleAPI", "");
+  settings.resampling = std::atoi(Load("Resampling", "0").c_str());
+  if (settings.resampling < 0 || settings.resampling >= static_cast<int>(ResamplingModes().size())) {
+    settings.resampling = 0;
+  }
+  settings.mapTitle = Load("MapTitle", "");
+  settings.targetFolder = Load("TargetFolder", "");
+  return settings;
+}
+
+bool ValidateAndSaveSettings(JobSettings& settings, size_t orthophotos, JobForm& form) {
+  if (settings.inputPath.empty() || orthophotos == 0) {
+    return Refuse(form, "Select the input orthophoto path");
+  }
+  if (HasAccents(settings.inputPath)) {
+    return Refuse(form, "No accented words must be into orthophoto path and name. Please check it");
+  }
+  if (!CheckTargetUrl(settings, form)) return false;
+
+  Save("GoogleAPI", settings.googleApiKey);
+  SaveByte("Transparency_R", settings.transparency);
+  SaveByte("Transparency_G", settings.transparency >> 8);
+  SaveByte("Transparency_B", settings.transparency >> 16);
+  Save("Resampling", std::to_string(settings.resampling));
+
+  settings.mapTitle = ReplaceSpaces(settings.mapTitle);
+  form.WriteBackMapTitle(settings.mapTitle);
+  Save("MapTitle", settings.mapTitle);
+  return CheckTargetFolder(settings, form);
+}

@@ -1,0 +1,15 @@
+// Makes the small picture of a finished orthophoto. Needs GDAL with its drivers registered.
+#ifndef MOSAICON_JOB_PREVIEW_IMAGE_H_
+#define MOSAICON_JOB_PREVIEW_IMAGE_H_
+
+#include <string>
+
+// Writes a copy of inputPath with about 76,800 pixels (320 x 240; smaller images are enlarged) to
+// outputPath. The format follows its extension, in lower case only: jpg, tif or png.
+// Returns 1 on success and 0 on failure, after which a file at outputPath is what it was before.
+int MakePreviewImage(const std::string& inputPath, const std::string& outputPath);
+
+// The size of that picture for an image of width x height pixels; 0 for a side that vanishes.
+void ComputePreviewSize(int width, int height, int& previewWidth, int& previewHeight);
+
+#endif  // MOSAICON_JOB_PREVIEW_IMAGE_H_

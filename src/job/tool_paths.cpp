@@ -1,0 +1,52 @@
+#include "job/tool_paths.h"
+
+#include "job/bounded_text.h"
+#include "kvtools/split_path.h"
+#include "maker.h"
+
+ToolPaths MakeToolPaths(const std::string& programPath) {
+  const PathParts program = SplitPath(programPath);
+  const std::string directory = program.directory + "gdal2tiles\\";
+  ToolPaths tools;
+  tools.folder = program.drive + program.directory + "gdal2tiles";
+  tools.script = JoinPath(program.drive, directory, "gdal2tiles", "py");
+  tools.translator = JoinPath(program.drive, directory, "gdal_translate", "exe");
+  tools.warper = JoinPath(program.drive, directory, "gdalwarp", "exe");
+  tools.interpreter = JoinPath(program.drive, directory, "python", "exe");
+  return tools;
+}
+
+bool CheckTools(const ToolPaths& tools, JobFiles& files, MessageSink& messages) {
+  struct Check {
+    const std::string& path;
+    const char* what;
+  };
+  const Check checks[] = {{tools.script, "script gdal2tiles"},
+                          {tools.translator, "tool gdal_translate"},
+                          {tools.warper, "tool gdalwarp"},
+                          {tools.interpreter, "scripts"}};
+  for (const Check& check : checks) {
+    if (files.Exists(check.path)) continue;
+    messages.ShowMessage(MessageIcon::kInformation, std::string("Unable to find the process data ") +
+                                                        check.what + ". Please contact " + kMakerName + " (" +
+                                                        kSupportEmail + ")");
+    return false;
+  }
+  return true;
+}
+
+bool SetToolEnvironment(const ToolPaths& tools, ProcessEnvironment& environment, MessageSink& messages) {
+  std::string path = environment.Get("PATH").value_or("");
+  if (path.find(tools.folder) == std::string::npos) {
+    // A search path cut in the middle would break more than this program.
+    const auto longer = FormatBounded(kMaxPathText, "%s;%s", path.c_str(), tools.folder.c_str());
+    if (longer) path = *longer;
+  }
+  if (environment.Set("GDAL_PATH", tools.folder) && environment.Set("PATH", path) &&
+      environment.Set("GDAL_DATA", tools.folder + "\\gdal-data") &&
+      environment.Set("GDAL_DRIVER_PATH", tools.folder + "\\gdalplugins")) {
+    return true;
+  }
+  messages.ShowMessage(MessageIcon::kWarning, "Unable to set environmental variables");
+  return false;
+}

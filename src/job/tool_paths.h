@@ -1,0 +1,31 @@
+// Finds the external tools of a job and prepares the environment that they inherit. Portable; talks
+// to the system through the interfaces given.
+#ifndef MOSAICON_JOB_TOOL_PATHS_H_
+#define MOSAICON_JOB_TOOL_PATHS_H_
+
+#include <string>
+
+#include "job/job_files.h"
+#include "job/job_host.h"
+
+// The tool folder lies beside the program and is called "gdal2tiles".
+struct ToolPaths {
+  std::string folder;       // without a final backslash
+  std::string script;       // gdal2tiles.py
+  std::string translator;   // gdal_translate.exe
+  std::string warper;       // gdalwarp.exe
+  std::string interpreter;  // python.exe
+};
+
+// The paths for a program whose executable is programPath; nothing is looked up.
+ToolPaths MakeToolPaths(const std::string& programPath);
+
+// True when all four tools exist; otherwise shows which one is missing, the first one only.
+bool CheckTools(const ToolPaths& tools, JobFiles& files, MessageSink& messages);
+
+// Sets GDAL_PATH, PATH, GDAL_DATA and GDAL_DRIVER_PATH, in this order. On the first failure shows a
+// message and returns false; what is set stays set. A PATH that holds the tool folder already, or
+// that would grow beyond its buffer, keeps its value.
+bool SetToolEnvironment(const ToolPaths& tools, ProcessEnvironment& environment, MessageSink& messages);
+
+#endif  // MOSAICON_JOB_TOOL_PATHS_H_

@@ -1,0 +1,86 @@
+#include "job/windows_files.h"
+
+#include <windows.h>
+
+#include <memory>
+
+#include "job/kml_links.h"
+#include "job/preview_image.h"
+#include "kvtools/split_path.h"
+
+namespace {
+
+constexpr DWORD kMaxVariable = 32767;
+constexpr DWORD kMaxProgramPath = 4096;
+
+struct FindCloser {
+  void operator()(HANDLE search) const { FindClose(search); }
+};
+using Search = std::unique_ptr<void, FindCloser>;
+
+}  // namespace
+
+bool WindowsFiles::Exists(const std::string& path) {
+  return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+std::vector<FoundFile> WindowsFiles::Find(const std::string& pattern) {
+  std::vector<FoundFile> found;
+  WIN32_FIND_DATAA data;
+  const HANDLE handle = FindFirstFileA(pattern.c_str(), &data);
+  if (handle == INVALID_HANDLE_VALUE) return found;
+  const Search search(handle);
+  const PathParts parts = SplitPath(pattern);
+  do {
+    FoundFile file;
+    file.name = data.cFileName;
+    file.path = parts.drive + parts.directory + file.name;
+    file.isDirectory = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    found.push_back(file);
+  } while (FindNextFileA(search.get(), &data));
+  return found;
+}
+
+bool WindowsFiles::CreateFolder(const std::string& path) {
+  return CreateDirectoryA(path.c_str(), nullptr) || GetLastError() == ERROR_ALREADY_EXISTS;
+}
+
+bool WindowsFiles::Delete(const std::string& path) {
+  return DeleteFileA(path.c_str()) != FALSE;
+}
+
+bool WindowsFiles::Rename(const std::string& source, const std::string& target) {
+  return MoveFileA(source.c_str(), target.c_str()) != FALSE;
+}
+
+bool WindowsFiles::Copy(const std::string& source, const std::string& target) {
+  return CopyFileA(source.c_str(), target.c_str(), FALSE) != FALSE;
+}
+
+bool WindowsFiles::RewriteLinks(const std::string& kml, const std::string& baseUrl,
+                                const std::string& subFolder) {
+  return RewriteKmlLinks(kml, baseUrl, subFolder) == 1;
+}
+
+bool WindowsFiles::MakePreview(const std::string& orthophoto, const std::string& picture) {
+  return MakePreviewImage(orthophoto, picture) == 1;
+}
+
+std::optional<std::string> WindowsEnvironment::Get(const std::string& name) {
+  std::string value(kMaxVariable, '\0');
+  SetLastError(ERROR_SUCCESS);
+  const DWORD length = GetEnvironmentVariableA(name.c_str(), value.data(), kMaxVariable);
+  if (length == 0 && GetLastError() == ERROR_ENVVAR_NOT_FOUND) return std::nullopt;
+  value.resize(length < kMaxVariable ? length : 0);
+  return value;
+}
+
+bool WindowsEnvironment::Set(const std::string& name, const std::string& value) {
+  return SetEnvironmentVariableA(name.c_str(), value.c_str()) != FALSE;
+}
+
+std::string GetProgramPath() {
+  char path[kMaxProgramPath];
+  const DWORD length = GetModuleFileNameA(nullptr, path, kMaxProgramPath);
+  return length < kMaxProgramPath ? std::string(path, length) : std::string();
+}

@@ -1,0 +1,106 @@
+#include "job/windows_files.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <algorithm>
+
+#include "support/temporary_folder.h"
+
+namespace {
+
+class Files : public testing::Test {
+ protected:
+  std::vector<std::string> FindNames(const std::string& pattern) {
+    std::vector<std::string> names;
+    for (const FoundFile& file : m_files.Find(m_folder.Path(pattern))) {
+      EXPECT_EQ(file.path, m_folder.Path(file.name));
+      names.push_back(file.name);
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+  using Names = std::vector<std::string>;
+
+  TemporaryFolder m_folder;
+  WindowsFiles m_files;
+};
+
+TEST_F(Files, AreFoundByPatternWithoutRegardToCase) {
+  for (const char* name : {"a.tif", "B.TIF", "c.tiff", "d.jpg"}) WriteFile(m_folder.Path(name), "x");
+  ASSERT_TRUE(m_files.CreateFolder(m_folder.Path("e.tif")));
+  const Names names = FindNames("*.tif");
+  EXPECT_TRUE(std::find(names.begin(), names.end(), "a.tif") != names.end());
+  EXPECT_TRUE(std::find(names.begin(), names.end(), "B.TIF") != names.end());
+  EXPECT_TRUE(std::find(names.begin(), names.end(), "e.tif") != names.end());
+  EXPECT_TRUE(std::find(names.begin(), names.end(), "d.jpg") == names.end());
+  for (const FoundFile& file : m_files.Find(m_folder.Path("*.tif"))) {
+    EXPECT_EQ(file.isDirectory, file.name == "e.tif");
+  }
+}
+
+TEST_F(Files, AreNotFoundInAMissingFolder) {
+  EXPECT_EQ(FindNames("none\\*.*"), Names{});
+  EXPECT_EQ(FindNames("*.*"), (Names{".", ".."}));
+}
+
+TEST_F(Files, ExistOnlyUnderTheirExactPath) {
+  WriteFile(m_folder.Path("a.tif"), "x");
+  EXPECT_TRUE(m_files.Exists(m_folder.Path("a.tif")));
+  EXPECT_TRUE(m_files.Exists(m_folder.Path()));
+  EXPECT_FALSE(m_files.Exists(m_folder.Path("*.tif")));
+  EXPECT_FALSE(m_files.Exists(m_folder.Path("b.tif")));
+  EXPECT_FALSE(m_files.Exists(""));
+}
+
+TEST_F(Files, MakeOneLevelOfFolders) {
+  EXPECT_TRUE(m_files.CreateFolder(m_folder.Path("a")));
+  EXPECT_TRUE(m_files.CreateFolder(m_folder.Path("a"))) << "exists already";
+  EXPECT_FALSE(m_files.CreateFolder(m_folder.Path("b\\c")));
+  EXPECT_FALSE(m_files.CreateFolder(m_folder.Path(std::string(300, 'x'))));
+}
+
+TEST_F(Files, AreRenamedOnlyToAFreeName) {
+  WriteFile(m_folder.Path("a"), "a");
+  WriteFile(m_folder.Path("b"), "b");
+  EXPECT_FALSE(m_files.Rename(m_folder.Path("a"), m_folder.Path("b")));
+  EXPECT_EQ(ReadFile(m_folder.Path("b")), "b");
+  EXPECT_TRUE(m_files.Rename(m_folder.Path("a"), m_folder.Path("c")));
+  EXPECT_EQ(ReadFile(m_folder.Path("c")), "a");
+  EXPECT_FALSE(m_files.Rename(m_folder.Path("none"), m_folder.Path("d")));
+}
+
+TEST_F(Files, AreCopiedOverExistingOnes) {
+  WriteFile(m_folder.Path("a"), "a");
+  WriteFile(m_folder.Path("b"), "b");
+  EXPECT_TRUE(m_files.Copy(m_folder.Path("a"), m_folder.Path("b")));
+  EXPECT_EQ(ReadFile(m_folder.Path("b")), "a");
+  EXPECT_FALSE(m_files.Copy(m_folder.Path("none"), m_folder.Path("c")));
+}
+
+TEST_F(Files, AreDeleted) {
+  WriteFile(m_folder.Path("a"), "a");
+  EXPECT_TRUE(m_files.Delete(m_folder.Path("a")));
+  EXPECT_FALSE(FileExists(m_folder.Path("a")));
+  EXPECT_FALSE(m_files.Delete(m_folder.Path("a")));
+}
+
+TEST(Environment, IsThatOfTheProcess) {
+  WindowsEnvironment environment;
+  EXPECT_EQ(environment.Get("MOSAICON_TEST_VARIABLE"), std::nullopt);
+  EXPECT_TRUE(environment.Set("MOSAICON_TEST_VARIABLE", "a b"));
+  EXPECT_EQ(environment.Get("MOSAICON_TEST_VARIABLE"), "a b");
+  char value[16];
+  EXPECT_EQ(GetEnvironmentVariableA("MOSAICON_TEST_VARIABLE", value, sizeof value), 3U);
+  const std::string longText(20000, 'x');
+  EXPECT_TRUE(environment.Set("MOSAICON_TEST_VARIABLE", longText));
+  EXPECT_EQ(environment.Get("MOSAICON_TEST_VARIABLE"), longText);
+  EXPECT_FALSE(environment.Set("", "x"));
+}
+
+TEST(ProgramPath, NamesThisProgram) {
+  const std::string path = GetProgramPath();
+  EXPECT_EQ(path.substr(path.rfind('\\') + 1), "job_windows_test.exe");
+}
+
+}  // namespace

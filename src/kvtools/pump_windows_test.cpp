@@ -1,0 +1,72 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include "kvtools/kvtools.h"
+
+namespace {
+
+constexpr UINT kCountMessage = WM_APP + 1;
+int g_nCounted = 0;
+
+LRESULT CALLBACK CountingProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message != kCountMessage) return DefWindowProcA(window, message, wParam, lParam);
+  return ++g_nCounted;
+}
+
+class Pump : public testing::Test {
+ protected:
+  void SetUp() override {
+    WNDCLASSA windowClass = {};
+    windowClass.lpfnWndProc = CountingProcedure;
+    windowClass.hInstance = GetModuleHandleA(nullptr);
+    windowClass.lpszClassName = "PumpTest";
+    RegisterClassA(&windowClass);
+    m_hWindow = CreateWindowExA(0, "PumpTest", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                windowClass.hInstance, nullptr);
+    ASSERT_NE(m_hWindow, nullptr);
+    g_nCounted = 0;
+  }
+  void TearDown() override { DestroyWindow(m_hWindow); }
+
+  HWND m_hWindow = nullptr;
+};
+
+TEST_F(Pump, DispatchesEverythingThatIsPending) {
+  for (int i = 0; i < 100; ++i) PostMessageA(m_hWindow, kCountMessage, 0, 0);
+  KVT_PumpMessages();
+  EXPECT_EQ(g_nCounted, 100);
+}
+
+TEST_F(Pump, GivesTheProcessorAwayWhenNothingIsPending) {
+  KVT_PumpMessages();
+  const ULONGLONG start = GetTickCount64();
+  for (int i = 0; i < 20; ++i) KVT_PumpMessages();
+  const ULONGLONG elapsed = GetTickCount64() - start;
+  EXPECT_GE(elapsed, 100U);
+  EXPECT_LE(elapsed, 10000U);
+}
+
+TEST_F(Pump, LeavesQuitToTheOuterLoop) {
+  PostQuitMessage(7);
+  KVT_PumpMessages();
+  KVT_PumpMessages();
+  MSG message;
+  ASSERT_TRUE(PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE));
+  EXPECT_EQ(message.message, static_cast<UINT>(WM_QUIT));
+  EXPECT_EQ(message.wParam, 7U);
+}
+
+DWORD WINAPI SendFromOtherThread(LPVOID window) {
+  return static_cast<DWORD>(SendMessageA(static_cast<HWND>(window), kCountMessage, 0, 0));
+}
+
+TEST_F(Pump, LetsMessagesSentByOtherThreadsThrough) {
+  HANDLE thread = CreateThread(nullptr, 0, SendFromOtherThread, m_hWindow, 0, nullptr);
+  ASSERT_NE(thread, nullptr);
+  for (int i = 0; i < 500 && g_nCounted == 0; ++i) KVT_PumpMessages();
+  EXPECT_EQ(g_nCounted, 1);
+  EXPECT_EQ(WaitForSingleObject(thread, 5000), WAIT_OBJECT_0);
+  CloseHandle(thread);
+}
+
+}  // namespace

@@ -1,0 +1,109 @@
+"""Images that are not three bands of eight bits in a system with a number."""
+
+import unittest
+
+from osgeo import gdal
+
+from batch_support import BatchTest, start_wine, windows_path
+from rasters import NATIONAL_GRID, OWN_ZONE, make_raster, picture, solid
+from results import Job, ResultChecks, shown_colours
+
+RGBA = (gdal.GCI_RedBand, gdal.GCI_GreenBand, gdal.GCI_BlueBand, gdal.GCI_AlphaBand)
+OWN_PROJECTION = (
+    'PROJCS["Own",GEOGCS["WGS 84",DATUM["WGS_1984",SPHEROID["WGS 84",6378137,298.257223563]],'
+    'PRIMEM["Greenwich",0],UNIT["degree",0.0174532925199433],AUTHORITY["EPSG","4326"]],'
+    'PROJECTION["Transverse_Mercator"],PARAMETER["latitude_of_origin",0],'
+    'PARAMETER["central_meridian",9.1],PARAMETER["scale_factor",1],'
+    'PARAMETER["false_easting",500000],PARAMETER["false_northing",0],UNIT["metre",1]]')
+
+
+def setUpModule():
+    start_wine()
+
+
+class OddRasters(BatchTest, ResultChecks):
+    def run_job(self, orthophotos):
+        self.job = Job(self.folder / "out", len(orthophotos))
+        return self.batch("--target", self.job.target, *orthophotos)
+
+
+class CanBeTiled(OddRasters):
+    def test_with_one_or_four_bands_or_one_pixel(self):
+        transparent = solid([10, 120, 240, 255], 200, 200)
+        transparent[:, :, 100:] = 0
+        cases = {
+            "grey": (dict(pixels=solid([77], 200, 200)), {(77,)}),
+            "four": (dict(pixels=solid([10, 120, 240, 30], 200, 200),
+                          options=["ALPHA=NO"]), {(10, 120, 240)}),
+            "rgba": (dict(pixels=transparent, colours=RGBA), {(10, 120, 240)}),
+            "dot": (dict(pixels=solid([10, 120, 240], 1, 1)), {(10, 120, 240)}),
+            "line": (dict(pixels=solid([10, 120, 240], 2000, 1)), {(10, 120, 240)}),
+            "grid": (dict(pixels=transparent, colours=RGBA, place=NATIONAL_GRID),
+                     {(10, 120, 240)}),
+        }
+        orthophotos = [make_raster(self.folder / (name + ".tif"), **how)
+                       for name, (how, _) in cases.items()]
+        run = self.run_job(orthophotos)
+        self.assertEqual((run.code, run.errors), (0, []), run)
+        self.assert_output(run, self.job.output(orthophotos))
+        for index, (name, (how, colours)) in enumerate(cases.items()):
+            with self.subTest(image=name):
+                folder = self.job.folder(index)
+                self.assertTrue((folder / ".jpg").is_file())
+                if name != "line":  # thinner than a pixel of a tile
+                    self.assertEqual(shown_colours(folder), colours)
+                self.assert_links_resolve(folder)
+
+    def test_in_a_projection_without_a_number(self):
+        orthophoto = make_raster(self.folder / "own.tif", wkt=OWN_PROJECTION)
+        run = self.run_job([orthophoto])
+        self.assertEqual((run.code, run.errors), (0, []), run)
+        self.assert_position(self.job.target, orthophoto)
+
+    def test_in_degrees(self):
+        orthophoto = make_raster(self.folder / "degrees.tif", (4326, 9.0, 45.0), pixel_size=1e-5)
+        run = self.run_job([orthophoto])
+        self.assertEqual((run.code, run.errors), (0, []), run)
+        self.assert_position(self.job.target, orthophoto)
+
+
+class CannotBeTiled(OddRasters):
+    CASES = {
+        "six bands": (dict(pixels=solid(range(6))),
+                      "the image has 6 bands; only 1 to 4 bands of 8 bits can be tiled"),
+        "16 bits": (dict(kind=gdal.GDT_UInt16), "the image has 16-bit pixels (UInt16); convert it "
+                                                "to 8 bits before tiling"),
+        "real": (dict(kind=gdal.GDT_Float32, pixels=solid([1])),
+                 "the image has 32-bit pixels (Float32); convert it to 8 bits before tiling"),
+        "palette": (dict(pixels=solid([1]), palette=True),
+                    "the image has a colour palette; convert it to RGB before tiling"),
+    }
+
+    def check(self, place):
+        bad = [make_raster(self.folder / (name + ".tif"), place=place, **how)
+               for name, (how, _) in self.CASES.items()]
+        good = make_raster(self.folder / "good.tif", place)
+        run = self.run_job([*bad, good])
+        self.assert_failed(run, *zip(bad, (reason for _, reason in self.CASES.values())))
+        for index in range(len(bad)):
+            self.assertFalse(list(self.job.target.glob(f"tile_{index}/**/*.png")))
+        self.assert_links_resolve(self.job.folder(len(bad)))
+
+    def test_in_its_own_zone(self):
+        self.check(OWN_ZONE)
+
+    def test_after_reprojection(self):
+        self.check(NATIONAL_GRID)
+
+    def test_with_two_bands_only_to_a_picture(self):
+        """The tiles show the first band; there are no JPEG files of two."""
+        two = make_raster(self.folder / "two.tif", pixels=picture(200, 200)[:2])
+        run = self.run_job([two])
+        self.assert_failed(
+            run, (two, f"could not make the picture {windows_path(self.job.target)}\\.jpg: JPEG driver "
+                       "doesn't support 2 bands.  Must be 1 (grey), 3 (RGB) or 4 bands (CMYK)."))
+        self.assert_links_resolve(self.job.target)
+
+
+if __name__ == "__main__":
+    unittest.main()

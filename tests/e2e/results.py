@@ -1,0 +1,187 @@
+"""What the result of an orthophoto must look like."""
+
+import math
+import os
+import pathlib
+import posixpath
+import subprocess
+import sys
+import unittest
+from dataclasses import dataclass
+from urllib.parse import unquote, urlsplit
+from xml.etree import ElementTree
+
+import numpy
+from osgeo import gdal
+
+from batch_support import PATIENCE, windows_path
+from rasters import OWN_ZONE, TARGET_ZONES, corners_in_degrees, read_pixels
+
+KML = "{http://www.opengis.net/kml/2.2}"
+
+
+@dataclass
+class Job:
+    """What the program was asked for; the title as it must appear, with underscores."""
+
+    target: pathlib.Path
+    count: int = 1
+    title: str = ""
+    url: str = ""
+    key: str = ""
+
+    def folder(self, index):
+        return self.target if self.count == 1 else self.target / f"tile_{index}"
+
+    def map_name(self, index):
+        return self.title if self.count == 1 or not self.title else f"{self.title}_{index}"
+
+    def output(self, orthophotos, log=None, notes=()):
+        """The lines of standard output, without the elapsed time."""
+        if log is None:
+            log = [f"- {windows_path(path)}: OK" for path in orthophotos]
+        return [
+            *notes,
+            "Target folder: " + windows_path(self.target),
+            *(f"Process {i + 1}/{self.count} - {self.map_name(i)} -" for i in range(self.count)),
+            *log,
+            *("Result: " + windows_path(self.folder(i)) for i in range(self.count))]
+
+
+def links(kml, kinds=("Link", "Icon")):
+    """The targets of all links of a KML file, which must be well-formed."""
+    root = ElementTree.parse(kml).getroot()
+    return [element.find(KML + "href").text
+            for kind in kinds for element in root.iter(KML + kind)]
+
+
+class ResultChecks(unittest.TestCase):
+    """Checks to mix into a test case."""
+
+    def assert_output(self, run, lines):
+        """Standard output is exactly this, but for the elapsed time, which must be one."""
+        times = [line for line in run.output if line.startswith("Total work time: ")]
+        self.assertEqual(len(times), 1, run)
+        self.assertRegex(times[0], r"^Total work time: \d\d:\d\d:\d\d$")
+        self.assertEqual([line for line in run.output if line not in times], lines, run)
+
+    def assert_failed(self, run, *failures, before=()):
+        """The error lines tell these failures, and where the log is if there is one."""
+        self.assertEqual(run.code, 1, run)
+        lines = [f"mosaicon-batch: FAILED {windows_path(path)}: {reason}"
+                 for path, reason in failures]
+        logs = self.new_logs()
+        if logs:
+            self.assertEqual(len(logs), 1)
+            self.assertRegex(run.errors[-1], r"^mosaicon-batch: details are in C:\\.*\\" +
+                             logs[0].name.replace(".", r"\.") + "$")
+        self.assertEqual(run.errors[:len(run.errors) - len(logs)], [*before, *lines], run)
+
+    def assert_links_resolve(self, folder):
+        """The local KML and those of the tiles lead to files that exist."""
+        documents = [folder / "googleearth_loc.kml", *folder.glob("*/*/*.kml")]
+        self.assertGreater(len(documents), 1)
+        for document in documents:
+            targets = links(document)
+            self.assertTrue(targets, f"{document} has no link")
+            for target in targets:
+                self.assertNotIn(":", target)
+                path = document.parent / unquote(target)
+                self.assertTrue(path.is_file(), f"{document} links {target}, which is missing")
+
+    def assert_web_links_resolve(self, job, index):
+        """The target folder stands for its URL, so that the URL's parent is the folder's."""
+        folder = job.folder(index)
+        local = links(folder / "googleearth_loc.kml")
+        web = links(folder / "googleearth_web.kml")
+        self.assertEqual(len(web), len(local))
+        base = job.url.rstrip("/")
+        for target in web:
+            self.assertTrue(target.startswith(base + "/"), target)
+            path = posixpath.normpath(unquote(urlsplit(target).path))
+            parent = posixpath.dirname(urlsplit(base).path).rstrip("/") + "/"
+            self.assertTrue(path.startswith(parent), f"{target} leads out of {parent}")
+            self.assertTrue((job.target.parent / path[len(parent):]).is_file(),
+                            f"{target} leads to no file")
+
+    def assert_picture(self, folder, name, orthophoto):
+        """A reduced copy of the orthophoto of about 76,800 pixels."""
+        made = gdal.Open(str(folder / (name + ".jpg")))
+        self.assertEqual(made.GetDriver().ShortName, "JPEG")
+        source = gdal.Open(str(orthophoto))
+        scale = math.sqrt(76800 / (source.RasterXSize * source.RasterYSize))
+        size = [int(side * scale + 0.5) for side in (source.RasterXSize, source.RasterYSize)]
+        self.assertEqual([made.RasterXSize, made.RasterYSize], size)
+        expected = source.ReadAsArray(buf_xsize=size[0], buf_ysize=size[1]).astype(int)
+        difference = numpy.abs(made.ReadAsArray().astype(int) - expected).mean()
+        self.assertLess(difference, 5)
+
+    def assert_position(self, folder, orthophoto):
+        """The map covers the orthophoto's own corners, to within two pixels."""
+        box = ElementTree.parse(folder / "tilemapresource.xml").getroot().find("BoundingBox")
+        found = [float(box.get(name)) for name in ("minx", "miny", "maxx", "maxy")]
+        expected = corners_in_degrees(orthophoto)
+        pixels = gdal.Open(str(orthophoto)).RasterXSize
+        tolerance = 2 * (expected[2] - expected[0]) / pixels
+        for left, right in zip(found, expected):
+            self.assertAlmostEqual(left, right, delta=tolerance)
+
+    def assert_result(self, job, index, orthophoto, place=OWN_ZONE):
+        """Everything about one orthophoto's folder."""
+        folder, name = job.folder(index), job.map_name(index)
+        self.assert_same_as_plain_tiler(job, index, orthophoto, place)
+        self.assert_links_resolve(folder)
+        if job.url:
+            self.assert_web_links_resolve(job, index)
+        self.assert_picture(folder, name, orthophoto)
+        self.assert_position(folder, orthophoto)
+
+    def assert_same_as_plain_tiler(self, job, index, orthophoto, place):
+        folder, name = job.folder(index), job.map_name(index)
+        plain = self.folder / "plain" / folder.name
+        tile_input = orthophoto if place == OWN_ZONE else orthophoto.with_name(
+            orthophoto.stem + "2.vrt")
+        self.run_plain_tiler(job, name, tile_input, TARGET_ZONES[place], plain)
+        made, expected = files_below(folder), files_below(plain)
+
+        self.assertLess({"doc.kml", "openlayers.html", "googlemaps.html"}, expected)
+        expected -= {"doc.kml", "openlayers.html"}
+        if not job.key:
+            expected.remove("googlemaps.html")
+        added = {"googleearth_loc.kml", name + ".jpg"}
+        if job.url:
+            added.add("googleearth_web.kml")
+        self.assertEqual(made, expected | added)
+
+        tiles = [path for path in expected if path.endswith(".png")]
+        self.assertGreater(len(tiles), 3)
+        for path in tiles:
+            self.assertTrue((read_pixels(folder / path) == read_pixels(plain / path)).all(),
+                            f"{path} differs from what the plain tiler makes")
+        for path in expected:
+            if path.endswith(".html"):
+                self.assertEqual((folder / path).read_text(), (plain / path).read_text(), path)
+
+    def run_plain_tiler(self, job, name, tile_input, epsg, output):
+        base = "../" if job.count == 1 else "../../" + job.target.name
+        options = ["-a", "0,0,0", "-s", epsg, "-p", "mercator", "-k", "-u", base,
+                   "-t", name or tile_input.name]
+        options += ["-g", job.key] if job.key else []
+        output.parent.mkdir(parents=True, exist_ok=True)
+        subprocess.run(
+            [sys.executable, "-B", "-m", "osgeo_utils.gdal2tiles", "-q", *options,
+             str(tile_input), str(output)],
+            check=True, timeout=PATIENCE, stdout=subprocess.DEVNULL, cwd=self.folder)
+
+
+def files_below(folder):
+    return {os.path.relpath(os.path.join(parent, name), folder)
+            for parent, _, names in os.walk(folder) for name in names}
+
+
+def shown_colours(folder):
+    """The colours of all pixels of the deepest level that are not transparent at all."""
+    level = max((path for path in folder.iterdir() if path.name.isdigit()),
+                key=lambda path: int(path.name))
+    tiles = [read_pixels(path) for path in level.glob("*/*.png")]
+    return {tuple(map(int, colour)) for tile in tiles for colour in tile[:-1, tile[-1] == 255].T}

@@ -1,0 +1,152 @@
+// Stand-ins for what a job talks to. Each remembers what it was asked, in one common list where the
+// order matters, so that a test can compare the whole course of a job.
+#ifndef MOSAICON_TESTS_SUPPORT_FAKES_H_
+#define MOSAICON_TESTS_SUPPORT_FAKES_H_
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "job/job_files.h"
+#include "job/job_host.h"
+#include "job/tool_runner.h"
+
+using Events = std::vector<std::string>;
+
+class FakeHost : public JobHost {
+ public:
+  explicit FakeHost(Events& events) : m_events(events) {}
+
+  void ShowMessage(MessageIcon icon, const std::string& text) override {
+    Note((icon == MessageIcon::kInformation ? "information: " : "warning: ") + text);
+  }
+  void WriteBackTargetUrl(const std::string& url) override { Note("url := " + url); }
+  void WriteBackMapTitle(const std::string& title) override { Note("title := " + title); }
+  void WriteBackTargetFolder(const std::string& folder) override { Note("folder := " + folder); }
+  Answer AskYesNoCancel(const std::string& text) override {
+    Note("ask: " + text);
+    return answer;
+  }
+  void SetBusy(bool busy) override { Note(busy ? "busy" : "idle"); }
+  void SetProgressLabel(const std::string& text) override { Note("label: " + text); }
+  void SetProgressRange(int lower, int upper) override {
+    Note("range: " + std::to_string(lower) + ".." + std::to_string(upper));
+  }
+  void SetProgressPosition(int percent) override { Note("position: " + std::to_string(percent)); }
+  void NavigatePreview(const std::string& page) override { Note("preview: " + page); }
+  void PumpMessages() override { Note("pump"); }
+  void ShowReport(const JobReport& shown) override {
+    Note("report");
+    report = shown;
+  }
+  bool IsAborted() const override { return aborted; }
+  void SetAborted(bool flag) override { aborted = flag; }
+  bool IsClosed() const override { return closed; }
+
+  Answer answer = Answer::kYes;
+  bool aborted = false;
+  bool closed = false;
+  JobReport report;
+  // Runs after each event is noted: what a user does at that moment.
+  std::function<void(const std::string& event)> onEvent;
+
+ private:
+  void Note(const std::string& event) {
+    EXPECT_FALSE(closed) << "the host is gone: " << event;
+    m_events.push_back(event);
+    if (onEvent) onEvent(event);
+  }
+  Events& m_events;
+};
+
+// Files by path; a folder ends in "\".
+class FakeFiles : public JobFiles {
+ public:
+  explicit FakeFiles(Events& events) : m_events(events) {}
+
+  bool Exists(const std::string& path) override { return paths.count(path) > 0; }
+  std::vector<FoundFile> Find(const std::string& pattern) override {
+    patterns.push_back(pattern);
+    const auto found = matches.find(pattern);
+    return found != matches.end() ? found->second : std::vector<FoundFile>();
+  }
+  bool CreateFolder(const std::string& path) override {
+    m_events.push_back("create " + path);
+    return unwritable.count(path) == 0;
+  }
+  bool Delete(const std::string& path) override {
+    m_events.push_back("delete " + path);
+    return paths.erase(path) > 0;
+  }
+  bool Rename(const std::string& source, const std::string& target) override {
+    m_events.push_back("rename " + source + " -> " + target);
+    return true;
+  }
+  bool Copy(const std::string& source, const std::string& target) override {
+    m_events.push_back("copy " + source + " -> " + target);
+    return true;
+  }
+  bool RewriteLinks(const std::string& kml, const std::string& baseUrl,
+                    const std::string& subFolder) override {
+    m_events.push_back("links " + kml + " " + baseUrl + " " + subFolder);
+    return true;
+  }
+  bool MakePreview(const std::string& orthophoto, const std::string& picture) override {
+    m_events.push_back("picture " + orthophoto + " -> " + picture);
+    return true;
+  }
+
+  std::set<std::string> paths;
+  std::set<std::string> unwritable;
+  std::map<std::string, std::vector<FoundFile>> matches;
+  std::vector<std::string> patterns;
+
+ private:
+  Events& m_events;
+};
+
+class FakeRunner : public ToolRunner {
+ public:
+  explicit FakeRunner(Events& events) : m_events(events) {}
+  void RunTranslator(const std::string& toolPath, const std::string& commandLine) override {
+    Run("translate", toolPath, commandLine);
+  }
+  void RunWarper(const std::string& toolPath, const std::string& commandLine) override {
+    Run("warp", toolPath, commandLine);
+  }
+  void RunTiler(const std::string& toolPath, const std::string& commandLine) override {
+    Run("tile", toolPath, commandLine);
+  }
+  // What the tool does, and the user meanwhile.
+  std::function<void(const std::string& tool, const std::string& commandLine)> onRun;
+
+ private:
+  void Run(const std::string& tool, const std::string& toolPath, const std::string& commandLine) {
+    m_events.push_back(tool + " " + toolPath + commandLine);
+    if (onRun) onRun(tool, commandLine);
+  }
+  Events& m_events;
+};
+
+class FakeEnvironment : public ProcessEnvironment {
+ public:
+  std::optional<std::string> Get(const std::string& name) override {
+    const auto found = values.find(name);
+    return found != values.end() ? std::optional<std::string>(found->second) : std::nullopt;
+  }
+  bool Set(const std::string& name, const std::string& value) override {
+    if (name == refused) return false;
+    order.push_back(name);
+    values[name] = value;
+    return true;
+  }
+  std::map<std::string, std::string> values;
+  std::vector<std::string> order;
+  std::string refused;
+};
+
+#endif  // MOSAICON_TESTS_SUPPORT_FAKES_H_
