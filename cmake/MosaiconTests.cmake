@@ -40,6 +40,8 @@ if(MOSAICON_SANITIZE)
 endif()
 
 # mosaicon_add_test(NAME LABEL SOURCES ... LIBRARIES ...): one GoogleTest program, one CTest entry.
+# Those with the label "ui" show windows: they need a screen, and one at a time gets it, because there
+# is only one focus.
 function(mosaicon_add_test name label)
   cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "SOURCES;LIBRARIES")
   add_executable(${name} ${arg_SOURCES})
@@ -49,4 +51,7 @@ function(mosaicon_add_test name label)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT 300
     ENVIRONMENT "${mosaicon_test_environment}")
+  if(label STREQUAL ui)
+    set_tests_properties(${name} PROPERTIES RESOURCE_LOCK screen)
+  endif()
 endfunction()

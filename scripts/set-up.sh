@@ -62,6 +62,17 @@ keep_wine_running() {
   coproc WINE_KEEPER { exec wine cmd > /dev/null 2>&1 8>&-; }
 }
 
+# A screen of its own for the windows of this script, so that they neither need nor disturb the user's;
+# it ends with the script.
+start_screen() {
+  exec {screen_number}< <(exec Xvfb -displayfd 1 -screen 0 "${1:-1920x1200x24}" -nolisten tcp 2> /dev/null 8>&-)
+  screen_pid=$!
+  trap 'kill "$screen_pid" 2> /dev/null || true' EXIT
+  local number
+  read -r -t 30 -u "$screen_number" number || die "Xvfb does not start"
+  export DISPLAY=:$number
+}
+
 # Only one command at a time may build in this checkout. The lock is descriptor 8: programs that may
 # outlive this script (Wine's own) are started without it.
 lock_checkout() {
