@@ -2,6 +2,7 @@
 #   .            the programs and the DLLs that they load
 #   gdal2tiles   the tool folder: scripts, GDAL's programs and data, and their DLLs
 #   share/proj   PROJ's data, which it finds from the tool folder as ../share/proj
+#   tutorial     the tutorials that the program opens
 # The component "wine" adds python.exe for Linux hosts; it is not part of a release.
 if(NOT WIN32)
   return()
@@ -14,6 +15,10 @@ install(PROGRAMS
 install(DIRECTORY ${MOSAICON_GDAL_ROOT}/share/gdal/ DESTINATION gdal2tiles/gdal-data)
 install(DIRECTORY DESTINATION gdal2tiles/gdalplugins)
 install(DIRECTORY ${MOSAICON_GDAL_ROOT}/share/proj DESTINATION share)
+install(FILES
+  "${PROJECT_SOURCE_DIR}/docs/tutorials/MOS_InputOutput.pdf"
+  "${PROJECT_SOURCE_DIR}/docs/tutorials/Setup a simple Web Server for ZPD datasets.pdf"
+  DESTINATION tutorial)
 
 # All DLLs that do not belong to Windows, beside the programs and beside the tools: a program finds
 # them in its own folder only.

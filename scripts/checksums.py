@@ -6,6 +6,7 @@ the form that sha256sum checks too.
 """
 
 import hashlib
+import os
 import pathlib
 
 
@@ -14,11 +15,11 @@ def _checksum(path):
 
 
 def _name(path, folder):
-    return path.resolve().relative_to(folder.resolve()).as_posix()
+    return pathlib.PurePath(os.path.relpath(path.resolve(), folder.resolve())).as_posix()
 
 
 def write_list(list_path, paths):
-    """Writes the checksums of paths, which lie beside or below the list."""
+    """Writes the checksums of paths; their names are relative to the folder of the list."""
     list_path = pathlib.Path(list_path)
     lines = sorted((_name(pathlib.Path(path), list_path.parent), path) for path in paths)
     text = "".join(f"{_checksum(pathlib.Path(path))}  {name}\n" for name, path in lines)
