@@ -5,11 +5,15 @@
 //
 // The profile functions have two implementations, and the program chooses by linking one of them:
 // profile_registry.cpp (the user's registry) or profile_memory.cpp (forgets everything at exit).
+//
+// What tells about the machine and the running program has a header of its own, included here.
 #ifndef MOSAICON_KVTOOLS_KVTOOLS_H_
 #define MOSAICON_KVTOOLS_KVTOOLS_H_
 
 #include <string>
 #include <vector>
+
+#include "kvtools/kvtools_system.h"
 
 // --- Settings --------------------------------------------------------------------------------
 
