@@ -1,5 +1,5 @@
-// The part of KVTools that tells what the program runs on, in texts for a support person.
-// Included by kvtools.h. Link kvtools_system; Windows only.
+// The part of KVTools that tells what the program runs on, in texts for a support person, and that
+// greets the user. Included by kvtools.h. Link kvtools_system; Windows only.
 //
 // The functions with a buffer copy at most size - 1 characters of 8-bit ANSI text and the terminator
 // and cut what is longer. They return the number of characters copied: 0, and an empty text, when what
@@ -36,5 +36,18 @@ int KVT_GetRAMInfo(char* buffer, int size);
 // there are. An adapter with several outputs counts once, two adapters of one model count twice, and
 // drivers that only mirror the screen do not count.
 int KVT_GetDisplayAdaptersList(std::vector<std::string>& adapters);
+
+// Shows the bitmap with this id of the running program's resources in the middle of the primary
+// screen's work area, above all other windows, and dispatches the calling thread's messages until
+// milliseconds have passed, the user clicks on the bitmap or on a window of this thread, or presses a
+// key that one of them receives. The key is used up; a click on another window still reaches it. The
+// bitmap has its own size at 96 dots per inch, grows with the screen's scaling and shrinks to the work
+// area; it takes neither focus nor activation and has no button in the task bar.
+//
+// Returns 1 after the bitmap was shown and is gone again, 0 at once when there is no such bitmap, no
+// screen or no time. A WM_QUIT ends it and is left for the outer message loop. A dispatched message
+// whose handler takes longer holds up the return; the bitmap then still goes in time when that handler
+// dispatches messages. User-interface thread.
+int KVT_ShowSplashScreen(int bitmapId, int milliseconds);
 
 #endif  // MOSAICON_KVTOOLS_KVTOOLS_SYSTEM_H_
