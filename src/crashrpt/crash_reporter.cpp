@@ -1,0 +1,178 @@
+#include "crashrpt/crash_reporter.h"
+
+#include "crashrpt/crashrpt.h"
+#include "crashrpt/report_name.h"
+#include "crashrpt/sender_process.h"
+
+namespace {
+
+constexpr DWORD kDumpBound = 60000;
+// Also bounds the callback of the program.
+constexpr DWORD kWholeBound = 75000;
+constexpr DWORD kReporterStack = 256 * 1024;
+
+// Never torn down: a crash may come at any time, also while the process is ending.
+struct Reporter {
+  HandOver* handOver = nullptr;
+  CrashCallback callback = nullptr;
+  HANDLE dumpTaken = nullptr;
+  HANDLE crashed = nullptr;
+  DWORD threadId = 0;
+  SenderProcess sender;
+  volatile LONG crashedThread = 0;
+  // Stand in for what a structured exception brings along.
+  CONTEXT context = {};
+  EXCEPTION_RECORD record = {};
+  EXCEPTION_POINTERS pointers = {};
+};
+Reporter g_reporter;
+
+[[noreturn]] void EndProcess(UINT exitCode) {
+  for (;;) TerminateProcess(GetCurrentProcess(), exitCode);
+}
+
+bool IsDumpTaken() {
+  const HANDLE process = g_reporter.sender.StartForReport();
+  if (process == nullptr) return false;
+  const HANDLE either[] = {g_reporter.dumpTaken, process};
+  return WaitForMultipleObjects(2, either, FALSE, kDumpBound) == WAIT_OBJECT_0;
+}
+
+bool HasUndelivered() {
+  WIN32_FIND_DATAA data;
+  const std::string pattern = std::string(g_reporter.handOver->reportFolder) + "\\pending\\*Z-*";
+  const HANDLE search = FindFirstFileA(pattern.c_str(), &data);
+  if (search == INVALID_HANDLE_VALUE) return false;
+  FindClose(search);
+  return true;
+}
+
+DWORD WINAPI RunReporter(void*) {
+  // Here, so that a slow disk does not slow down the start of the program.
+  if (g_reporter.handOver->uploadUrl[0] != '\0' && HasUndelivered()) {
+    const HANDLE process = g_reporter.sender.StartForRetry();
+    if (process != nullptr) CloseHandle(process);
+  }
+  WaitForSingleObject(g_reporter.crashed, INFINITE);
+  const bool wanted = g_reporter.callback == nullptr || g_reporter.callback(nullptr) != 0;
+  EndProcess(wanted && IsDumpTaken() ? CRASH_EXIT_REPORTED : CRASH_EXIT_UNREPORTED);
+}
+
+bool FillFolder(HandOver& handOver, std::string& error) {
+  if (handOver.reportFolder[0] != '\0') return true;
+  char local[MAX_PATH] = "";
+  const DWORD length = GetEnvironmentVariableA("LOCALAPPDATA", local, sizeof local);
+  const std::string folder =
+      std::string(local) + "\\" + FileNameOf(handOver.applicationName) + "\\CrashReports";
+  if (length == 0 || length >= sizeof local || folder.size() >= sizeof handOver.reportFolder) {
+    error = "There is no folder for reports: none is given, and LOCALAPPDATA names none.";
+    return false;
+  }
+  folder.copy(handOver.reportFolder, folder.size());
+  return true;
+}
+
+// Handles that are opened together and stay open when all went well.
+class Resources {
+ public:
+  Resources() = default;
+  Resources(const Resources&) = delete;
+  Resources& operator=(const Resources&) = delete;
+  ~Resources() {
+    if (m_bKept) return;
+    if (m_view != nullptr) UnmapViewOfFile(m_view);
+    for (HANDLE handle : {m_handles.handOver, m_handles.dumpTaken, m_handles.program, m_crashed}) {
+      if (handle != nullptr) CloseHandle(handle);
+    }
+  }
+  bool Open() {
+    m_handles.handOver =
+        CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(HandOver), nullptr);
+    if (m_handles.handOver == nullptr) return false;
+    m_view = MapViewOfFile(m_handles.handOver, FILE_MAP_ALL_ACCESS, 0, 0, 0);
+    m_handles.dumpTaken = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    m_crashed = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    const BOOL duplicated = DuplicateHandle(GetCurrentProcess(), GetCurrentProcess(), GetCurrentProcess(),
+                                            &m_handles.program, 0, FALSE, DUPLICATE_SAME_ACCESS);
+    return m_view != nullptr && m_handles.dumpTaken != nullptr && m_crashed != nullptr && duplicated;
+  }
+  const SenderHandles& ForSender() const { return m_handles; }
+  HANDLE Crashed() const { return m_crashed; }
+  HandOver* View() const { return static_cast<HandOver*>(m_view); }
+  void Keep() { m_bKept = true; }
+
+ private:
+  SenderHandles m_handles = {};
+  HANDLE m_crashed = nullptr;
+  void* m_view = nullptr;
+  bool m_bKept = false;
+};
+
+EXCEPTION_POINTERS* PointersOfThisPlace(CrashKind kind) {
+  RtlCaptureContext(&g_reporter.context);
+  g_reporter.record.ExceptionCode = MadeUpCode(kind);
+  g_reporter.record.ExceptionAddress = reinterpret_cast<void*>(g_reporter.context.Rip);
+  g_reporter.pointers = {&g_reporter.record, &g_reporter.context};
+  return &g_reporter.pointers;
+}
+
+void NoteFacts(CrashKind kind, const EXCEPTION_POINTERS* exception) {
+  FILETIME now = {};
+  GetSystemTimeAsFileTime(&now);
+  CrashFacts& facts = g_reporter.handOver->crash;
+  facts.kind = static_cast<uint32_t>(kind);
+  facts.exceptionCode = exception->ExceptionRecord->ExceptionCode;
+  facts.exceptionAddress = reinterpret_cast<uintptr_t>(exception->ExceptionRecord->ExceptionAddress);
+  facts.exceptionPointers = reinterpret_cast<uintptr_t>(exception);
+  facts.fileTime = static_cast<uint64_t>(now.dwHighDateTime) << 32U | now.dwLowDateTime;
+  facts.processId = GetCurrentProcessId();
+  facts.threadId = GetCurrentThreadId();
+}
+
+}  // namespace
+
+bool StartCrashReporter(const CrashInstallInfo& info, const std::string& senderProgram,
+                        const std::string& programName, std::string& error) {
+  Resources resources;
+  if (!resources.Open()) {
+    error =
+        "The hand-over to the sender could not be prepared, error " + std::to_string(GetLastError()) + ".";
+    return false;
+  }
+  if (!FillHandOver(info, programName, *resources.View(), error) || !FillFolder(*resources.View(), error) ||
+      !g_reporter.sender.Prepare(senderProgram, resources.ForSender(), error)) {
+    return false;
+  }
+  g_reporter.handOver = resources.View();
+  g_reporter.callback = info.callback;
+  g_reporter.dumpTaken = resources.ForSender().dumpTaken;
+  g_reporter.crashed = resources.Crashed();
+  const HANDLE thread = CreateThread(nullptr, kReporterStack, RunReporter, nullptr,
+                                     STACK_SIZE_PARAM_IS_A_RESERVATION, &g_reporter.threadId);
+  if (thread == nullptr) {
+    g_reporter.handOver = nullptr;
+    error = "No thread for crash reports could be started, error " + std::to_string(GetLastError()) + ".";
+    return false;
+  }
+  CloseHandle(thread);
+  resources.Keep();
+  return true;
+}
+
+HandOver* InstalledHandOver() {
+  return g_reporter.handOver;
+}
+
+void ReportCrash(CrashKind kind, EXCEPTION_POINTERS* exception) {
+  const auto thisThread = static_cast<LONG>(GetCurrentThreadId());
+  const LONG firstThread = InterlockedCompareExchange(&g_reporter.crashedThread, thisThread, 0);
+  if (firstThread == thisThread || g_reporter.threadId == static_cast<DWORD>(thisThread)) {
+    EndProcess(CRASH_EXIT_UNREPORTED);
+  }
+  if (firstThread == 0) {
+    NoteFacts(kind, exception != nullptr ? exception : PointersOfThisPlace(kind));
+    SetEvent(g_reporter.crashed);
+  }
+  Sleep(kWholeBound);
+  EndProcess(CRASH_EXIT_UNREPORTED);
+}

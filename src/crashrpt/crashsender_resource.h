@@ -1,0 +1,15 @@
+// Numbers in the window of the sender. Also read by the resource compiler.
+#ifndef MOSAICON_CRASHRPT_CRASHSENDER_RESOURCE_H_
+#define MOSAICON_CRASHRPT_CRASHSENDER_RESOURCE_H_
+
+#define IDD_SEND_REPORT 100
+#define IDC_WHAT_HAPPENED 101
+#define IDC_CONTENTS 102
+#define IDC_REPORT_PATH 103
+#define IDC_OPEN_FOLDER 104
+#define IDC_PRIVACY_POLICY 105
+#define IDC_RESULT 106
+#define IDC_SEND 107
+#define IDC_DO_NOT_SEND 108
+
+#endif  // MOSAICON_CRASHRPT_CRASHSENDER_RESOURCE_H_

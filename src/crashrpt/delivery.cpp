@@ -1,0 +1,79 @@
+#include "crashrpt/delivery.h"
+
+#include <fstream>
+#include <iterator>
+#include <optional>
+
+#include "crashrpt/http_upload.h"
+#include "crashrpt/multipart.h"
+#include "crashrpt/report_name.h"
+#include "crashrpt/report_xml.h"
+
+namespace {
+
+constexpr char kInterrupted[] = "Another process is sending this report.";
+
+struct FileKind {
+  const char* name;
+  const char* field;
+  const char* contentType;
+};
+constexpr FileKind kFiles[] = {{kReportXml, "report", "application/xml"},
+                               {kReportDump, "dump", "application/octet-stream"},
+                               {kReportPicture, "picture", "image/png"}};
+
+std::optional<std::string> ReadText(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return std::nullopt;
+  return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+std::optional<uint64_t> SizeOfFile(const std::string& path) {
+  WIN32_FILE_ATTRIBUTE_DATA data = {};
+  if (!GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data)) return std::nullopt;
+  return static_cast<uint64_t>(data.nFileSizeHigh) << 32U | data.nFileSizeLow;
+}
+
+std::string Upload(const std::string& folder, const std::string& url) {
+  const std::optional<std::string> xml = ReadText(folder + "\\" + kReportXml);
+  if (!xml) return "The report is not complete any more.";
+  const DeliveryTexts texts = ReadDeliveryTexts(*xml);
+  MultipartBody body("report-" + texts.guid);
+  body.AddField("application", texts.applicationName);
+  body.AddField("version", texts.applicationVersion);
+  body.AddField("guid", texts.guid);
+  body.AddField("email", texts.emailTo);
+  body.AddField("subject", texts.emailSubject);
+  body.AddField("text", texts.emailText);
+  for (const FileKind& file : kFiles) {
+    const std::string path = folder + "\\" + file.name;
+    const std::optional<uint64_t> size = SizeOfFile(path);
+    if (size) body.AddFile(file.field, file.name, file.contentType, path, *size);
+  }
+  return UploadByHttp(url, body);
+}
+
+// The caller holds the lock.
+std::string DeliverLocked(const ReportStore& store, const std::string& name, const std::string& url) {
+  std::string error = Upload(store.PendingPath(name), url);
+  if (error.empty() && !store.MarkSent(name)) error = "The report was sent, but could not be marked as sent.";
+  return error;
+}
+
+}  // namespace
+
+std::string DeliverAgreed(const ReportStore& store, const std::string& name, const std::string& url) {
+  const UniqueHandle lock = store.LockDelivery(name);
+  if (lock.get() == INVALID_HANDLE_VALUE) return kInterrupted;
+  if (!store.MarkAgreed(name)) return "The report in " + store.Folder() + " cannot be moved.";
+  return DeliverLocked(store, name, url);
+}
+
+void DeliverPending(const ReportStore& store, const std::string& url) {
+  for (const std::string& name : store.Pending()) {
+    const UniqueHandle lock = store.LockDelivery(name);
+    if (lock.get() == INVALID_HANDLE_VALUE) continue;
+    // Another process may have delivered it before the lock was ours.
+    if (PathExists(store.PendingPath(name))) DeliverLocked(store, name, url);
+  }
+}

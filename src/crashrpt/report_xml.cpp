@@ -1,0 +1,63 @@
+#include "crashrpt/report_xml.h"
+
+#include <array>
+#include <cinttypes>
+#include <cstdio>
+
+#include "crashrpt/crash_kind.h"
+#include "crashrpt/report_name.h"
+#include "crashrpt/xml_text.h"
+
+namespace {
+
+std::string Element(const char* name, const std::string& text) {
+  return std::string("<") + name + ">" + XmlText(text) + "</" + name + ">";
+}
+
+std::string Attribute(const char* name, const std::string& value) {
+  return std::string(" ") + name + "=\"" + XmlText(value) + "\"";
+}
+
+std::string Hexadecimal(uint64_t number, int digits) {
+  std::array<char, 32> text = {};
+  std::snprintf(text.data(), text.size(), "0x%0*" PRIX64, digits, number);
+  return text.data();
+}
+
+std::string CrashElement(const CrashFacts& crash) {
+  const auto kind = static_cast<CrashKind>(crash.kind);
+  return "<crash" + Attribute("type", std::to_string(crash.kind)) + Attribute("name", CrashKindName(kind)) +
+         Attribute("code", Hexadecimal(crash.exceptionCode, 8)) +
+         Attribute("address", Hexadecimal(crash.exceptionAddress, 16)) +
+         Attribute("process", std::to_string(crash.processId)) +
+         Attribute("thread", std::to_string(crash.threadId)) + "/>";
+}
+
+}  // namespace
+
+std::string ReportXml(const ReportContents& report) {
+  std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<report format=\"1\">\n";
+  const auto line = [&xml](const std::string& text) { xml += "  " + text + "\n"; };
+  line(Element("guid", report.guid));
+  line(Element("application", report.applicationName));
+  line(Element("version", report.applicationVersion));
+  line(Element("time", IsoTime(report.crash.fileTime)));
+  line(CrashElement(report.crash));
+  line(Element("email", report.emailTo));
+  line(Element("subject", report.emailSubject));
+  line(Element("text", report.emailText));
+  for (const std::string& file : report.files) line("<file" + Attribute("name", file) + "/>");
+  for (const auto& [what, reason] : report.missing) {
+    line("<missing" + Attribute("what", what) + Attribute("reason", reason) + "/>");
+  }
+  for (const Property& property : report.properties) {
+    line("<property" + Attribute("name", property.name) + Attribute("value", property.value) + "/>");
+  }
+  return xml + "</report>\n";
+}
+
+DeliveryTexts ReadDeliveryTexts(const std::string& reportXml) {
+  return {XmlElementText(reportXml, "guid"),    XmlElementText(reportXml, "application"),
+          XmlElementText(reportXml, "version"), XmlElementText(reportXml, "email"),
+          XmlElementText(reportXml, "subject"), XmlElementText(reportXml, "text")};
+}

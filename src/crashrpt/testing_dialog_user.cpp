@@ -1,0 +1,88 @@
+// Test program: uses the window of the sender as a user would, from another process.
+//   crashrpt_dialog_user TITLE STEP...
+// Steps: print (title and controls, one per line: number, enabled, visible, text), click:NUMBER,
+// escape, close, await-result (until something was sent or could not be), await-gone.
+// Exit codes: 0 all done, 1 the window or what was awaited did not come in time.
+
+#include <windows.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <string>
+
+#include "crashrpt/crashsender_resource.h"
+
+namespace {
+
+constexpr int kPatience = 400;  // times 100 ms
+
+bool Await(const std::function<bool()>& condition) {
+  for (int i = 0; i < kPatience; ++i) {
+    if (condition()) return true;
+    Sleep(100);
+  }
+  return false;
+}
+
+std::string TextOf(HWND window) {
+  char text[1024] = "";
+  SendMessageA(window, WM_GETTEXT, sizeof text, reinterpret_cast<LPARAM>(text));
+  std::string line = text;
+  for (char& c : line) {
+    if (c == '\r' || c == '\n') c = '|';
+  }
+  return line;
+}
+
+void Print(HWND dialog) {
+  std::printf("title\t%s\n", TextOf(dialog).c_str());
+  for (int number = IDC_WHAT_HAPPENED; number <= IDC_DO_NOT_SEND; ++number) {
+    const HWND control = GetDlgItem(dialog, number);
+    std::printf("%d\t%d\t%d\t%s\n", number, IsWindowEnabled(control), IsWindowVisible(control),
+                TextOf(control).c_str());
+  }
+  std::fflush(stdout);
+}
+
+// As the keyboard does it: to the control that has the focus.
+void PressEscape(HWND dialog) {
+  PostMessageA(GetDlgItem(dialog, IDC_SEND), WM_KEYDOWN, VK_ESCAPE, 1);
+}
+
+bool Take(HWND dialog, const std::string& step) {
+  if (step == "print") {
+    Print(dialog);
+    return true;
+  }
+  if (step == "escape") {
+    PressEscape(dialog);
+    return true;
+  }
+  if (step == "close") return PostMessageA(dialog, WM_SYSCOMMAND, SC_CLOSE, 0) != FALSE;
+  if (step == "await-gone") return Await([dialog] { return !IsWindow(dialog); });
+  if (step == "await-result") {
+    return Await([dialog] {
+      const std::string result = TextOf(GetDlgItem(dialog, IDC_RESULT));
+      return !result.empty() && result != "Sending the report...";
+    });
+  }
+  if (step.rfind("click:", 0) != 0) return false;
+  return PostMessageA(GetDlgItem(dialog, std::atoi(step.c_str() + 6)), BM_CLICK, 0, 0) != FALSE;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 2) return 1;
+  HWND dialog = nullptr;
+  const auto isShown = [&dialog, argv] {
+    dialog = FindWindowA("#32770", argv[1]);
+    return dialog != nullptr && IsWindowVisible(dialog);
+  };
+  if (!Await(isShown)) return 1;
+  for (int i = 2; i < argc; ++i) {
+    if (!Take(dialog, argv[i])) return 1;
+  }
+  return 0;
+}

@@ -1,0 +1,17 @@
+// A Windows handle that closes itself. Win32.
+#ifndef MOSAICON_CRASHRPT_UNIQUE_HANDLE_H_
+#define MOSAICON_CRASHRPT_UNIQUE_HANDLE_H_
+
+#include <windows.h>
+
+#include <memory>
+
+struct HandleCloser {
+  void operator()(HANDLE handle) const {
+    if (handle != INVALID_HANDLE_VALUE) CloseHandle(handle);
+  }
+};
+// Null or INVALID_HANDLE_VALUE when there is none, as the function tells that made it.
+using UniqueHandle = std::unique_ptr<void, HandleCloser>;
+
+#endif  // MOSAICON_CRASHRPT_UNIQUE_HANDLE_H_
