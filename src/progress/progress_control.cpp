@@ -1,0 +1,153 @@
+#include "progress/progress_control.h"
+
+// After windows.h.
+#include <commctrl.h>
+
+#include <ctime>
+#include <string>
+#include <vector>
+
+#include "kvtools/kvtools.h"
+#include "progress/bar_text.h"
+#include "progress/progress_mem_dc.h"
+#include "progress/time_text.h"
+
+namespace {
+
+constexpr int kFontTenthsOfAPoint = 90;
+constexpr char kFontFace[] = "MS Sans";
+constexpr LONG kUpwards = 900;  // tenths of a degree
+constexpr UINT kCentered = DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX;
+
+RECT ToRect(const BarRect& rect) {
+  return {rect.left, rect.top, rect.right, rect.bottom};
+}
+
+BarRect ToBarRect(const RECT& rect) {
+  return {static_cast<int>(rect.left), static_cast<int>(rect.top), static_cast<int>(rect.right),
+          static_cast<int>(rect.bottom)};
+}
+
+std::int32_t ClockTicks() {
+  static_assert(CLOCKS_PER_SEC == 1000);
+  return static_cast<std::int32_t>(clock());
+}
+
+}  // namespace
+
+const UINT WM_SETCUROP_MT = RegisterWindowMessageA("WM_SETCUROP_MT");
+
+BEGIN_MESSAGE_MAP(TProgressTimeToComplete, CProgressCtrl)
+ON_WM_PAINT()
+ON_WM_ERASEBKGND()
+END_MESSAGE_MAP()
+
+TProgressTimeToComplete::TProgressTimeToComplete()
+    : m_startTicks(ClockTicks()), m_barColor(GetSysColor(COLOR_HIGHLIGHT)) {
+  m_fontHorizontal.CreatePointFont(kFontTenthsOfAPoint, kFontFace);
+  LOGFONT upwards = {};
+  upwards.lfCharSet = DEFAULT_CHARSET;
+  upwards.lfHeight = kFontTenthsOfAPoint;
+  upwards.lfEscapement = kUpwards;
+  upwards.lfOrientation = kUpwards;
+  lstrcpyn(upwards.lfFaceName, kFontFace, LF_FACESIZE);
+  m_fontVertical.CreatePointFontIndirect(&upwards);
+}
+
+LRESULT TProgressTimeToComplete::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == PBM_SETPOS || message == WM_SETCUROP_MT) {
+    const HWND window = m_hWnd;
+    KVT_PumpMessages();
+    // A handler may have ended the window.
+    if (FromHandlePermanent(window) != this) return 0;
+    if (message == WM_SETCUROP_MT && lParam != 0) m_caption = reinterpret_cast<const char*>(lParam);
+  }
+  return CProgressCtrl::WindowProc(message, wParam, lParam);
+}
+
+std::string TProgressTimeToComplete::FormatTimeToComplete(double /*fraction*/, double secondsLeft) {
+  return m_bShowTime ? FormatSecondsLeft(secondsLeft) : std::string();
+}
+
+BOOL TProgressTimeToComplete::OnEraseBkgnd(HDC /*dc*/) {
+  return TRUE;
+}
+
+void TProgressTimeToComplete::OnPaint() {
+  // All of it: where only a piece is painted, the old text would stand beside the new one.
+  InvalidateRect(m_hWnd, nullptr, FALSE);
+  CPaintDC paintDC(this);
+  CTProgressTimeToCompleteMemDC dc(&paintDC);
+  const std::int32_t now = ClockTicks();
+
+  int lower = 0;
+  int upper = 0;
+  GetRange(lower, upper);
+  RECT clientRect = {};
+  GetClientRect(m_hWnd, &clientRect);
+  m_fraction = CompletedFraction(GetPos(), lower, upper);
+
+  FillBackground(paintDC.m_hDC, clientRect, dc);
+  const BarRect client = ToBarRect(clientRect);
+  FillBar(client, dc);
+  const std::string text = BarText(
+      m_fraction, ElapsedSeconds(m_startTicks, now), m_caption, m_idleText,
+      [this](double fraction, double secondsLeft) { return FormatTimeToComplete(fraction, secondsLeft); });
+  DrawBarText(text, client, dc);
+}
+
+// As the parent paints its static controls, so that the bar lies in the dialog's own background.
+void TProgressTimeToComplete::FillBackground(HDC paintDC, const RECT& client, CDC& dc) {
+  const HWND parent = GetParent(m_hWnd);
+  if (parent == nullptr) return;
+  const LRESULT brush = ::SendMessageA(parent, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(paintDC),
+                                       reinterpret_cast<LPARAM>(m_hWnd));
+  dc.FillRect(&client, reinterpret_cast<HBRUSH>(brush));
+}
+
+void TProgressTimeToComplete::FillBar(const BarRect& client, CDC& dc) {
+  const bool smooth = (GetWindowLongPtrA(m_hWnd, GWL_STYLE) & PBS_SMOOTH) != 0;
+  const std::vector<BarRect> pieces = smooth
+                                          ? std::vector<BarRect>{FilledRect(client, Direction(), m_fraction)}
+                                          : BlockRects(client, Direction(), m_fraction);
+  const CBrush brush(m_barColor);
+  for (const BarRect& piece : pieces) {
+    const RECT rect = ToRect(piece);
+    dc.FillRect(&rect, brush);
+  }
+}
+
+void TProgressTimeToComplete::DrawBarText(const std::string& text, const BarRect& client, CDC& dc) {
+  const BarDirection direction = Direction();
+  const bool horizontal = direction == BarDirection::kHorizontal;
+  const RECT filled = ToRect(FilledRect(client, direction, m_fraction));
+  RECT clientRect = ToRect(client);
+  const int length = static_cast<int>(text.size());
+
+  dc.SetBkMode(TRANSPARENT);
+  const HGDIOBJ oldFont = dc.SelectObject(horizontal ? m_fontHorizontal : m_fontVertical);
+  const SIZE extent = dc.GetTextExtent(text);
+  const BarPoint origin = VerticalTextOrigin(client, extent.cx, extent.cy);
+  for (const bool onFilled : {true, false}) {
+    const int saved = dc.SaveDC();
+    if (onFilled) {
+      dc.IntersectClipRect(&filled);
+    } else {
+      dc.ExcludeClipRect(&filled);
+    }
+    dc.SetTextColor(GetSysColor(onFilled ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT));
+    if (horizontal) {
+      dc.DrawText(text.c_str(), length, &clientRect, kCentered);
+    } else {
+      dc.ExtTextOut(origin.x, origin.y, ETO_CLIPPED, &clientRect, text.c_str(), static_cast<UINT>(length),
+                    nullptr);
+    }
+    dc.RestoreDC(saved);
+  }
+  dc.SelectObject(oldFont);
+}
+
+BarDirection TProgressTimeToComplete::Direction() const {
+  const bool vertical = (GetWindowLongPtrA(m_hWnd, GWL_STYLE) & PBS_VERTICAL) != 0;
+  return vertical ? BarDirection::kVertical : BarDirection::kHorizontal;
+}
