@@ -8,16 +8,18 @@
 #include <new>
 
 #include "crashrpt/crash_reporter.h"
+#include "crashrpt/stack_reserve.h"
 #include "crashrpt/unexpected_handler.h"
 
 // In the C++ library: what the compiler puts in the place of functions that are not there. Imported as
 // data, because the address of an import stub would be ours.
 extern "C" __declspec(dllimport) void __cxa_pure_virtual();
 extern "C" __declspec(dllimport) void __cxa_deleted_virtual();
+// Likewise, of the C runtime.
+extern "C" int (*__imp_raise)(int);
 
 namespace {
 
-constexpr ULONG kStackForHandling = 64 * 1024;
 constexpr ULONG kMaxFrames = 32;
 // GCC's C++ library raises "GCC" exceptions to look for a handler; when nobody takes one it goes on
 // by itself, which ends in std::terminate.
@@ -25,7 +27,9 @@ constexpr DWORD kGccException = 0x20474343;
 constexpr DWORD kGccExceptionMask = 0x20FFFFFF;
 
 uint32_t g_flags = 0;
-DWORD g_lastException = TLS_OUT_OF_INDEXES;  // slot with the thread's last EXCEPTION_POINTERS*
+// Slots with the last exception of each thread.
+DWORD g_lastRecord = TLS_OUT_OF_INDEXES;
+DWORD g_lastContext = TLS_OUT_OF_INDEXES;
 
 bool IsOn(CrashKind kind) {
   return (g_flags & CrashFlag(kind)) != 0;
@@ -43,8 +47,10 @@ LONG WINAPI OnUnhandledException(EXCEPTION_POINTERS* exception) {
   ReportCrash(kind, exception);
 }
 
+// The two pointers stay valid until the exception is dealt with; what points to them does not.
 LONG WINAPI OnAnyException(EXCEPTION_POINTERS* exception) {
-  TlsSetValue(g_lastException, exception);
+  TlsSetValue(g_lastRecord, exception->ExceptionRecord);
+  TlsSetValue(g_lastContext, exception->ContextRecord);
   return EXCEPTION_CONTINUE_SEARCH;
 }
 
@@ -102,23 +108,39 @@ CrashKind KindOfSignal(int signal) {
   }
 }
 
-// The start-up code in the program itself turns exceptions of the main thread into signals; the C
-// runtime, which raise() is in, is a DLL.
-bool IsInProgram(const void* address) {
+HMODULE ModuleAt(const void* address) {
   HMODULE module = nullptr;
-  return GetModuleHandleExA(
-             GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-             static_cast<LPCSTR>(address), &module) &&
-         module == GetModuleHandleA(nullptr);
+  GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                     static_cast<LPCSTR>(address), &module);
+  return module;
+}
+
+// Signals come from raise(), which is in the DLL of the C runtime. But exceptions become signals as well:
+// by the C runtime, which tells, in threads that it started; and by the start-up code of the program and
+// the thread library, which does not. Then this is the exception; null members otherwise.
+EXCEPTION_POINTERS ExceptionOfSignal(const void* caller) {
+  if (_pxcptinfoptrs != nullptr) return *static_cast<EXCEPTION_POINTERS*>(_pxcptinfoptrs);
+  if (ModuleAt(caller) == ModuleAt(reinterpret_cast<const void*>(__imp_raise))) return {};
+  return {static_cast<EXCEPTION_RECORD*>(TlsGetValue(g_lastRecord)),
+          static_cast<CONTEXT*>(TlsGetValue(g_lastContext))};
 }
 
 void OnSignal(int signal) {
   const CrashKind kind = KindOfSignal(signal);
-  if (!IsInProgram(__builtin_return_address(0))) ReportCrash(kind, nullptr);
-  auto* const exception = static_cast<EXCEPTION_POINTERS*>(TlsGetValue(g_lastException));
-  if (exception == nullptr) ReportCrash(kind, nullptr);
-  const CrashKind kindOfException = KindOfException(exception->ExceptionRecord->ExceptionCode);
-  ReportCrash(IsOn(kindOfException) ? kindOfException : kind, exception);
+  EXCEPTION_POINTERS exception = ExceptionOfSignal(__builtin_return_address(0));
+  if (exception.ExceptionRecord == nullptr) ReportCrash(kind, nullptr);
+  const CrashKind kindOfException = KindOfException(exception.ExceptionRecord->ExceptionCode);
+  ReportCrash(IsOn(kindOfException) ? kindOfException : kind, &exception);
+}
+
+void HandleInvalidParameters() {
+  using Setter = decltype(&_set_invalid_parameter_handler);
+  // Not the runtime that this DLL was linked with: that may be msvcrt.dll, which has no such handler.
+  const HMODULE runtime = LoadLibraryExA("ucrtbase.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+  if (runtime == nullptr) return;
+  const auto set = reinterpret_cast<Setter>(
+      reinterpret_cast<void*>(GetProcAddress(runtime, "_set_invalid_parameter_handler")));
+  if (set != nullptr) set(OnInvalidParameter);
 }
 
 void HandleSignal(int number) {
@@ -128,8 +150,9 @@ void HandleSignal(int number) {
 }  // namespace
 
 bool InstallCrashHandlers(uint32_t flags) {
-  g_lastException = TlsAlloc();
-  if (g_lastException == TLS_OUT_OF_INDEXES) return false;
+  g_lastRecord = TlsAlloc();
+  g_lastContext = TlsAlloc();
+  if (g_lastRecord == TLS_OUT_OF_INDEXES || g_lastContext == TLS_OUT_OF_INDEXES) return false;
   if (AddVectoredExceptionHandler(0, OnAnyException) == nullptr) return false;
   g_flags = flags;
   if (IsOn(CrashKind::kStructuredException) || IsOn(CrashKind::kBufferOverrun) ||
@@ -139,7 +162,7 @@ bool InstallCrashHandlers(uint32_t flags) {
   if (IsOn(CrashKind::kTerminate) || IsOn(CrashKind::kPureVirtual)) std::set_terminate(OnTerminate);
   if (IsOn(CrashKind::kUnexpected)) SetUnexpectedHandler(OnUnexpected);
   if (IsOn(CrashKind::kNewFault)) std::set_new_handler(OnNewFault);
-  if (IsOn(CrashKind::kInvalidParameter)) _set_invalid_parameter_handler(OnInvalidParameter);
+  if (IsOn(CrashKind::kInvalidParameter)) HandleInvalidParameters();
   for (const int number : {SIGABRT, SIGINT, SIGTERM}) HandleSignal(number);
   InstallCrashHandlersOfThread();
   return true;
@@ -147,7 +170,6 @@ bool InstallCrashHandlers(uint32_t flags) {
 
 void InstallCrashHandlersOfThread() {
   if (g_flags == 0) return;
-  ULONG size = kStackForHandling;
-  SetThreadStackGuarantee(&size);
+  ReserveStackForCrash();
   for (const int number : {SIGFPE, SIGILL, SIGSEGV}) HandleSignal(number);
 }

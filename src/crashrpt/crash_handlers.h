@@ -6,8 +6,9 @@
 //   pure virtual call      a terminate call that comes from the C++ library's stand-in for such functions
 //   buffer overrun         exception 0xC0000409, which stack_guard.cpp raises (Windows' own fast fail
 //                          ends a process without asking anybody and cannot be caught)
-//   invalid parameter      the C runtime's handler (UCRT), or the exception 0xC0000417. Windows' old
-//                          msvcrt.dll has no such handler to set
+//   invalid parameter      the handler of Windows' C runtime (ucrtbase.dll), for every module that uses
+//                          it, or the exception 0xC0000417. The old msvcrt.dll, which a program may be
+//                          linked with instead, has no such handler and ignores such calls
 //   signals                signal()
 #ifndef MOSAICON_CRASHRPT_CRASH_HANDLERS_H_
 #define MOSAICON_CRASHRPT_CRASH_HANDLERS_H_

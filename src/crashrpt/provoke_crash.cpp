@@ -12,6 +12,7 @@
 namespace {
 
 constexpr char kCppRuntime[] = "libstdc++-6.dll";
+constexpr char kUniversalRuntime[] = "ucrtbase.dll";
 #ifdef _UCRT
 constexpr char kCRuntime[] = "ucrtbase.dll";
 #else
@@ -31,7 +32,7 @@ constexpr Beginning kBeginnings[kCrashKinds] = {
     {kCppRuntime, "__cxa_pure_virtual", 0},
     {kCppRuntime, "_Znwy", static_cast<ULONG_PTR>(1) << 62U},  // operator new with this size
     {"ntdll.dll", "RtlRaiseStatus", kBufferOverrunCode},
-    {kCRuntime, "_invalid_parameter", 0},
+    {kUniversalRuntime, "_invalid_parameter_noinfo", 0},
     {kCRuntime, "abort", 0},
     {kCRuntime, "raise", SIGFPE},
     {kCRuntime, "raise", SIGILL},

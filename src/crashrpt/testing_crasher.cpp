@@ -147,7 +147,7 @@ int Crash(const std::string& how) {
   if (how == "divide") DivideByZero();
   if (how == "raise-exception") RaiseOwnException();
   if (how == "signal-in-thread") std::thread([] { CrashBy(11); }).join();
-  CrashBy(std::atoi(how.c_str()));
+  if (how.find_first_not_of("0123456789") == std::string::npos) CrashBy(std::atoi(how.c_str()));
   return kNoCrash;
 }
 

@@ -48,18 +48,12 @@ __attribute__((noinline)) void OverrunBuffer(size_t length) {
   g_sink = buffer[g_sink & 15];
 }
 
-// What a function of the C runtime does with an argument that it cannot take.
+// What a function of Windows' C runtime does with an argument that it cannot take.
 void PassInvalidParameter() {
-  using InvalidParameter =
-      void(__cdecl*)(const wchar_t*, const wchar_t*, const wchar_t*, unsigned, uintptr_t);
-#ifdef _UCRT
-  const HMODULE runtime = GetModuleHandleA("ucrtbase.dll");
-#else
-  const HMODULE runtime = GetModuleHandleA("msvcrt.dll");
-#endif
-  const auto function = reinterpret_cast<InvalidParameter>(
-      reinterpret_cast<void*>(GetProcAddress(runtime, "_invalid_parameter")));
-  function(nullptr, nullptr, nullptr, 0, 0);
+  using Function = int(__cdecl*)(char*, size_t, const char*);
+  const auto copy = reinterpret_cast<Function>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("ucrtbase.dll"), "strcpy_s")));
+  g_sink = copy(nullptr, 0, "x");
 }
 
 __attribute__((noinline)) int Recurse(int depth) {
@@ -119,7 +113,7 @@ void ThrowToNobody() {
 
 void DivideByZero() {
   volatile int zero = 0;
-  g_sink = 1 / zero;
+  g_sink = 1000 / zero;
 }
 
 void RaiseOwnException() {

@@ -1,5 +1,6 @@
 // Test program: uses the window of the sender as a user would, from another process.
 //   crashrpt_dialog_user TITLE STEP...
+//   crashrpt_dialog_user screen    prints the size of the screen instead
 // Steps: print (title and controls, one per line: number, enabled, visible, text), click:NUMBER,
 // escape, close, await-result (until something was sent or could not be), await-gone.
 // Exit codes: 0 all done, 1 the window or what was awaited did not come in time.
@@ -75,6 +76,10 @@ bool Take(HWND dialog, const std::string& step) {
 
 int main(int argc, char** argv) {
   if (argc < 2) return 1;
+  if (std::string(argv[1]) == "screen") {
+    std::printf("%d %d\n", GetSystemMetrics(SM_CXVIRTUALSCREEN), GetSystemMetrics(SM_CYVIRTUALSCREEN));
+    return 0;
+  }
   HWND dialog = nullptr;
   const auto isShown = [&dialog, argv] {
     dialog = FindWindowA("#32770", argv[1]);

@@ -1,0 +1,179 @@
+"""Every kind of crash leaves one report that tells the truth, and ends the program."""
+
+import datetime
+import unittest
+
+from crash_test_support import (KIND_NAMES, MADE_UP_CODE, REPORTED, UNREPORTED, CrashTest, expected_code,
+                                keep_wine_running, windows_path)
+
+
+def setUpModule():
+    keep_wine_running()
+
+
+class Kinds(CrashTest):
+    def check(self, how, kind, code, *options):
+        report, told = self.crash(how, *options)
+        process, thread = told[-1]
+        self.check_crash(report, kind, KIND_NAMES[kind], code, process, thread)
+        return report
+
+    def test_structured_exception(self):
+        self.check("0", 0, 0xC0000005)
+
+    def test_terminate(self):
+        self.check("1", 1, expected_code(1))
+
+    def test_unexpected(self):
+        self.check("2", 2, expected_code(2))
+
+    def test_pure_virtual_call(self):
+        self.check("3", 3, expected_code(3))
+
+    def test_new_operator_fault(self):
+        self.check("4", 4, expected_code(4))
+
+    def test_buffer_overrun(self):
+        self.check("5", 5, 0xC0000409)
+
+    def test_invalid_parameter(self):
+        self.check("6", 6, expected_code(6))
+
+    def test_sigabrt(self):
+        self.check("7", 7, expected_code(7))
+
+    def test_sigfpe(self):
+        self.check("8", 8, expected_code(8))
+
+    def test_sigill(self):
+        self.check("9", 9, expected_code(9))
+
+    def test_sigint(self):
+        self.check("10", 10, expected_code(10))
+
+    def test_sigsegv(self):
+        self.check("11", 11, expected_code(11))
+
+    def test_sigterm(self):
+        self.check("12", 12, expected_code(12))
+
+    def test_stack_overflow(self):
+        self.check("overflow", 0, 0xC00000FD)
+
+    def test_exception_that_nobody_catches(self):
+        self.check("throw", 1, expected_code(1))
+
+    def test_exception_that_looks_like_a_signal(self):
+        """The start-up code of the program turns it into SIGFPE."""
+        self.check("divide", 0, 0xC0000094)
+
+    def test_raised_exception(self):
+        self.check("raise-exception", 0, 0xC0000005)
+
+
+class Threads(CrashTest):
+    def test_crash_in_another_thread(self):
+        report, told = self.crash("thread")
+        self.check_crash(report, 0, KIND_NAMES[0], 0xC0000005, *told[-1])
+
+    def test_two_at_once_make_one_report(self):
+        report, told = self.crash("two-threads")
+        self.assertEqual(len(set(told)), 2)
+        crashed = (report.crash["process"], report.crash["thread"])
+        self.assertIn(crashed, told)
+        self.check_crash(report, 0, KIND_NAMES[0], 0xC0000005, *crashed)
+
+    def check_in_unnamed_thread(self, how, kind, code):
+        report, [(process, thread)] = self.crash(how)
+        self.assertNotEqual(report.crash["thread"], thread, "not the main thread")
+        self.check_crash(report, kind, KIND_NAMES[kind], code, process, report.crash["thread"])
+
+    def test_stack_overflow_in_another_thread(self):
+        self.check_in_unnamed_thread("overflow-in-thread", 0, 0xC00000FD)
+
+    def test_signal_in_another_thread(self):
+        self.check_in_unnamed_thread("signal-in-thread", 11, MADE_UP_CODE + 11)
+
+    def test_exception_that_nobody_catches_in_another_thread(self):
+        self.check_in_unnamed_thread("throw-in-thread", 1, MADE_UP_CODE + 1)
+
+
+class Contents(CrashTest):
+    def test_report_tells_what_it_was_given(self):
+        before = datetime.datetime.now(datetime.timezone.utc).replace(microsecond=0)
+        report, _ = self.crash("7", "--name=A & <B> \u00fc\u20ac", "--version=1.2", "--email=a@b.example",
+                               "--subject=\"so\"", "--text=it's")
+        after = datetime.datetime.now(datetime.timezone.utc)
+        name = report.folder.name
+        self.assertEqual(report.texts, {
+            "guid": name.partition("-")[2], "application": "A & <B> \u00fc\u20ac", "version": "1.2",
+            "time": report.texts["time"], "email": "a@b.example", "subject": "\"so\"", "text": "it's"})
+        time = datetime.datetime.strptime(report.texts["time"], "%Y-%m-%dT%H:%M:%S%z")
+        self.assertTrue(before <= time <= after, (before, time, after))
+        self.assertEqual(name.partition("-")[0], time.strftime("%Y%m%dT%H%M%SZ"))
+        self.assertEqual((report.listed, report.missing), (["crashdump.dmp"], {}))
+        self.assertEqual(sorted(report.files), ["crashdump.dmp", "report.xml"])
+        self.check_properties(report)
+
+    def check_properties(self, report):
+        # As Windows-1252 has it: what no character is assigned to is a control character.
+        allowed = [byte for byte in range(1, 256) if byte >= 32 or byte in (9, 10, 13)]
+        every_byte = "".join(bytes([byte]).decode("cp1252") if byte not in (0x81, 0x8D, 0x8F, 0x90, 0x9D)
+                             else chr(byte) for byte in allowed)
+        self.assertEqual(report.properties, [("image", "second"), ("a<\"&'>", ""), ("bytes", every_byte)])
+
+    def test_report_without_a_dump_tells_that_it_is_missing(self):
+        # Windows refuses such a type; Wine takes it for what it knows of it.
+        no_dumps = windows_path(self.reports / "none.dll")
+        report, _ = self.crash("7", "--debug-help=" + no_dumps)
+        self.assertEqual(report.listed, ["crashdump.dmp"], "the system's own DLL stands in")
+        report.dump()
+
+    def test_other_types_of_dump_hold_more(self):
+        small, _ = self.crash("7")
+        large_reports = self.folder / "large"
+        self.reports = large_reports
+        large, _ = self.crash("7", "--dump-type=2")  # MiniDumpWithFullMemory
+        self.assertGreater(len(large.files["crashdump.dmp"]), 4 * len(small.files["crashdump.dmp"]))
+
+
+class Refusals(CrashTest):
+    def check_no_report(self, how, *options):
+        code, lines = self.end_of(self.start_crasher(how, *options))
+        self.assertEqual((code, len(lines)), (UNREPORTED, 1), lines)
+        self.assertEqual(self.names(), [])
+
+    def test_callback_may_refuse(self):
+        self.check_no_report("0", "--callback=refuse")
+
+    def test_callback_may_agree(self):
+        self.crash("0", "--callback=agree")
+
+    def test_crash_in_the_callback_ends_the_program(self):
+        self.check_no_report("0", "--callback=crash")
+
+    def test_sender_that_does_not_work_ends_the_program(self):
+        self.check_no_report("0", "--sender=" + windows_path(self.no_sender()))
+
+    def no_sender(self):
+        program = self.folder / "sender.exe"
+        program.write_bytes(b"not a program")
+        return program
+
+    def test_handlers_are_chosen_one_by_one(self):
+        """Only SIGTERM: an abort is Windows' own business then."""
+        code, _ = self.end_of(self.start_crasher("7", "--flags=1000"))
+        self.assertNotIn(code, (REPORTED, UNREPORTED))
+        self.assertEqual(self.names(), [])
+        report, told = self.crash("12", "--flags=1000")
+        self.check_crash(report, 12, "SIGTERM", expected_code(12), *told[-1])
+
+    def test_folder_that_cannot_be_written_to(self):
+        self.reports.write_text("a file")
+        code, _ = self.end_of(self.start_crasher("7"))
+        self.assertEqual(code, REPORTED, "the program does not wait")
+        self.assertEqual(self.reports.read_text(), "a file")
+
+
+if __name__ == "__main__":
+    unittest.main()
