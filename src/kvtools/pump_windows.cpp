@@ -6,6 +6,19 @@ namespace {
 
 constexpr DWORD kIdleWaitMilliseconds = 10;
 
+// The class of every dialog window.
+bool IsDialog(HWND window) {
+  return GetClassLongPtrA(window, GCW_ATOM) == reinterpret_cast<ULONG_PTR>(WC_DIALOG);
+}
+
+void Dispatch(MSG& message) {
+  // Tab, Enter, Escape and access keys work in a dialog while its thread is busy pumping.
+  const HWND root = message.hwnd != nullptr ? GetAncestor(message.hwnd, GA_ROOT) : nullptr;
+  if (root != nullptr && IsDialog(root) && IsDialogMessageA(root, &message)) return;
+  TranslateMessage(&message);
+  DispatchMessageA(&message);
+}
+
 }  // namespace
 
 void KVT_PumpMessages() {
@@ -18,8 +31,7 @@ void KVT_PumpMessages() {
       Sleep(kIdleWaitMilliseconds);
       return;
     }
-    TranslateMessage(&message);
-    DispatchMessageA(&message);
+    Dispatch(message);
     dispatched = true;
   }
   if (!dispatched) {

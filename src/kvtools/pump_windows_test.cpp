@@ -69,4 +69,41 @@ TEST_F(Pump, LetsMessagesSentByOtherThreadsThrough) {
   CloseHandle(thread);
 }
 
+// A dialog without controls, and without a resource.
+struct DialogTemplate {
+  DLGTEMPLATE dialog = {WS_POPUP, 0, 0, 0, 0, 100, 50};
+  WORD menu = 0;
+  WORD windowClass = 0;
+  WORD title = 0;
+};
+
+class PumpDialog : public testing::Test {
+ protected:
+  void SetUp() override {
+    alignas(DWORD) DialogTemplate blank;
+    m_hDialog =
+        CreateDialogIndirectParamA(GetModuleHandleA(nullptr), &blank.dialog, HWND_MESSAGE, Procedure, 0);
+    ASSERT_NE(m_hDialog, nullptr);
+    g_nCancelled = 0;
+  }
+  void TearDown() override { DestroyWindow(m_hDialog); }
+
+  static INT_PTR CALLBACK Procedure(HWND /*window*/, UINT message, WPARAM wParam, LPARAM /*lParam*/) {
+    if (message != WM_COMMAND || LOWORD(wParam) != IDCANCEL) return FALSE;
+    ++g_nCancelled;
+    return TRUE;
+  }
+
+  static int g_nCancelled;
+  HWND m_hDialog = nullptr;
+};
+
+int PumpDialog::g_nCancelled = 0;
+
+TEST_F(PumpDialog, LetsTheKeyboardWorkInADialog) {
+  PostMessageA(m_hDialog, WM_KEYDOWN, VK_ESCAPE, 0);
+  KVT_PumpMessages();
+  EXPECT_EQ(g_nCancelled, 1);
+}
+
 }  // namespace
