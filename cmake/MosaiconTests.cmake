@@ -53,5 +53,13 @@ function(mosaicon_add_test name label)
     ENVIRONMENT "${mosaicon_test_environment}")
   if(label STREQUAL ui)
     set_tests_properties(${name} PROPERTIES RESOURCE_LOCK screen)
+    if(CMAKE_CROSSCOMPILING)
+      # On a screen without a window manager, Wine waits two seconds for it whenever a window goes.
+      add_test(NAME ${name}_unmanaged COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} reg add
+        "HKCU\\Software\\Wine\\AppDefaults\\${name}.exe\\X11 Driver" /v Managed /d N /f)
+      set_tests_properties(${name}_unmanaged PROPERTIES LABELS ui FIXTURES_SETUP ${name}_unmanaged
+        ENVIRONMENT "WINEDEBUG=-all")
+      set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED ${name}_unmanaged)
+    endif()
   endif()
 endfunction()
