@@ -29,7 +29,8 @@ HWND OwnerFor(const CWnd* parent) {
   const CWinApp* app = AfxGetApp();
   if (owner == nullptr && app != nullptr && app->m_pMainWnd != nullptr)
     owner = app->m_pMainWnd->GetSafeHwnd();
-  return owner != nullptr ? GetLastActivePopup(owner) : nullptr;
+  // A control cannot own a window; its dialog does.
+  return owner != nullptr ? GetLastActivePopup(GetAncestor(owner, GA_ROOT)) : nullptr;
 }
 
 }  // namespace
@@ -46,13 +47,16 @@ CDialog::~CDialog() {
 }
 
 INT_PTR CDialog::DoModal() {
+  if (m_hWnd != nullptr) return -1;
+  m_bJoined = false;
   m_bEndAsked = false;
   m_nResult = IDABORT;
-  DisabledOwner owner(OwnerFor(m_pParent));
-  const HWND window =
-      CreateDialogParamA(AfxGetInstanceHandle(), MAKEINTRESOURCEA(m_nTemplateId), OwnerFor(m_pParent),
-                         DialogProcedure, reinterpret_cast<LPARAM>(this));
-  if (window == nullptr) return -1;
+  const HWND ownerWindow = OwnerFor(m_pParent);
+  DisabledOwner owner(ownerWindow);
+  const HWND window = CreateDialogParamA(AfxGetInstanceHandle(), MAKEINTRESOURCEA(m_nTemplateId), ownerWindow,
+                                         DialogProcedure, reinterpret_cast<LPARAM>(this));
+  // Null is also a window that OnInitDialog destroyed.
+  if (window == nullptr && !m_bJoined) return -1;
   if (!m_bEndAsked && m_hWnd != nullptr) {
     ShowWindow(m_hWnd, SW_SHOW);
     RunModalLoop();
@@ -85,6 +89,11 @@ void CDialog::EndDialog(int result) {
   if (m_hWnd != nullptr) PostMessageA(m_hWnd, WM_NULL, 0, 0);
 }
 
+void CDialog::PostNcDestroy() {
+  // A message that another thread sent may have destroyed the window from within GetMessage.
+  PostThreadMessageA(GetCurrentThreadId(), WM_NULL, 0, 0);
+}
+
 BOOL CDialog::DestroyWindow() {
   return m_hWnd != nullptr && ::DestroyWindow(m_hWnd);
 }
@@ -94,6 +103,7 @@ INT_PTR CALLBACK CDialog::DialogProcedure(HWND window, UINT message, WPARAM /*wP
                                           LPARAM lParam) noexcept {
   if (message != WM_INITDIALOG) return FALSE;
   auto* dialog = reinterpret_cast<CDialog*>(lParam);
-  if (!dialog->SubclassWindow(window)) return FALSE;
+  dialog->m_bJoined = dialog->SubclassWindow(window) != FALSE;
+  if (!dialog->m_bJoined) return FALSE;
   return dialog->OnInitDialog();
 }

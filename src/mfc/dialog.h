@@ -12,9 +12,9 @@ class CDialog : public CWnd {
   // Destroys the window if it still exists.
   ~CDialog() override;
 
-  // Returns what EndDialog was given; -1 when the window could not be made; IDABORT when it was
-  // destroyed without EndDialog, or when the program is ending (WM_QUIT, which is left for the outer
-  // loop).
+  // Returns what EndDialog was given; -1 when the window could not be made, or exists already; IDABORT
+  // when it was destroyed without EndDialog, or when the program is ending (WM_QUIT, which is left for
+  // the outer loop).
   virtual INT_PTR DoModal();
   // Ends DoModal; the window goes with it.
   void EndDialog(int result);
@@ -25,6 +25,7 @@ class CDialog : public CWnd {
   virtual BOOL OnInitDialog() { return TRUE; }
   virtual void OnOK() { EndDialog(IDOK); }
   virtual void OnCancel() { EndDialog(IDCANCEL); }
+  void PostNcDestroy() override;
   DECLARE_MESSAGE_MAP()
 
  private:
@@ -33,6 +34,7 @@ class CDialog : public CWnd {
 
   const UINT m_nTemplateId;
   CWnd* const m_pParent;
+  bool m_bJoined = false;  // with the window, at any time of this DoModal
   bool m_bEndAsked = false;
   INT_PTR m_nResult = IDABORT;
 };

@@ -12,11 +12,20 @@ namespace {
 
 // One object per window, so one subclass id for all.
 constexpr UINT_PTR kSubclassId = 1;
+// Of the window: the address of the object that receives its messages.
+constexpr char kObjectProperty[] = "CWnd";
 
 }  // namespace
 
 CWnd::~CWnd() {
-  if (m_hWnd != nullptr) RemoveWindowSubclass(m_hWnd, SubclassProcedure, kSubclassId);
+  StopSubclassing();
+}
+
+// An attached window may send its messages to another object, and must go on doing so.
+void CWnd::StopSubclassing() {
+  if (m_hWnd == nullptr || FromHandlePermanent(m_hWnd) != this) return;
+  RemovePropA(m_hWnd, kObjectProperty);
+  RemoveWindowSubclass(m_hWnd, SubclassProcedure, kSubclassId);
 }
 
 BOOL CWnd::Attach(HWND window) {
@@ -26,16 +35,20 @@ BOOL CWnd::Attach(HWND window) {
 }
 
 HWND CWnd::Detach() {
-  if (m_hWnd != nullptr) RemoveWindowSubclass(m_hWnd, SubclassProcedure, kSubclassId);
+  StopSubclassing();
   return std::exchange(m_hWnd, nullptr);
 }
 
 BOOL CWnd::SubclassWindow(HWND window) {
-  if (!Attach(window)) return FALSE;
-  if (SetWindowSubclass(window, SubclassProcedure, kSubclassId, reinterpret_cast<DWORD_PTR>(this)))
-    return TRUE;
-  m_hWnd = nullptr;
-  return FALSE;
+  if (FromHandlePermanent(window) != nullptr || !Attach(window)) return FALSE;
+  if (!SetPropA(window, kObjectProperty, this) ||
+      !SetWindowSubclass(window, SubclassProcedure, kSubclassId, reinterpret_cast<DWORD_PTR>(this))) {
+    RemovePropA(window, kObjectProperty);
+    m_hWnd = nullptr;
+    return FALSE;
+  }
+  PreSubclassWindow();
+  return TRUE;
 }
 
 BOOL CWnd::SubclassDlgItem(UINT id, CWnd* parent) {
@@ -43,10 +56,9 @@ BOOL CWnd::SubclassDlgItem(UINT id, CWnd* parent) {
 }
 
 CWnd* CWnd::FromHandlePermanent(HWND window) {
-  DWORD_PTR object = 0;
-  if (window == nullptr || !GetWindowSubclass(window, SubclassProcedure, kSubclassId, &object))
-    return nullptr;
-  return reinterpret_cast<CWnd*>(object);
+  // The property of another program's window is an address over there.
+  if (window == nullptr || GetWindowThreadProcessId(window, nullptr) != GetCurrentThreadId()) return nullptr;
+  return static_cast<CWnd*>(GetPropA(window, kObjectProperty));
 }
 
 std::string CWnd::GetWindowText() const {
@@ -96,8 +108,9 @@ const AFX_MSGMAP_ENTRY* CWnd::FindHandler(UINT message, WPARAM wParam) const {
   const AFX_MSGMAP* map = GetMessageMap();
   while (map != nullptr) {
     for (const AFX_MSGMAP_ENTRY* entry = map->lpEntries; entry->pCall != nullptr; ++entry) {
-      if (entry->pRegistered != nullptr ? message != *entry->pRegistered : message != entry->nMessage)
-        continue;
+      const UINT wanted = entry->pRegistered != nullptr ? *entry->pRegistered : entry->nMessage;
+      // 0 is a registered message that has no number yet.
+      if (wanted == 0 || message != wanted) continue;
       if (message == WM_COMMAND && (HIWORD(wParam) != entry->nCode || LOWORD(wParam) != entry->nID)) continue;
       return entry;
     }

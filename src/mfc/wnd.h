@@ -28,8 +28,8 @@ class CWnd {
   BOOL Attach(HWND window);
   HWND Detach();
 
-  // Receives the messages of window, which has no object yet, until it is destroyed. FALSE when
-  // there is no such window.
+  // Receives the messages of window until it is destroyed. FALSE when there is no such window, or
+  // when another object receives its messages.
   BOOL SubclassWindow(HWND window);
   BOOL SubclassDlgItem(UINT id, CWnd* parent);
   // The object that receives the messages of window; null when there is none.
@@ -61,6 +61,8 @@ class CWnd {
   LRESULT DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam);
   // The same with the message that is being handled.
   LRESULT Default();
+  // SubclassWindow has joined the two; messages arrive from here on.
+  virtual void PreSubclassWindow() {}
   // An owner-drawn control is asked to draw itself.
   virtual void DrawItem(const DRAWITEMSTRUCT& /*item*/) {}
   // The window is gone; the object is not attached any more.
@@ -69,6 +71,7 @@ class CWnd {
  private:
   static LRESULT CALLBACK SubclassProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                             UINT_PTR id, DWORD_PTR object) noexcept;
+  void StopSubclassing();
   const AFX_MSGMAP_ENTRY* FindHandler(UINT message, WPARAM wParam) const;
 
   MSG m_current = {};  // the message being handled
