@@ -3,12 +3,14 @@
 Needs in the environment:
   MOSAICON_STAGE      the program's folder, laid out with python.exe for Wine
   MOSAICON_FAKE_TOOL  fake_tool.exe, which stands in for tools (see fake_tool.cpp)
-  WINEPREFIX          a complete Wine prefix
+  WINEPREFIX          a complete Wine prefix; what runs uses a copy of it, beside it
 """
 
+import fcntl
 import hashlib
 import os
 import pathlib
+import select
 import shutil
 import signal
 import subprocess
@@ -40,20 +42,40 @@ def windows_path(path):
 
 
 def start_wine():
-    """For a whole module: a copy of the Wine prefix, so that other users of it are neither seen nor
-    disturbed, and one Wine process that lives as long as the module. Without it each run starts
+    """For a whole module: a fresh copy of the Wine prefix, so that other users of it are neither seen
+    nor disturbed, and one Wine process that lives as long as the module. Without it each run starts
     Wine's own processes anew, which inherit its output and hold it open for seconds."""
-    # In the same file system: the large files are linked.
-    prefix = tempfile.mkdtemp(prefix="e2e-prefix-", dir=WINEPREFIX.parent)
-    unittest.addModuleCleanup(shutil.rmtree, prefix)
+    # One place for all modules, in turn: one that was killed leaves it full, but never locked. Beside
+    # the original, in the same file system: the large files are linked.
+    prefix = WINEPREFIX.with_name(WINEPREFIX.name + "-e2e")
+    prefix.mkdir(exist_ok=True)
+    lock = os.open(prefix, os.O_RDONLY)
+    unittest.addModuleCleanup(os.close, lock)
+    fcntl.flock(lock, fcntl.LOCK_EX)
+    os.environ["WINEPREFIX"] = str(prefix)
+    remove_prefix(prefix)
+    unittest.addModuleCleanup(remove_prefix, prefix)
     shutil.copytree(WINEPREFIX, prefix, symlinks=True, dirs_exist_ok=True,
                     copy_function=link_or_copy_registry)
-    os.environ["WINEPREFIX"] = prefix
-    unittest.addModuleCleanup(subprocess.run, ["wineserver", "-w"], check=True, timeout=PATIENCE)
     shell = subprocess.Popen([WINE, "cmd"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                              stderr=subprocess.DEVNULL)
-    shell.stdout.readline()
-    unittest.addModuleCleanup(shell.communicate, b"exit\n", timeout=PATIENCE)
+    # Closes its input: it ends.
+    unittest.addModuleCleanup(shell.communicate, timeout=PATIENCE)
+    if not select.select([shell.stdout], [], [], PATIENCE)[0]:
+        remove_prefix(prefix)  # the shell with it
+        raise AssertionError("Wine does not start")
+
+
+def remove_prefix(prefix):
+    """With all that still runs in it. The folder itself stays: it is the lock."""
+    if (prefix / "system.reg").exists():
+        subprocess.run(["wineserver", "-k"], check=False, timeout=PATIENCE)
+        subprocess.run(["wineserver", "-w"], check=True, timeout=PATIENCE)
+    for entry in prefix.iterdir():
+        if entry.is_dir() and not entry.is_symlink():
+            shutil.rmtree(entry)
+        else:
+            entry.unlink()
 
 
 def link_or_copy(source, target):
@@ -181,10 +203,8 @@ class BatchTest(unittest.TestCase):
 
     # Watching
 
-    def processes(self, part=""):
-        """Live processes that this test's runs started, by process id, with their command lines.
-        Those of Wine itself are left out."""
-        found = {}
+    def marked_processes(self):
+        """Live processes that this test's runs started: process ids and command lines."""
         for name in filter(str.isdigit, os.listdir("/proc")):
             try:
                 marked = f"{MARK}={self.mark}".encode() in pathlib.Path(
@@ -192,9 +212,25 @@ class BatchTest(unittest.TestCase):
                 line = pathlib.Path(f"/proc/{name}/cmdline").read_bytes().rstrip(b"\0")
             except OSError:
                 continue
-            line = line.decode(errors="replace")
-            if marked and line and part in line and not line.lower().startswith("c:\\windows\\"):
-                found[int(name)] = line
+            if marked and line:
+                yield int(name), line.decode(errors="replace")
+
+    def processes(self, part=""):
+        """Those of Wine itself are left out."""
+        return {pid: line for pid, line in self.marked_processes()
+                if part in line and not line.lower().startswith("c:\\windows\\")}
+
+    def waiting_places(self):
+        """Where in the kernel the threads of all processes wait that this test's runs started, those of
+        Wine as well: what a report of a hang needs."""
+        found = []
+        for pid, line in self.marked_processes():
+            try:
+                places = [(task / "wchan").read_text() for task in
+                          pathlib.Path(f"/proc/{pid}/task").iterdir()]
+            except OSError:
+                continue
+            found.append(f"{pid} {line}: {', '.join(places)}")
         return found
 
     def check_that_nothing_is_left(self):
