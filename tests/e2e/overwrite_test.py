@@ -8,6 +8,7 @@ import subprocess
 import tempfile
 import termios
 import time
+import tty
 import unittest
 
 from batch_support import PATIENCE, BatchTest, Run, snapshot, start_wine, windows_path
@@ -135,6 +136,10 @@ class Question(OverwriteTest):
         """Types the next answer whenever the question is asked once more."""
         terminal, program_side = pty.openpty()
         self.addCleanup(os.close, terminal)
+        # Wine sets it so itself, but only when the program reads, which is after the question is seen.
+        # The Enter of an answer typed in between would become a line feed, which to Wine is one more
+        # character of the line: the program would wait for the rest for ever.
+        tty.setraw(program_side)
         with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as errors:
             started = self.start(
                 "--target", self.job.target, *options, self.first, self.second,
@@ -147,23 +152,29 @@ class Question(OverwriteTest):
             return Run(started.returncode, output.read(), errors.read())
 
     def converse(self, started, terminal, errors, answers):
-        deadline, asked = time.monotonic() + PATIENCE, 0
+        deadline, asked, shown = time.monotonic() + PATIENCE, 0, b""
         while started.poll() is None:
-            self.assertLess(time.monotonic(), deadline, "the program does not end; it said " +
-                            repr(os.pread(errors.fileno(), 1 << 16, 0)))
-            if select.select([terminal], [], [], 0.05)[0]:
-                try:
-                    os.read(terminal, 4096)  # what Wine echoes
-                except OSError:
-                    started.wait(PATIENCE)  # the last one has closed the other side
-                    continue
-            count = os.pread(errors.fileno(), 1 << 16, 0).count(b"[yes/no/cancel] ")
-            # What is typed before Wine listens to the terminal key by key is lost.
-            listening = not termios.tcgetattr(terminal)[3] & termios.ICANON
-            if count > asked and listening and answers:
-                asked = count
+            said = os.pread(errors.fileno(), 1 << 16, 0)
+            if time.monotonic() > deadline:
+                self.fail("\n".join([
+                    f"the program does not end; it said {said!r}",
+                    f"the terminal, set to {termios.tcgetattr(terminal)[:4]}, shows {shown!r}",
+                    f"answers still to be typed: {answers}", *self.waiting_places()]))
+            if said.count(b"[yes/no/cancel] ") > asked and answers:
+                asked += 1
                 os.write(terminal, answers.pop(0).encode() + b"\r")
+            shown += self.read_from(terminal)
         self.assertEqual(answers, [], "not all questions were asked")
+
+    @staticmethod
+    def read_from(terminal):
+        """What is shown within a moment; nothing once the other side is closed."""
+        if select.select([terminal], [], [], 0.05)[0]:
+            try:
+                return os.read(terminal, 4096)
+            except OSError:
+                time.sleep(0.05)
+        return b""
 
     def setUp(self):
         super().setUp()
