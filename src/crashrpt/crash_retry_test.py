@@ -1,11 +1,9 @@
 """Reports that the user agreed to send are delivered silently when the program starts again."""
 
-import subprocess
 import time
 import unittest
 
-from crash_test_support import (PATIENCE, CrashTest, Server, keep_wine_running, parts_of, refusing_url,
-                                wait_until)
+from crash_test_support import CrashTest, Server, keep_wine_running, parts_of, refusing_url, wait_until
 
 
 def setUpModule():
@@ -26,11 +24,10 @@ class Retry(CrashTest):
         (folder / "crashdump.dmp").write_bytes(bytes(range(256)) * 1000 + b"\r\n--report-")
 
     def start_program(self, url, *options):
-        """Starts it and sees it end: that must not wait for anything."""
-        begin = time.monotonic()
-        code, lines = self.end_of(self.start_crasher("start", "--url=" + url, *options))
-        self.assertEqual(code, 0, lines)
-        return time.monotonic() - begin
+        """Starts it and sees it end: neither must wait for anything."""
+        code, (milliseconds, _) = self.end_of(self.start_crasher("start", "--url=" + url, *options))
+        self.assertEqual(code, 0)
+        self.assertLess(int(milliseconds), 1000)
 
     def test_pending_reports_are_sent_oldest_first(self):
         server = Server(self)
@@ -60,7 +57,7 @@ class Retry(CrashTest):
         self.assertEqual(len(server.requests), 1)
         self.assertEqual(self.report_names(), self.NAMES[:1])
 
-    def check_that_it_stays(self, server_or_url, **waiting):
+    def check_that_it_stays(self, server_or_url):
         self.write_report(self.NAMES[0])
         self.start_program(getattr(server_or_url, "url", server_or_url))
         self.wait_for_senders()
@@ -88,7 +85,7 @@ class Retry(CrashTest):
     def test_silent_server_does_not_hold_up_the_program_nor_the_sender(self):
         server = Server(self, status=None)
         self.write_report(self.NAMES[0])
-        self.assertLess(self.start_program(server.url), 10)
+        self.start_program(server.url)
         self.assertTrue(wait_until(lambda: server.requests))
         self.assertEqual(self.names("pending"), [self.NAMES[0], self.NAMES[0] + ".lock"])
         begin = time.monotonic()

@@ -2,7 +2,6 @@
 
 import os
 import re
-import subprocess
 import sys
 import unittest
 
@@ -128,7 +127,7 @@ class Window(CrashTest):
         server.status = 204
         self.assertEqual(self.end_of(self.start_crasher("start", "--url=" + server.url))[0], 0)
         self.assertTrue(wait_until(lambda: self.report_names("sent") == [name]))
-        first, second = ([parts for parts in [parts_of(headers, body)]] for _, headers, body in server.requests)
+        first, second = (parts_of(headers, body) for _, headers, body in server.requests)
         self.assertEqual(first, second)
 
     def test_unreachable_server(self):

@@ -134,6 +134,9 @@ std::string UploadByHttp(const std::string& url, const MultipartBody& body) {
                                             WINHTTP_NO_REFERER, WINHTTP_DEFAULT_ACCEPT_TYPES,
                                             address->secure ? WINHTTP_FLAG_SECURE : 0));
   if (request == nullptr) return ErrorText(GetLastError());
+  DWORD receiveBound = kReceiveBound;
+  WinHttpSetOption(request.get(), WINHTTP_OPTION_RECEIVE_RESPONSE_TIMEOUT, &receiveBound,
+                   sizeof receiveBound);
   DWORD never = WINHTTP_OPTION_REDIRECT_POLICY_NEVER;
   WinHttpSetOption(request.get(), WINHTTP_OPTION_REDIRECT_POLICY, &never, sizeof never);
   return Post(request.get(), body);

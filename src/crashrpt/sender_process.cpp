@@ -10,6 +10,16 @@ auto Number(HANDLE handle) {
   return reinterpret_cast<uintptr_t>(handle);
 }
 
+// Otherwise its window would open behind those of other programs. A program that has no windows does not
+// load user32.dll for this: it has nothing to give away.
+void AllowToComeForward(DWORD processId) {
+  const HMODULE user32 = GetModuleHandleA("user32.dll");
+  if (user32 == nullptr) return;
+  const auto allow = reinterpret_cast<decltype(&AllowSetForegroundWindow)>(
+      reinterpret_cast<void*>(GetProcAddress(user32, "AllowSetForegroundWindow")));
+  if (allow != nullptr) allow(processId);
+}
+
 }  // namespace
 
 bool SenderProcess::Prepare(const std::string& program, const SenderHandles& handles, std::string& error) {
@@ -53,8 +63,7 @@ HANDLE SenderProcess::Start(char* commandLine) {
                                  nullptr, m_folder, &startup.StartupInfo, &started);
   SetInheritable(false);
   if (!ok) return nullptr;
-  // Otherwise its window would open behind those of other programs.
-  AllowSetForegroundWindow(started.dwProcessId);
+  AllowToComeForward(started.dwProcessId);
   CloseHandle(started.hThread);
   return started.hProcess;
 }
