@@ -2,6 +2,7 @@
 
 #include <windows.h>
 #include <winhttp.h>
+#include <winsock2.h>
 
 #include <memory>
 #include <optional>
@@ -50,6 +51,7 @@ std::optional<Address> ParseUrl(const std::string& url) {
 std::string ErrorText(DWORD error) {
   switch (error) {
     case ERROR_WINHTTP_TIMEOUT:
+    case WSAETIMEDOUT:  // as Wine tells it
       return "The server did not answer in time.";
     case ERROR_WINHTTP_CANNOT_CONNECT:
     case ERROR_WINHTTP_NAME_NOT_RESOLVED:
