@@ -33,7 +33,7 @@ class ProgressWindow : public CWnd {
       self->positions.push_back(static_cast<int>(wParam));
       return 0;
     }
-    return DefWindowProcA(window, message, wParam, lParam);
+    return ::DefWindowProcA(window, message, wParam, lParam);
   }
 };
 

@@ -12,16 +12,6 @@ struct ThemeDeleter {
 };
 using Theme = std::unique_ptr<void, ThemeDeleter>;
 
-using GetDpiForWindowFunction = UINT(WINAPI*)(HWND);
-
-// Windows 10 has it; older systems have one resolution for all screens.
-GetDpiForWindowFunction FindGetDpiForWindow() {
-  const HMODULE user = GetModuleHandleA("user32.dll");
-  if (user == nullptr) return nullptr;
-  return reinterpret_cast<GetDpiForWindowFunction>(
-      reinterpret_cast<void*>(GetProcAddress(user, "GetDpiForWindow")));
-}
-
 int ThemeState(ButtonLook look) {
   if (look.bDisabled) return PBS_DISABLED;
   if (look.bPressed) return PBS_PRESSED;
@@ -40,18 +30,6 @@ RECT DrawClassicFace(HDC context, RECT rect, ButtonLook look) {
 }
 
 }  // namespace
-
-UINT GetWindowDpi(HWND window) {
-  static const GetDpiForWindowFunction getDpiForWindow = FindGetDpiForWindow();
-  const UINT dpi = getDpiForWindow != nullptr && window != nullptr ? getDpiForWindow(window) : 0;
-  if (dpi != 0) return dpi;
-  const WindowContext screen(nullptr, WindowContext::Area::kClient);
-  return static_cast<UINT>(GetDeviceCaps(screen.Get(), LOGPIXELSX));
-}
-
-int Scale(int pixels, UINT dpi) {
-  return MulDiv(pixels, static_cast<int>(dpi), USER_DEFAULT_SCREEN_DPI);
-}
 
 RECT DrawButtonFace(HWND window, HDC context, RECT rect, ButtonLook look) {
   const Theme theme(OpenThemeData(window, L"Button"));

@@ -1,7 +1,7 @@
-// What the controls of this folder that draw themselves have in common: owners of drawing objects, the
-// resolution of a window, and themed drawing with the classic look where there is no theme.
+// What the controls of this folder that draw themselves have in common: owners of drawing objects, and
+// themed drawing with the classic look where there is no theme.
 //
-// User-interface thread. Sizes are in pixels; the argument of Scale is in pixels at 96 dpi.
+// User-interface thread. Sizes are in pixels.
 #ifndef MOSAICON_MFC_CONTROL_DRAWING_H_
 #define MOSAICON_MFC_CONTROL_DRAWING_H_
 
@@ -11,6 +11,8 @@
 
 #include <memory>
 #include <type_traits>
+
+#include "mfc/dpi.h"
 
 namespace mfc_detail {
 
@@ -57,9 +59,8 @@ class WindowContext {
 // WM_DPICHANGED_AFTERPARENT, which headers that are set to older systems lack.
 constexpr UINT kDpiChangedAfterParent = 0x02E3;
 
-// The resolution that the window is shown with; that of the screen where the system has only one.
-UINT GetWindowDpi(HWND window);
-int Scale(int pixels, UINT dpi);
+using afx::GetWindowDpi;
+using afx::Scale;
 
 struct ButtonLook {
   bool bDisabled = false;

@@ -1,0 +1,18 @@
+// What the user has dropped onto a window. Win32; paths in the ANSI code page.
+#ifndef MOSAICON_JOB_DROPPED_FILES_H_
+#define MOSAICON_JOB_DROPPED_FILES_H_
+
+#include <windows.h>
+// After windows.h.
+#include <shellapi.h>
+
+#include <string>
+#include <vector>
+
+// The paths of a WM_DROPFILES, sorted, as Explorer shows them in no useful order; drop is released.
+std::vector<std::string> TakeDroppedFiles(HDROP drop);
+
+// The input list of several dropped paths: files as they are, a folder as its "*.tif" files.
+std::string JoinInputList(const std::vector<std::string>& paths);
+
+#endif  // MOSAICON_JOB_DROPPED_FILES_H_

@@ -1,0 +1,85 @@
+#include "job/explorer_webbrowser.h"
+
+#include <oleauto.h>
+
+#include <vector>
+
+#include "mfc/app.h"
+
+namespace {
+
+constexpr char kHostClass[] = "AtlAxWin";
+constexpr DISPID kNavigate = 104;
+constexpr UINT kNavigateArguments = 5;
+
+using GetControlFunction = HRESULT(WINAPI*)(HWND, IUnknown**);
+
+// Releases a COM pointer.
+template <class Interface>
+class ComPointer {
+ public:
+  ComPointer() = default;
+  ~ComPointer() {
+    if (m_p != nullptr) m_p->Release();
+  }
+  ComPointer(const ComPointer&) = delete;
+  ComPointer& operator=(const ComPointer&) = delete;
+
+  Interface** Receive() { return &m_p; }
+  Interface* operator->() const { return m_p; }
+  explicit operator bool() const { return m_p != nullptr; }
+
+ private:
+  Interface* m_p = nullptr;
+};
+
+BSTR MakeWideText(const std::string& text) {
+  std::vector<wchar_t> wide(text.size() + 1);
+  MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, wide.data(), static_cast<int>(wide.size()));
+  return SysAllocString(wide.data());
+}
+
+// The automation interface of the control in a host window.
+bool GetControl(HWND host, ComPointer<IDispatch>& control) {
+  const auto getControl = reinterpret_cast<GetControlFunction>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("atl.dll"), "AtlAxGetControl")));
+  ComPointer<IUnknown> unknown;
+  if (getControl == nullptr || FAILED(getControl(host, unknown.Receive())) || !unknown) return false;
+  return SUCCEEDED(unknown->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(control.Receive())));
+}
+
+}  // namespace
+
+CExplorer_webbrowser::~CExplorer_webbrowser() {
+  if (m_hWnd != nullptr) ::DestroyWindow(m_hWnd);
+}
+
+BOOL CExplorer_webbrowser::CreateControl(const char* classId, const RECT& rectangle, CWnd* parent, UINT id) {
+  WNDCLASSA hostClass;
+  if (!GetClassInfoA(AfxGetInstanceHandle(), kHostClass, &hostClass)) return FALSE;
+  const HWND window =
+      CreateWindowExA(0, kHostClass, classId, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_TABSTOP,
+                      rectangle.left, rectangle.top, rectangle.right - rectangle.left,
+                      rectangle.bottom - rectangle.top, parent->GetSafeHwnd(),
+                      reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), AfxGetInstanceHandle(), nullptr);
+  if (window == nullptr) return FALSE;
+  ComPointer<IDispatch> control;
+  if (GetControl(window, control) && SubclassWindow(window)) return TRUE;
+  ::DestroyWindow(window);
+  return FALSE;
+}
+
+bool CExplorer_webbrowser::Navigate(const std::string& url) {
+  ComPointer<IDispatch> control;
+  if (m_hWnd == nullptr || !GetControl(m_hWnd, control)) return false;
+  // From the last to the first; the four optional ones are empty.
+  VARIANT arguments[kNavigateArguments];
+  for (VARIANT& argument : arguments) VariantInit(&argument);
+  arguments[kNavigateArguments - 1].vt = VT_BSTR;
+  arguments[kNavigateArguments - 1].bstrVal = MakeWideText(url);
+  DISPPARAMS parameters = {arguments, nullptr, kNavigateArguments, 0};
+  const HRESULT result = control->Invoke(kNavigate, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD,
+                                         &parameters, nullptr, nullptr, nullptr);
+  VariantClear(&arguments[kNavigateArguments - 1]);
+  return SUCCEEDED(result);
+}

@@ -1,0 +1,16 @@
+#include "job/job_progress.h"
+
+// After windows.h.
+#include <commctrl.h>
+
+#include <ctime>
+
+void CJobProgress::RestartClock() {
+  m_startTicks = static_cast<int32_t>(std::clock());
+}
+
+LRESULT CJobProgress::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+  const LRESULT result = TProgressTimeToComplete::WindowProc(message, wParam, lParam);
+  if (message == PBM_SETPOS && m_hWnd != nullptr) m_taskbar.ShowPercent(static_cast<int>(wParam));
+  return result;
+}

@@ -1,0 +1,23 @@
+// The progress bar of a job, which the taskbar button follows. Positions are percent.
+#ifndef MOSAICON_JOB_JOB_PROGRESS_H_
+#define MOSAICON_JOB_JOB_PROGRESS_H_
+
+#include "job/taskbar_progress.h"
+#include "progress/progress_control.h"
+
+class CJobProgress : public TProgressTimeToComplete {
+ public:
+  // taskbar must outlive the bar.
+  explicit CJobProgress(TaskbarProgress& taskbar) : m_taskbar(taskbar) {}
+
+  // The time left is estimated from here on.
+  void RestartClock();
+
+ protected:
+  LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+ private:
+  TaskbarProgress& m_taskbar;
+};
+
+#endif  // MOSAICON_JOB_JOB_PROGRESS_H_

@@ -1,0 +1,18 @@
+// Sizes that grow with the resolution of the monitor a window is on.
+#ifndef MOSAICON_MFC_DPI_H_
+#define MOSAICON_MFC_DPI_H_
+
+#include <windows.h>
+
+namespace afx {
+
+// Dots per inch that the window is shown with; those of the screen for null, and where the system has
+// one value for all windows.
+UINT GetWindowDpi(HWND window);
+
+// What is this many pixels at 96 dpi, rounded.
+int Scale(int pixels, UINT dpi);
+
+}  // namespace afx
+
+#endif  // MOSAICON_MFC_DPI_H_
