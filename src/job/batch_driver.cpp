@@ -5,6 +5,7 @@
 
 #include "job/bounded_text.h"
 #include "job/command_lines.h"
+#include "job/flag_guard.h"
 #include "kvtools/kvtools.h"
 #include "kvtools/split_path.h"
 
@@ -40,18 +41,6 @@ bool IsSamePath(const std::string& left, const std::string& right) {
   return std::equal(left.begin(), left.end(), right.begin(), right.end(),
                     [&fold](char a, char b) { return fold(a) == fold(b); });
 }
-
-// Keeps a flag set as long as it lives.
-class FlagGuard {
- public:
-  explicit FlagGuard(bool& flag) : m_flag(flag) { m_flag = true; }
-  ~FlagGuard() { m_flag = false; }
-  FlagGuard(const FlagGuard&) = delete;
-  FlagGuard& operator=(const FlagGuard&) = delete;
-
- private:
-  bool& m_flag;
-};
 
 }  // namespace
 
