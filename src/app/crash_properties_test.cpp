@@ -1,14 +1,10 @@
 #include "app/crash_properties.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 namespace {
-
-using testing::ElementsAre;
-using testing::Pair;
 
 const SystemTexts kSystem = {"Windows", "32 bit", "800 x 600", "1 MB total", {"First", "Second"}};
 const UserData kUser = {"Ada", "Byron", "ada@example.org", "Engine", "+44"};
@@ -18,13 +14,20 @@ TEST(CrashProperties, StandInTheOrderOfReports) {
   ASSERT_FALSE(properties.empty());
   EXPECT_EQ(properties.front().first, "ExceptionTypeMeaning");
   properties.erase(properties.begin());
-  EXPECT_THAT(properties,
-              ElementsAre(Pair("OS_Info", "Windows"), Pair("Screen_Pixel_Depth", "32 bit"),
-                          Pair("Screen_Resolution", "800 x 600"), Pair("RAM_Info", "1 MB total"),
-                          Pair("Graphic_Adapter_0", "First"), Pair("Graphic_Adapter_1", "Second"),
-                          Pair("User Data - Name", "Ada"), Pair("User Data - Surname", "Byron"),
-                          Pair("User Data - email", "ada@example.org"), Pair("User Data - company", "Engine"),
-                          Pair("User Data - telephone", "+44")));
+  const std::vector<CrashProperty> expected = {
+      {"OS_Info", "Windows"},
+      {"Screen_Pixel_Depth", "32 bit"},
+      {"Screen_Resolution", "800 x 600"},
+      {"RAM_Info", "1 MB total"},
+      {"Graphic_Adapter_0", "First"},
+      {"Graphic_Adapter_1", "Second"},
+      {"User Data - Name", "Ada"},
+      {"User Data - Surname", "Byron"},
+      {"User Data - email", "ada@example.org"},
+      {"User Data - company", "Engine"},
+      {"User Data - telephone", "+44"},
+  };
+  EXPECT_EQ(properties, expected);
 }
 
 TEST(CrashProperties, ExplainThirteenCrashTypes) {
