@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr int kPatience = 400;  // times 100 ms
+constexpr int kPatience = 900;  // times 100 ms
 
 bool Await(const std::function<bool()>& condition) {
   for (int i = 0; i < kPatience; ++i) {
