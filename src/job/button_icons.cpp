@@ -11,7 +11,9 @@ constexpr int kIconSize = 16;  // at 96 dots per inch
 
 void ButtonIcons::Show(HWND button, const char* name) {
   if (button == nullptr) return;
-  SendMessageA(button, BM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(Find(button, name)));
+  const auto icon = reinterpret_cast<LPARAM>(Find(button, name));
+  if (SendMessageA(button, BM_GETIMAGE, IMAGE_ICON, 0) == icon) return;
+  SendMessageA(button, BM_SETIMAGE, IMAGE_ICON, icon);
   RedrawWindow(button, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
 }
 
