@@ -6,7 +6,6 @@ Needs in the environment:
   WINEPREFIX          a complete Wine prefix; what runs uses a copy of it, beside it
 """
 
-import fcntl
 import hashlib
 import os
 import pathlib
@@ -19,6 +18,9 @@ import tempfile
 import time
 import unittest
 import uuid
+
+sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "support"))
+from wine_prefix import WinePrefix, link_or_copy  # noqa: E402
 
 PATIENCE = 120  # seconds until a test calls a run hung
 MARK = "MOSAICON_E2E_RUN"
@@ -45,48 +47,15 @@ def start_wine():
     """For a whole module: a fresh copy of the Wine prefix, so that other users of it are neither seen
     nor disturbed, and one Wine process that lives as long as the module. Without it each run starts
     Wine's own processes anew, which inherit its output and hold it open for seconds."""
-    # One place for all modules, in turn: one that was killed leaves it full, but never locked. Beside
-    # the original, in the same file system: the large files are linked.
-    prefix = WINEPREFIX.with_name(WINEPREFIX.name + "-e2e")
-    prefix.mkdir(exist_ok=True)
-    lock = os.open(prefix, os.O_RDONLY)
-    unittest.addModuleCleanup(os.close, lock)
-    fcntl.flock(lock, fcntl.LOCK_EX)
-    os.environ["WINEPREFIX"] = str(prefix)
-    remove_prefix(prefix)
-    unittest.addModuleCleanup(remove_prefix, prefix)
-    shutil.copytree(WINEPREFIX, prefix, symlinks=True, dirs_exist_ok=True,
-                    copy_function=link_or_copy_registry)
+    prefix = WinePrefix(WINEPREFIX, "e2e")
+    unittest.addModuleCleanup(prefix.close)
     shell = subprocess.Popen([WINE, "cmd"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                              stderr=subprocess.DEVNULL)
     # Closes its input: it ends.
     unittest.addModuleCleanup(shell.communicate, timeout=PATIENCE)
     if not select.select([shell.stdout], [], [], PATIENCE)[0]:
-        remove_prefix(prefix)  # the shell with it
+        prefix.empty()  # the shell with it
         raise AssertionError("Wine does not start")
-
-
-def remove_prefix(prefix):
-    """With all that still runs in it. The folder itself stays: it is the lock."""
-    if (prefix / "system.reg").exists():
-        subprocess.run(["wineserver", "-k"], check=False, timeout=PATIENCE)
-        subprocess.run(["wineserver", "-w"], check=True, timeout=PATIENCE)
-    for entry in prefix.iterdir():
-        if entry.is_dir() and not entry.is_symlink():
-            shutil.rmtree(entry)
-        else:
-            entry.unlink()
-
-
-def link_or_copy(source, target):
-    try:
-        os.link(source, target)
-    except OSError:
-        shutil.copy2(source, target)
-
-
-def link_or_copy_registry(source, target):
-    (shutil.copy2 if source.endswith(".reg") else link_or_copy)(source, target)
 
 
 def wait_until(condition, seconds):
