@@ -132,11 +132,13 @@ bool Window::WaitUntilEnabled(DWORD patience) const {
 Program::Program(const std::string& path, const std::string& arguments)
     : Program(AsItIs(), "\"" + path + "\"" + (arguments.empty() ? "" : " " + arguments)) {}
 
-Program Program::FromCommandLine(const std::string& commandLine) {
-  return Program(AsItIs(), commandLine);
+std::unique_ptr<Program> Program::FromCommandLine(const std::string& commandLine) {
+  return std::unique_ptr<Program>(new Program(AsItIs(), commandLine));
 }
 
 Program::Program(AsItIs, std::string commandLine) {
+  // Otherwise the system tells the places of windows in pixels of other sizes.
+  SetProcessDPIAware();
   STARTUPINFOA startup = {};
   startup.cb = sizeof startup;
   // It may write into the command line.

@@ -12,6 +12,7 @@
 #include <windows.h>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -79,7 +80,7 @@ class Program {
   Program& operator=(const Program&) = delete;
 
   // Starts whatever commandLine says.
-  static Program FromCommandLine(const std::string& commandLine);
+  static std::unique_ptr<Program> FromCommandLine(const std::string& commandLine);
 
   bool IsStarted() const { return m_process.hProcess != nullptr; }
   bool IsRunning() const;
