@@ -11,13 +11,12 @@ code is the program's. MOSAICON_UI_RUN marks it and all that it starts, for who 
 import argparse
 import os
 import pathlib
-import shutil
 import subprocess
 import sys
-import tempfile
 import uuid
 
-PATIENCE = 60  # seconds for Wine to end
+sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "support"))
+from wine_prefix import WinePrefix  # noqa: E402
 
 REGISTRY = """
 [Software\\\\Wine\\\\X11 Driver]
@@ -28,32 +27,11 @@ REGISTRY = """
 """
 
 
-def link_or_copy(source, target):
-    """The registry is written to, everything else is only read."""
-    if source.endswith(".reg"):
-        shutil.copy2(source, target)
-        return
-    try:
-        os.link(source, target)
-    except OSError:
-        shutil.copy2(source, target)
-
-
-def copy_prefix(target, dpi):
-    source = pathlib.Path(os.environ.get("WINEPREFIX") or sys.exit("WINEPREFIX is not set"))
-    shutil.copytree(source, target, symlinks=True, dirs_exist_ok=True, copy_function=link_or_copy)
-    registry = target / "user.reg"
+def configure(prefix, dpi):
+    registry = prefix / "user.reg"
     text = registry.read_text()
     without_dpi = "".join(line for line in text.splitlines(True) if not line.startswith('"LogPixels"'))
     registry.write_text(without_dpi + REGISTRY.format(dpi=dpi))
-
-
-def wait_for_wine():
-    """Wine's own processes outlive the program for a moment."""
-    try:
-        subprocess.run(["wineserver", "-w"], timeout=PATIENCE)
-    except subprocess.TimeoutExpired:
-        subprocess.run(["wineserver", "-k"])
 
 
 def main():
@@ -62,14 +40,15 @@ def main():
     parser.add_argument("program")
     parser.add_argument("arguments", nargs=argparse.REMAINDER)
     options = parser.parse_args()
-    # Beside the original, so that its files can be linked.
-    beside = pathlib.Path(os.environ.get("WINEPREFIX", ".")).parent
-    with tempfile.TemporaryDirectory(prefix="ui-prefix-", dir=beside,
-                                     ignore_cleanup_errors=True) as folder:
-        copy_prefix(pathlib.Path(folder), options.dpi)
-        os.environ.update(WINEPREFIX=folder, MOSAICON_UI_RUN=uuid.uuid4().hex)
-        run = subprocess.run([os.environ.get("WINE", "wine"), options.program, *options.arguments])
-        wait_for_wine()
+    original = os.environ.get("WINEPREFIX") or sys.exit("WINEPREFIX is not set")
+    prefix = WinePrefix(pathlib.Path(original).resolve(), "ui")
+    try:
+        configure(prefix.path, options.dpi)
+        os.environ["MOSAICON_UI_RUN"] = uuid.uuid4().hex
+        run = subprocess.run([os.environ.get("WINE", "wine"), options.program, *options.arguments],
+                             check=False)
+    finally:
+        prefix.close()
     return run.returncode
 
 
