@@ -39,7 +39,7 @@ std::string MessageBoxWindow::Text() const {
 
 BoxIcon MessageBoxWindow::Icon() const {
   for (const Window& child : m_window.Children()) {
-    if (!IsStatic(child, true) || !child.IsVisible()) continue;
+    if (!IsStatic(child, true) || child.Send(STM_GETICON) == 0) continue;
     BoxIcon icon = BoxIcon::kUnknown;
     // It may not be drawn yet.
     WaitUntil(

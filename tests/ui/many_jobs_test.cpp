@@ -1,0 +1,46 @@
+// Ten jobs in one process take no more than two.
+#include <iostream>
+
+#include "ui/mosaicon_fixture.h"
+#include "ui/resources_of.h"
+
+namespace {
+
+// Of the script's input and output, which stay open by design: each run makes them anew.
+constexpr int kPipeHandlesOfAJob = 4;
+constexpr double kMemoryBound = 8;  // MB, for eight jobs
+
+class ManyJobs : public MosaiconTest {
+ protected:
+  ResourceCount RunTo(int jobs) {
+    for (; m_nJobs < jobs; ++m_nJobs) {
+      const auto report =
+          RunJob({.orthophoto = m_strInput, .target = Path("out" + std::to_string(m_nJobs)), .title = "m"});
+      EXPECT_TRUE(report);
+      if (report) {
+        EXPECT_EQ(report->log, "- " + m_strInput + ": OK\r\n");
+      }
+    }
+    const ResourceCount count = CountResources(Running());
+    std::cout << jobs << " jobs: " << count << '\n';
+    return count;
+  }
+
+  int m_nJobs = 0;
+  const std::string m_strInput = MakeOrthophoto("tiny.tif", 8, 8);
+};
+
+TEST_F(ManyJobs, TakeNoMoreThanAFew) {
+  const ResourceCount two = RunTo(2);
+  ASSERT_GT(two.handles, 0);
+  ASSERT_GT(two.drawingObjects, 0);
+  ASSERT_GT(two.windows, 1);
+  ASSERT_GT(two.privateMegabytes, 0);
+  const ResourceCount ten = RunTo(10);
+  EXPECT_EQ(ten.handles, two.handles + 8 * kPipeHandlesOfAJob);
+  EXPECT_EQ(ten.drawingObjects, two.drawingObjects);
+  EXPECT_EQ(ten.windows, two.windows);
+  EXPECT_LT(ten.privateMegabytes, two.privateMegabytes + kMemoryBound);
+}
+
+}  // namespace
