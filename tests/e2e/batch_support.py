@@ -54,7 +54,7 @@ def start_wine():
     unittest.addModuleCleanup(shell.communicate, timeout=PATIENCE)
     # Whoever makes the first window starts Wine's desktop, which keeps the starter's standard error
     # open for as long as Wine runs. So that is a run of whose output nobody waits for the end.
-    subprocess.run([WINE, windows_path(STAGE / "mosaicon-batch.exe"), "--target", "C:\no", "no.tif"],
+    subprocess.run([WINE, windows_path(STAGE / "mosaicon-batch.exe"), "--target", r"C:\no", "no.tif"],
                    stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                    timeout=PATIENCE, check=False)
 
