@@ -1,0 +1,91 @@
+// The real program crashes in every way that a thread from outside can provoke, and the report of each
+// crash is read back.
+#include <string>
+#include <vector>
+
+#include "crashrpt/crashrpt.h"
+#include "crashrpt/provoke_crash.h"
+#include "ui/mosaicon_fixture.h"
+
+namespace {
+
+constexpr int kKinds = 13;
+constexpr DWORD kReportPatience = 120000;  // ms; writing a dump takes Wine seconds
+
+std::string ReportsFolder() {
+  char folder[MAX_PATH] = "";
+  GetEnvironmentVariableA("LOCALAPPDATA", folder, sizeof folder);
+  return std::string(folder) + "\\Mosaicon\\CrashReports";
+}
+
+// The names of the entries of a folder that begin with a digit: those of complete reports.
+std::vector<std::string> CompleteReports() {
+  std::vector<std::string> names;
+  WIN32_FIND_DATAA found;
+  const HANDLE search = FindFirstFileA((ReportsFolder() + "\\2*").c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) return names;
+  do {
+    const std::string name = found.cFileName;
+    if (name.find(".unfinished") == std::string::npos) names.push_back(name);
+  } while (FindNextFileA(search, &found));
+  FindClose(search);
+  return names;
+}
+
+class Crash : public MosaiconTest, public testing::WithParamInterface<int> {
+ protected:
+  // No window asks about the reports, which stay where they are.
+  static void SetUpTestSuite() { SetEnvironmentVariableA("CRASHREPORT_QUIET", "1"); }
+  static void TearDownTestSuite() {
+    StopProgram();
+    SetEnvironmentVariableA("CRASHREPORT_QUIET", nullptr);
+  }
+
+  // The folder of the report that is new since before.
+  std::string WaitForReport(size_t before) {
+    if (!WaitUntil([before] { return CompleteReports().size() > before; }, kReportPatience)) return "";
+    return ReportsFolder() + "\\" + CompleteReports().back();
+  }
+};
+
+void ExpectLine(const std::string& xml, const std::string& line) {
+  EXPECT_NE(xml.find("  " + line + "\n"), std::string::npos) << line << " is not in\n" << xml;
+}
+
+TEST_P(Crash, IsReportedWithAllThatIsKnown) {
+  const size_t before = CompleteReports().size();
+  ASSERT_TRUE(Restart());
+  const ProvokedCrash crash = ProvokeCrash(Running().Process(), GetParam());
+  ASSERT_NE(crash.threadId, 0U) << crash.error;
+  ASSERT_TRUE(Running().WaitForEnd(kReportPatience));
+  EXPECT_EQ(Running().ExitCode(), static_cast<DWORD>(CRASH_EXIT_REPORTED));
+
+  const std::string folder = WaitForReport(before);
+  ASSERT_FALSE(folder.empty());
+  const std::string xml = ReadFile(folder + "\\report.xml");
+  ExpectLine(xml, "<application>Mosaicon</application>");
+  ExpectLine(xml, "<version>1.0.0</version>");
+  ExpectLine(xml, "<email>support@kovel-software.example</email>");
+  ExpectLine(xml, "<subject>Mosaicon (ver. 1.0.0) Error report</subject>");
+  EXPECT_NE(xml.find("<crash type=\"" + std::to_string(GetParam()) + "\" "), std::string::npos) << xml;
+  EXPECT_NE(xml.find(" thread=\"" + std::to_string(crash.threadId) + "\"/>"), std::string::npos) << xml;
+  ExpectLine(xml, "<property name=\"User Data - Name\" value=\"Ada\"/>");
+  ExpectLine(xml, "<property name=\"User Data - Surname\" value=\"Byron\"/>");
+  ExpectLine(xml, "<property name=\"User Data - email\" value=\"ada@example.org\"/>");
+  ExpectLine(xml, "<property name=\"User Data - company\" value=\"\"/>");
+  ExpectLine(xml, "<property name=\"User Data - telephone\" value=\"\"/>");
+  for (const char* name : {"ExceptionTypeMeaning", "OS_Info", "Screen_Pixel_Depth", "Screen_Resolution",
+                           "RAM_Info", "Graphic_Adapter_0"}) {
+    const std::string begin = std::string("<property name=\"") + name + "\" value=\"";
+    const size_t found = xml.find(begin);
+    ASSERT_NE(found, std::string::npos) << name;
+    EXPECT_NE(xml[found + begin.size()], '"') << name << " is empty";
+  }
+  EXPECT_EQ(xml.find("<missing"), std::string::npos) << xml;
+  EXPECT_EQ(ReadFile(folder + "\\crashdump.dmp").substr(0, 4), "MDMP");
+  EXPECT_EQ(ReadFile(folder + "\\desktop.png").substr(1, 3), "PNG");
+}
+
+INSTANTIATE_TEST_SUITE_P(OfEveryKind, Crash, testing::Range(0, kKinds));
+
+}  // namespace
