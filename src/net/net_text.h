@@ -4,6 +4,7 @@
 #define MOSAICON_NET_NET_TEXT_H_
 
 #include <cstddef>
+#include <cstdio>  // __MINGW_PRINTF_FORMAT
 
 // A command, reply line or listing line of at most 260 characters, with its terminator.
 inline constexpr size_t kFtpLineSize = 261;

@@ -1,0 +1,39 @@
+#include "net/net_text.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+void TrimLineEnd(char* line) {
+  if (line == nullptr) return;
+  const size_t length = std::strlen(line);
+  for (size_t back = 1; back <= 2 && back <= length; ++back) {
+    char& last = line[length - back];
+    if (last == '\r' || last == '\n') last = '\0';
+  }
+}
+
+int CountTokens(const char* text, const char* delimiters) {
+  if (text == nullptr) return 0;
+  if (delimiters == nullptr) delimiters = "";
+  int count = 0;
+  for (text += std::strspn(text, delimiters); *text != '\0'; text += std::strspn(text, delimiters)) {
+    ++count;
+    text += std::strcspn(text, delimiters);
+  }
+  return count;
+}
+
+bool HasCommandBreak(const char* text) {
+  return text != nullptr && std::strpbrk(text, "\r\n") != nullptr;
+}
+
+bool FormatCommand(char (&buffer)[kFtpLineSize], const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  const int length = std::vsnprintf(buffer, sizeof buffer, format, arguments);
+  va_end(arguments);
+  if (length >= 0 && static_cast<size_t>(length) < sizeof buffer) return true;
+  buffer[0] = '\0';
+  return false;
+}
