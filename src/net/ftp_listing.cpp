@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <limits>
 #include <string_view>
 
@@ -90,7 +89,7 @@ void Reset(FtpDirEntry& entry) {
 }
 
 void SetName(string_view name, FtpDirEntry& entry) {
-  std::memcpy(entry.name, name.data(), std::min(name.size(), sizeof entry.name - 1));
+  name.copy(entry.name, sizeof entry.name - 1);
 }
 
 string_view View(const char* line) {

@@ -17,9 +17,7 @@ std::string_view View(const char* text) {
 
 // Copies as much as fits before the terminator.
 void CopyCut(std::string_view text, char* buffer, size_t size) {
-  const size_t count = std::min(text.size(), size - 1);
-  std::memcpy(buffer, text.data(), count);
-  buffer[count] = '\0';
+  buffer[text.copy(buffer, size - 1)] = '\0';
 }
 
 enum class LineResult { kRead, kNothing, kEndless };

@@ -1,0 +1,364 @@
+#include "net/file_data_source.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "support/temporary_folder.h"
+
+namespace {
+
+// What ReadLine puts into a buffer of exactly size bytes, so that the sanitizers see one too much.
+std::string Line(CUT_DataSource& source, size_t size = 8192) {
+  std::vector<char> buffer(size, '#');
+  const int count = source.ReadLine(buffer.data(), size);
+  if (count < 0) return "failed";
+  EXPECT_EQ(buffer.at(static_cast<size_t>(count)), '\0');
+  return std::string(buffer.data(), static_cast<size_t>(count));
+}
+
+std::string Bytes(CUT_DataSource& source, size_t count) {
+  std::string text(count, '\0');
+  const int read = source.Read(text.data(), count);
+  return read < 0 ? "failed" : text.substr(0, static_cast<size_t>(read));
+}
+
+class FileDataSource : public testing::Test {
+ protected:
+  std::string Make(const std::string& bytes) {
+    WriteFile(m_strPath, bytes);
+    return m_strPath;
+  }
+
+  // The test's source over a file of these bytes, opened for reading. The one before is closed.
+  CUT_FileDataSource& Holding(const std::string& bytes, int bufferSize = kLineBufferSize) {
+    m_pSource.reset();
+    m_pSource = std::make_unique<CUT_FileDataSource>(Make(bytes).c_str(), bufferSize);
+    EXPECT_EQ(m_pSource->Open(kSourceRead), 0);
+    return *m_pSource;
+  }
+
+  TemporaryFolder m_folder;
+  std::string m_strPath = m_folder.Path("a");
+  std::unique_ptr<CUT_FileDataSource> m_pSource;
+};
+
+TEST_F(FileDataSource, OpensForReadingWhatIsThere) {
+  CUT_FileDataSource source(m_strPath.c_str(), kLineBufferSize);
+  EXPECT_EQ(source.Open(0), -1);
+  EXPECT_FALSE(FileExists(m_strPath));
+  Make("abc");
+  EXPECT_EQ(source.Open(0), 0);
+  EXPECT_EQ(Bytes(source, 10), "abc");
+  EXPECT_EQ(source.Write("x", 1), -1);
+}
+
+TEST_F(FileDataSource, TruncatesWhenOpenedForWriting) {
+  CUT_FileDataSource source(Make("abc").c_str(), kLineBufferSize);
+  EXPECT_EQ(source.Open(1), 0);
+  EXPECT_EQ(ReadFile(m_strPath), "");
+  EXPECT_EQ(source.Write("xy", 2), 2);
+  EXPECT_EQ(source.Seek(0, 0), 0);
+  EXPECT_EQ(Bytes(source, 10), "xy");
+  EXPECT_EQ(source.Seek(0, 0), 0);
+  EXPECT_EQ(source.Write("z", 1), 1);
+  source.Close();
+  EXPECT_EQ(ReadFile(m_strPath), "zy");
+}
+
+TEST_F(FileDataSource, KeepsWhatIsThereWhenAppending) {
+  CUT_FileDataSource source(Make("abc").c_str(), kLineBufferSize);
+  EXPECT_EQ(source.Open(2), 0);
+  EXPECT_EQ(source.Write("d", 1), 1);
+  EXPECT_EQ(source.Seek(0, 0), 0);
+  EXPECT_EQ(source.Write("e", 1), 1);
+  EXPECT_EQ(source.Seek(1, 0), 1);
+  EXPECT_EQ(source.WriteLine("f"), 1);
+  source.Close();
+  EXPECT_EQ(ReadFile(m_strPath), "abcdef\r\n");
+}
+
+TEST_F(FileDataSource, CreatesTheFileToAppendTo) {
+  CUT_FileDataSource source(m_strPath.c_str(), kLineBufferSize);
+  EXPECT_EQ(source.Open(2), 0);
+  EXPECT_EQ(source.Write("abc", 3), 3);
+  source.Close();
+  EXPECT_EQ(ReadFile(m_strPath), "abc");
+}
+
+TEST_F(FileDataSource, RefusesUnknownModesAndEmptyNames) {
+  CUT_FileDataSource source(Make("abc").c_str(), kLineBufferSize);
+  EXPECT_EQ(source.Open(3), -1);
+  EXPECT_EQ(source.Open(-1), -1);
+  for (const char* name : {"", static_cast<const char*>(nullptr)}) {
+    CUT_FileDataSource nameless(name, kLineBufferSize);
+    for (const int mode : {0, 1, 2}) EXPECT_EQ(nameless.Open(mode), -1);
+  }
+}
+
+TEST_F(FileDataSource, OpensTheNameWithoutTheBlanksAround) {
+  Make("abc");
+  CUT_FileDataSource source(("  " + m_strPath + " ").c_str(), kLineBufferSize);
+  EXPECT_EQ(source.Open(0), 0);
+  EXPECT_EQ(Bytes(source, 10), "abc");
+}
+
+TEST_F(FileDataSource, TakesAtMost260BytesOfTheName) {
+  const std::string name = "./" + std::string(100000, 'n');
+  CUT_FileDataSource source(name.c_str(), kLineBufferSize);
+  EXPECT_EQ(source.Open(0), -1);
+  // Nothing but blanks survives the cut.
+  CUT_FileDataSource blanks((std::string(260, ' ') + m_strPath).c_str(), kLineBufferSize);
+  EXPECT_EQ(blanks.Open(1), -1);
+  const std::string path = Make("abc");
+  CUT_FileDataSource padded((std::string(260 - path.size(), ' ') + path + "tail").c_str(), kLineBufferSize);
+  EXPECT_EQ(padded.Open(0), 0);
+  EXPECT_EQ(Bytes(padded, 10), "abc");
+}
+
+TEST_F(FileDataSource, RefusesEverythingWhileClosed) {
+  CUT_FileDataSource source(Make("abc").c_str(), kLineBufferSize);
+  char buffer[10] = "x";
+  EXPECT_EQ(source.Read(buffer, 10), -1);
+  EXPECT_EQ(source.Write("x", 1), -1);
+  EXPECT_EQ(source.WriteLine("x"), -1);
+  EXPECT_EQ(source.WriteLine(""), -1);
+  EXPECT_EQ(source.Seek(0, 0), -1);
+  EXPECT_EQ(source.ReadLine(buffer, 10), -1);
+  EXPECT_STREQ(buffer, "");
+  EXPECT_EQ(source.Find("a", 0, 1, 0), -1);
+  EXPECT_EQ(source.Close(), 0);
+}
+
+TEST_F(FileDataSource, RefusesNullBuffers) {
+  CUT_FileDataSource source(m_strPath.c_str(), kLineBufferSize);
+  ASSERT_EQ(source.Open(1), 0);
+  EXPECT_EQ(source.Read(nullptr, 1), -1);
+  EXPECT_EQ(source.Write(nullptr, 1), -1);
+  EXPECT_EQ(source.WriteLine(nullptr), -1);
+  EXPECT_EQ(source.ReadLine(nullptr, 10), -1);
+  char untouched[] = "x";
+  EXPECT_EQ(source.ReadLine(untouched, 0), -1);
+  EXPECT_STREQ(untouched, "x");
+}
+
+TEST_F(FileDataSource, WritesALineEndUnlessThereIsOne) {
+  CUT_FileDataSource source(m_strPath.c_str(), kLineBufferSize);
+  ASSERT_EQ(source.Open(1), 0);
+  EXPECT_EQ(source.WriteLine("abc"), 3);
+  EXPECT_EQ(source.WriteLine("abc\n"), 4);
+  EXPECT_EQ(source.WriteLine("abc\r"), 4);
+  EXPECT_EQ(source.WriteLine("abc\r\n"), 5);
+  EXPECT_EQ(source.WriteLine(""), 0);
+  EXPECT_EQ(source.WriteLine("a\nb"), 3);
+  source.Close();
+  EXPECT_EQ(ReadFile(m_strPath), "abc\r\nabc\nabc\rabc\r\n\r\na\nb\r\n");
+}
+
+TEST_F(FileDataSource, ReadsLinesWithTheirEnds) {
+  CUT_FileDataSource& source = Holding("first\r\n\r\nthird line\r\nno\nend\rhere\r\nlast");
+  EXPECT_EQ(Line(source), "first\r\n");
+  EXPECT_EQ(Line(source), "\r\n");
+  EXPECT_EQ(Line(source), "third line\r\n");
+  EXPECT_EQ(Line(source), "no\nend\rhere\r\n");
+  EXPECT_EQ(Line(source), "last");
+  EXPECT_EQ(Line(source), "");
+  EXPECT_EQ(Line(source), "");
+}
+
+TEST_F(FileDataSource, ReadsEmptyAndTinyFiles) {
+  EXPECT_EQ(Line(Holding("")), "");
+  EXPECT_EQ(Bytes(Holding(""), 10), "");
+  EXPECT_EQ(Line(Holding("x")), "x");
+  EXPECT_EQ(Line(Holding("\n")), "\n");
+  EXPECT_EQ(Line(Holding("\r\n")), "\r\n");
+}
+
+TEST_F(FileDataSource, KeepsZeroBytesInLines) {
+  CUT_FileDataSource& source = Holding(std::string("a\0b\r\nc\0", 7));
+  EXPECT_EQ(Line(source), std::string("a\0b\r\n", 5));
+  EXPECT_EQ(Line(source), std::string("c\0", 2));
+}
+
+TEST_F(FileDataSource, GivesALineInPiecesToASmallBuffer) {
+  CUT_FileDataSource& source = Holding("abcdefgh\r\nxy\r\n");
+  EXPECT_EQ(Line(source, 5), "abcd");
+  EXPECT_EQ(Line(source, 5), "efgh");
+  EXPECT_EQ(Line(source, 5), "\r\n");
+  EXPECT_EQ(Line(source, 5), "xy\r\n");
+}
+
+TEST_F(FileDataSource, GivesALineWholeFromTheSizeThatHoldsIt) {
+  EXPECT_EQ(Line(Holding("abcdef\r\nnext"), 10), "abcdef\r\n");
+  EXPECT_EQ(Line(Holding("abcdef\r\nnext"), 9), "abcdef\r\n");
+  EXPECT_EQ(Line(Holding("abcdef\r\nnext"), 8), "abcdef\r");
+  EXPECT_EQ(Line(Holding("abcdef\r\nnext"), 7), "abcdef");
+  EXPECT_EQ(Line(Holding("abcdef\r\nnext"), 2), "a");
+  EXPECT_EQ(Line(Holding("abcdef\r\nnext"), 1), "");
+}
+
+TEST_F(FileDataSource, GivesALineWholeWhenItFitsTheLineBuffer) {
+  for (const size_t length : {4091U, 4092U, 4093U}) {
+    const std::string line = std::string(length, 'x') + "\r\n";
+    CUT_FileDataSource& source = Holding(line + "next\r\n");
+    EXPECT_EQ(Line(source), line) << length;
+    EXPECT_EQ(Line(source), "next\r\n");
+    // And into a buffer of the same size.
+    EXPECT_EQ(Line(Holding(line + "next\r\n"), 4096), line) << length;
+  }
+}
+
+TEST_F(FileDataSource, CutsALineThatExceedsTheLineBuffer) {
+  const std::string x4095(4095, 'x');
+  CUT_FileDataSource& source = Holding(x4095 + "\r\nnext\r\n");
+  EXPECT_EQ(Line(source), x4095);
+  EXPECT_EQ(Line(source), "\r\n");
+  EXPECT_EQ(Line(source), "next\r\n");
+  CUT_FileDataSource& longer = Holding(x4095 + "x\r\nnext\r\n");
+  EXPECT_EQ(Line(longer), x4095);
+  EXPECT_EQ(Line(longer), "x\r\n");
+  EXPECT_EQ(Line(longer), "next\r\n");
+}
+
+TEST_F(FileDataSource, ReadsOnWhereTheLineBufferEndsWithinALineEnd) {
+  CUT_FileDataSource& source = Holding(std::string(4094, 'x') + "\r\nnext\r\n");
+  EXPECT_EQ(Line(source), std::string(4094, 'x') + "\r");
+  EXPECT_EQ(Line(source), "\nnext\r\n");
+  EXPECT_EQ(Line(source), "");
+}
+
+// Whatever is read in which pieces: nothing is lost, nothing comes twice.
+TEST_F(FileDataSource, GivesEveryByteOnceWhateverTheSizes) {
+  std::string text;
+  for (const size_t length : {0U, 1U, 2U, 3U, 15U, 16U, 17U, 300U, 4094U, 5000U}) {
+    text += std::string(length, static_cast<char>('a' + length % 26)) + "\r\n";
+  }
+  text += "\r\r\n\n\rlast";
+  for (const int bufferSize : {2, 3, 4, 16, 17, 261, 4095, 4096, 4097, 100000}) {
+    for (const size_t size : {2U, 3U, 4U, 5U, 16U, 261U, 4096U, 8192U}) {
+      CUT_FileDataSource& source = Holding(text, bufferSize);
+      std::string together;
+      for (std::string line = Line(source, size); !line.empty(); line = Line(source, size)) together += line;
+      EXPECT_EQ(together, text) << bufferSize << " " << size;
+    }
+  }
+}
+
+TEST_F(FileDataSource, ReadsNoLinesWithoutALineBuffer) {
+  for (const int bufferSize : {1, 0, -1, -2147483647}) {
+    CUT_FileDataSource& source = Holding("abc\r\n", bufferSize);
+    EXPECT_EQ(Line(source), "") << bufferSize;
+    EXPECT_EQ(Bytes(source, 10), "abc\r\n");
+  }
+}
+
+TEST_F(FileDataSource, LosesWhatWasBufferedWhenBytesAreRead) {
+  CUT_FileDataSource& source = Holding("first\r\nsecond\r\n");
+  EXPECT_EQ(Line(source), "first\r\n");
+  EXPECT_EQ(Bytes(source, 10), "");
+  EXPECT_EQ(Line(source), "");
+}
+
+TEST_F(FileDataSource, ForgetsWhatWasBufferedWhenOpenedAnew) {
+  CUT_FileDataSource& source = Holding("first\r\nsecond\r\n");
+  EXPECT_EQ(Line(source), "first\r\n");
+  EXPECT_EQ(source.Open(0), 0);
+  EXPECT_EQ(Line(source), "first\r\n");
+  source.Close();
+  EXPECT_EQ(Line(source), "failed");
+}
+
+TEST_F(FileDataSource, SeeksFromWhatWasConsumed) {
+  CUT_FileDataSource& source = Holding("first\r\nsecond\r\nthird\r\n");
+  EXPECT_EQ(Line(source), "first\r\n");
+  EXPECT_EQ(source.Seek(0, 1), 7);
+  EXPECT_EQ(Line(source), "second\r\n");
+  EXPECT_EQ(source.Seek(2, 1), 17);
+  EXPECT_EQ(Line(source), "ird\r\n");
+  EXPECT_EQ(source.Seek(-5, 1), 17);
+  EXPECT_EQ(Line(source), "ird\r\n");
+}
+
+TEST_F(FileDataSource, SeeksFromBeginningAndEndWhateverWasConsumed) {
+  CUT_FileDataSource& source = Holding("first\r\nsecond\r\nthird\r\n");
+  EXPECT_EQ(Line(source), "first\r\n");
+  EXPECT_EQ(source.Seek(2, 0), 2);
+  EXPECT_EQ(Line(source), "rst\r\n");
+  EXPECT_EQ(source.Seek(-7, 2), 15);
+  EXPECT_EQ(Line(source), "third\r\n");
+  EXPECT_EQ(source.Seek(0, 2), 22);
+  EXPECT_EQ(Line(source), "");
+}
+
+// Only a position behind the first byte is moved back.
+TEST_F(FileDataSource, SeeksFromTheBufferedBytesWhenNoneWasConsumed) {
+  CUT_FileDataSource& source = Holding("first\r\n");
+  EXPECT_EQ(Line(source, 1), "");
+  EXPECT_EQ(source.Seek(0, 1), 7);
+}
+
+TEST_F(FileDataSource, RefusesToSeekWhereThereIsNothing) {
+  CUT_FileDataSource& source = Holding("abc");
+  EXPECT_EQ(source.Seek(-1, 0), -1);
+  EXPECT_EQ(source.Seek(-4, 2), -1);
+  EXPECT_EQ(source.Seek(0, 3), -1);
+  EXPECT_EQ(source.Seek(0, -1), -1);
+}
+
+TEST_F(FileDataSource, HasNoNumberForPositionsBeyondTwoGiB) {
+  constexpr std::uintmax_t kTwoGiB = std::uintmax_t{1} << 31;
+  Make("");
+  for (const std::uintmax_t size : {kTwoGiB - 1, kTwoGiB, 2 * kTwoGiB - 1, 2 * kTwoGiB + 7}) {
+    std::filesystem::resize_file(m_strPath, size);
+    CUT_FileDataSource source(m_strPath.c_str(), kLineBufferSize);
+    ASSERT_EQ(source.Open(0), 0);
+    EXPECT_EQ(source.Seek(0, 2), size < kTwoGiB ? 2147483647 : -1) << size;
+    EXPECT_EQ(source.Seek(2147483647, 0), 2147483647);
+    EXPECT_EQ(Bytes(source, 100).size(), std::min<std::uintmax_t>(size - kTwoGiB + 1, 100));
+  }
+}
+
+TEST_F(FileDataSource, GoesOnReadingLinesBeyondFourGiB) {
+  constexpr std::uintmax_t kFourGiB = std::uintmax_t{1} << 32;
+  Make("");
+  std::filesystem::resize_file(m_strPath, kFourGiB - 10);
+  CUT_FileDataSource writer(m_strPath.c_str(), kLineBufferSize);
+  ASSERT_EQ(writer.Open(kSourceAppend), 0);
+  EXPECT_EQ(writer.Write("\r\nabc\r\ndefghijk\r\nlast\r\n", 23), 23);
+  EXPECT_EQ(writer.Write("lost", 4), -1);
+  writer.Close();
+
+  CUT_FileDataSource source(m_strPath.c_str(), kLineBufferSize);
+  ASSERT_EQ(source.Open(kSourceRead), 0);
+  EXPECT_EQ(source.Seek(2147483647, 0), 2147483647);
+  EXPECT_EQ(source.Seek(2147483639, 1), -1);  // it stands there, but cannot tell
+  EXPECT_EQ(Line(source), "\r\n");
+  EXPECT_EQ(Line(source), "abc\r\n");
+  EXPECT_EQ(Line(source), "defghijk\r\n");
+  EXPECT_EQ(Line(source), "last\r\n");
+  EXPECT_EQ(Line(source), "");
+}
+
+TEST_F(FileDataSource, ClonesNameAndBufferSizeButNotTheOpenFile) {
+  CUT_FileDataSource& source = Holding("abcdef\r\nnext\r\n", 5);
+  EXPECT_EQ(Line(source), "abcd");
+  const std::unique_ptr<CUT_DataSource> clone(source.Clone());
+  ASSERT_NE(clone, nullptr);
+  EXPECT_EQ(Line(*clone), "failed");
+  EXPECT_EQ(clone->Open(0), 0);
+  EXPECT_EQ(Line(*clone), "abcd");
+  EXPECT_EQ(Line(source), "ef\r\n");
+}
+
+TEST_F(FileDataSource, ClosesTheFileAtItsEnd) {
+  Holding("abc");
+  m_pSource.reset();
+  EXPECT_TRUE(std::filesystem::remove(m_strPath));
+}
+
+}  // namespace
