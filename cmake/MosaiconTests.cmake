@@ -63,3 +63,27 @@ function(mosaicon_add_test name label)
     endif()
   endif()
 endfunction()
+
+# mosaicon_add_fuzz_target(NAME LIBRARIES ...): NAME_fuzz.cpp, with libFuzzer in the build for that. In
+# the native build it is a test that runs the kept corpus, tests/fuzz/NAME.
+function(mosaicon_add_fuzz_target name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES")
+  if(WIN32)
+    return()
+  endif()
+  add_executable(${name}_fuzz ${name}_fuzz.cpp)
+  target_link_libraries(${name}_fuzz PRIVATE ${arg_LIBRARIES} mosaicon_options)
+  if(MOSAICON_FUZZ)
+    target_link_options(${name}_fuzz PRIVATE -fsanitize=fuzzer)
+    return()
+  endif()
+  target_sources(${name}_fuzz PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/fuzz_corpus_main.cpp)
+  set_target_properties(${name}_fuzz PROPERTIES CXX_CLANG_TIDY "")
+  # Some targets write files where they are.
+  set(folder ${CMAKE_CURRENT_BINARY_DIR}/${name}_fuzz_files)
+  file(MAKE_DIRECTORY ${folder})
+  add_test(NAME ${name}_fuzz COMMAND ${name}_fuzz ${PROJECT_SOURCE_DIR}/tests/fuzz/${name}
+    WORKING_DIRECTORY ${folder})
+  set_tests_properties(${name}_fuzz PROPERTIES LABELS core TIMEOUT 300
+    ENVIRONMENT "${mosaicon_test_environment}")
+endfunction()
