@@ -87,6 +87,12 @@ TEST(LineReader, GivesALongLineInPieces) {
   EXPECT_EQ(Read(socket, 5), "x\n");
 }
 
+TEST(LineReader, KeepsItsSizeOverSeveralPackets) {
+  FakeSocket socket{"abc", "defgh\n"};
+  EXPECT_EQ(Read(socket, 5), "abcd");
+  EXPECT_EQ(socket.Rest(), "efgh\n");
+}
+
 TEST(LineReader, EndsAtTheLineFeedThatJustFits) {
   FakeSocket socket{"abc\nd"};
   EXPECT_EQ(Read(socket, 5), "abc\n");
