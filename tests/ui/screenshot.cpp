@@ -89,7 +89,10 @@ std::wstring Widen(const std::string& text) {
 
 }  // namespace
 
-Picture TakePicture(const RECT& place) {
+Picture TakePicture(const RECT& whole) {
+  const RECT all = {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+  RECT place = {};
+  IntersectRect(&place, &whole, &all);
   const int width = place.right - place.left;
   const int height = place.bottom - place.top;
   if (width <= 0 || height <= 0) return {};

@@ -16,8 +16,8 @@ struct Picture {
   bool operator==(const Picture&) const = default;
 };
 
-// Of a part of the screen as it is now.
-Picture TakePicture(const RECT& place);
+// Of a part of the screen as it is now; what lies outside of the screen is left out.
+Picture TakePicture(const RECT& whole);
 // Of a window with its frame, as soon as it has stopped drawing; what moves all the time is taken as it is
 // after some seconds.
 Picture TakePictureWhenStill(HWND window);
