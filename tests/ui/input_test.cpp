@@ -214,7 +214,7 @@ TEST_F(Dropping, SeveralFilesAreTakenAsAFolder) {
   FillIn({});
   const std::vector<std::string> files = {MakeOrthophoto("one.tif"), MakeOrthophoto("two.tif")};
   Drop(files);
-  EXPECT_TRUE(Shows(Path("") + "\\", true));
+  EXPECT_TRUE(Shows(Path() + "\\", true));
   EXPECT_EQ(AnswerOfStart(), kNoTarget);
 }
 
@@ -238,7 +238,7 @@ TEST_F(CommandLine, WithOneFileShowsItInLowerCase) {
 
 TEST_F(CommandLine, WithSeveralFilesShowsTheirFolder) {
   ASSERT_TRUE(Restart(MakeOrthophoto("one.tif") + "|" + MakeOrthophoto("two.tif")));
-  EXPECT_EQ(Field().Text(), LowerCase(Path("")) + "\\");
+  EXPECT_EQ(Field().Text(), LowerCase(Path()) + "\\");
   EXPECT_TRUE(Item(IDC_PICK_FOLDER).IsChecked());
   EXPECT_EQ(AnswerOfStart(), kNoTarget);
 }

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <regex>
 
+#include "ui/dropping.h"
 #include "ui/mosaicon_fixture.h"
 
 namespace {
@@ -195,6 +196,12 @@ TEST_F(BusyWindow, LocksWhatWouldDisturbTheJob) {
   for (const int changed : {0, 1, 2}) EXPECT_NE(busy[changed], idle[changed]) << changed;
   for (const int kept : {3, 4}) EXPECT_EQ(busy[kept], idle[kept]) << kept;
   EXPECT_EQ(std::count(busy.begin(), busy.end(), 0), 0);
+
+  // What is dropped now is let fall.
+  const std::string input = Item(IDC_ORTHOPHOTO).Text();
+  ASSERT_TRUE(DropFiles(Running(), Main(), {MakeOrthophoto("other.tif")}));
+  EXPECT_TRUE(IsSilent());
+  EXPECT_EQ(Item(IDC_ORTHOPHOTO).Text(), input);
 
   Item(IDC_CANCEL_JOB).Click();
   NextMessage(IDYES);

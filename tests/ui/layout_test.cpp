@@ -231,11 +231,13 @@ TEST_F(Layout, OfTheMainWindowIsSound) {
   Examine(Main(), "main", 675);
 }
 
-TEST_F(Layout, OfTheReportAndTheWindowBehindItIsSound) {
-  FillIn({.orthophoto = MakeOrthophoto("harbour.tif", 700, 500), .target = Path("out"), .title = "Harbour"});
+TEST_F(Layout, OfTheWindowAtWorkAndTheReportIsSound) {
+  FillIn({.orthophoto = MakeLargeOrthophoto(), .target = Path("out"), .title = "Harbour"});
   PressStart();
   ASSERT_TRUE(WaitUntilTiling());
   Examine(Main(), "working", 675);
+  Item(IDC_CANCEL_JOB).Click();
+  NextMessage(IDYES);
   const Window report = Running().WaitFor(kReportTitle, kJobPatience);
   Examine(report, "report", 360);
   Close(report, IDOK);

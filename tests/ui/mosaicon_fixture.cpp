@@ -13,21 +13,20 @@ std::string ProfilePath(const std::string& section) {
   return std::string("Software\\") + kMakerName + "\\Mosaicon\\" + section;
 }
 
-std::string Environment(const char* name) {
-  char value[MAX_PATH] = "";
-  GetEnvironmentVariableA(name, value, sizeof value);
-  return value;
-}
-
 }  // namespace
 
-std::string StageFolder() {
-  std::string folder = Environment("MOSAICON_STAGE");
-  EXPECT_FALSE(folder.empty()) << "MOSAICON_STAGE does not name the program's folder";
+std::string PathFromEnvironment(const char* variable) {
+  char value[MAX_PATH] = "";
+  EXPECT_NE(GetEnvironmentVariableA(variable, value, sizeof value), 0U) << variable << " is not set";
+  std::string path = value;
   // As a Linux host writes it.
-  if (folder.starts_with("/")) folder = "Z:" + folder;
-  std::replace(folder.begin(), folder.end(), '/', '\\');
-  return folder;
+  if (path.starts_with("/")) path = "Z:" + path;
+  std::replace(path.begin(), path.end(), '/', '\\');
+  return path;
+}
+
+std::string StageFolder() {
+  return PathFromEnvironment("MOSAICON_STAGE");
 }
 
 std::string StageProgram() {

@@ -24,7 +24,9 @@ inline constexpr char kMainTitle[] = "Kovel Software - Mosaicon";
 inline constexpr char kReportTitle[] = "Process Completed";
 inline constexpr DWORD kJobPatience = 60000;  // ms
 
-// The program's folder as Windows names it, and the program in it.
+// A path from the environment as Windows names it, whoever has set it; the program's folder, and the
+// program in it.
+std::string PathFromEnvironment(const char* variable);
 std::string StageFolder();
 std::string StageProgram();
 
@@ -95,7 +97,7 @@ class MosaiconTest : public testing::Test {
   std::string MakeOrthophoto(const std::string& name, int width = 120, int height = 90);
   // One that keeps the tiling script busy for a minute.
   std::string MakeLargeOrthophoto();
-  std::string Path(const std::string& name) const { return m_folder.Path(name); }
+  std::string Path(const std::string& name = "") const { return m_folder.Path(name); }
 
  private:
   static std::unique_ptr<Program> s_pProgram;

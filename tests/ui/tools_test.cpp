@@ -2,7 +2,6 @@
 // folder of its own.
 //
 // Needs in the environment MOSAICON_FAKE_TOOL, which stands in for tools and takes its time.
-#include <algorithm>
 #include <filesystem>
 
 #include "ui/mosaicon_fixture.h"
@@ -23,15 +22,6 @@ constexpr Tool kTools[] = {{"gdal2tiles.py", "script gdal2tiles"},
                            {"gdal_translate.exe", "tool gdal_translate"},
                            {"gdalwarp.exe", "tool gdalwarp"},
                            {"python.exe", "scripts"}};
-
-std::string WindowsPath(const char* variable) {
-  char value[MAX_PATH] = "";
-  GetEnvironmentVariableA(variable, value, sizeof value);
-  std::string path = value;
-  if (path.starts_with("/")) path = "Z:" + path;
-  std::replace(path.begin(), path.end(), '/', '\\');
-  return path;
-}
 
 class Tools : public MosaiconTest {
  protected:
@@ -90,7 +80,8 @@ class SlowTool : public Tools, public testing::WithParamInterface<const char*> {
 
 TEST_P(SlowTool, EndsWithTheWindow) {
   Remove(GetParam());
-  ASSERT_TRUE(CopyFileA(WindowsPath("MOSAICON_FAKE_TOOL").c_str(), ToolPath(GetParam()).c_str(), TRUE));
+  ASSERT_TRUE(
+      CopyFileA(PathFromEnvironment("MOSAICON_FAKE_TOOL").c_str(), ToolPath(GetParam()).c_str(), TRUE));
   SetEnvironmentVariableA("FAKE_TOOL_CALLS", Path("calls").c_str());
   SetEnvironmentVariableA("FAKE_TOOL_MILLISECONDS", "600000");
   ASSERT_TRUE(Restart("", s_pFolder->Path("Mosaicon.exe")));
