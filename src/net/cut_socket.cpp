@@ -1,0 +1,36 @@
+#include "net/cut_socket.h"
+
+#include "net/error_codes.h"
+
+int CUT_Socket::OnSocketConnected(SOCKET /*socket*/, const char* /*remoteAddress*/) {
+  return kNetSuccess;
+}
+
+int CUT_Socket::CloseSocketHandle(SOCKET socket) {
+  return closesocket(socket);
+}
+
+int CUT_Socket::ShutdownSocket(SOCKET socket, int how) {
+  return shutdown(socket, how);
+}
+
+int CUT_Socket::RecvRaw(SOCKET socket, char* buffer, int length, int flags) {
+  return recv(socket, buffer, length, flags);
+}
+
+int CUT_Socket::SendRaw(SOCKET socket, const char* buffer, int length, int flags) {
+  return send(socket, buffer, length, flags);
+}
+
+bool CUT_Socket::HasPendingData(SOCKET socket) {
+  u_long pending = 0;
+  return ioctlsocket(socket, FIONREAD, &pending) == 0 && pending > 0;
+}
+
+int CUT_Socket::WaitReadable(SOCKET socket, long seconds, long microseconds) {
+  fd_set sockets;
+  FD_ZERO(&sockets);
+  FD_SET(socket, &sockets);
+  timeval time = {seconds, microseconds};
+  return select(0, &sockets, nullptr, nullptr, &time) == 1 ? 0 : 1;
+}

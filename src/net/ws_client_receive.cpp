@@ -1,0 +1,123 @@
+// CUT_WSClient: receiving.
+#include <algorithm>
+#include <climits>
+#include <cstring>
+
+#include "net/error_codes.h"
+#include "net/file_data_source.h"
+#include "net/line_reader.h"
+#include "net/source_bytes.h"
+#include "net/ws_client.h"
+
+namespace {
+
+constexpr long kReceiveChunk = 256;
+// 16 MiB: a peer that sends for ever must not keep us.
+constexpr int kMaxDrainedChunks = 65536;
+
+}  // namespace
+
+// The connected socket as the line reader sees it.
+class CUT_WSClient::Lines : public LineSocket {
+ public:
+  // An abort counts once the deadline has passed.
+  Lines(CUT_WSClient& client, ULONGLONG deadline) : m_client(client), m_nDeadline(deadline) {}
+
+  bool IsAborted() override { return m_client.IsAborted() && GetTickCount64() >= m_nDeadline; }
+  bool WaitForData(long seconds) override { return m_client.WaitForReceive(seconds, 0) == 0; }
+  int Peek(char* buffer, int count) override {
+    return m_client.RecvRaw(m_client.m_socket, buffer, count, MSG_PEEK);
+  }
+  int Take(char* buffer, int count) override { return m_client.RecvRaw(m_client.m_socket, buffer, count, 0); }
+
+ private:
+  CUT_WSClient& m_client;
+  ULONGLONG m_nDeadline;
+};
+
+int CUT_WSClient::ReceiveLine(char* buffer, size_t size, long seconds) {
+  Lines lines(*this, 0);
+  return ReadLineFrom(lines, buffer, size, seconds);
+}
+
+int CUT_WSClient::ReceiveLineDespiteAbort(char* buffer, size_t size, long seconds, ULONGLONG deadline) {
+  Lines lines(*this, deadline);
+  return ReadLineFrom(lines, buffer, size, seconds);
+}
+
+int CUT_WSClient::WaitForReceive(long seconds, long microseconds) {
+  return WaitReadable(m_socket, seconds, microseconds);
+}
+
+int CUT_WSClient::Receive(char* buffer, int length, long seconds) {
+  if (seconds > 0 && WaitForReceive(seconds, 0) != 0) return 0;
+  return RecvRaw(m_socket, buffer, length, 0);
+}
+
+int CUT_WSClient::ReceiveAll(char* buffer, int length, long seconds) {
+  int received = 0;
+  while (received < length) {
+    const int now = Receive(buffer + received, length - received, seconds);
+    // 0 is the end, too: a closed connection would be asked for ever.
+    if (now < 1) break;
+    received += now;
+  }
+  return received;
+}
+
+int CUT_WSClient::ReceiveBytes(ByteStream& bytes, long seconds, long maximum) {
+  char chunk[kReceiveChunk];
+  long long total = 0;
+  for (;;) {
+    if (maximum > 0 && total >= maximum) return kNetSuccess;
+    if (seconds > 0 && WaitForReceive(seconds, 0) != 0) return kNetTimedOut;
+    const long long wanted =
+        maximum > 0 ? std::min<long long>(maximum - total, kReceiveChunk) : kReceiveChunk;
+    const int count = Receive(chunk, static_cast<int>(wanted), 0);
+    if (count == 0) return kNetSuccess;
+    if (count < 0) return kNetReceiveFailed;
+    if (bytes.Write(chunk, static_cast<size_t>(count)) < count) return kNetSourceNotWritten;
+    total += count;
+    if (OnReceiveProgress(static_cast<long>(std::min<long long>(total, LONG_MAX))) == 0) return kNetAborted;
+    if (IsAborted()) return kNetAborted;
+  }
+}
+
+int CUT_WSClient::ReceiveToStream(ByteStream& stream, long seconds, long maximum) {
+  if (m_socket == INVALID_SOCKET) return OnError(kNetSocketNotOpen);
+  return OnError(ReceiveBytes(stream, seconds, maximum > 0 ? maximum : stream.GetLength()));
+}
+
+int CUT_WSClient::ReceiveToSource(CUT_DataSource& source, int mode, long seconds, long maximum) {
+  if (m_socket == INVALID_SOCKET) return OnError(kNetSocketNotOpen);
+  if (mode != kSourceWrite && mode != kSourceAppend) return OnError(kNetBadMode);
+  SourceBytes bytes(source, mode);
+  if (!bytes.IsOpen()) return OnError(kNetSourceNotOpened);
+  return OnError(ReceiveBytes(bytes, seconds, maximum));
+}
+
+int CUT_WSClient::ReceiveFileByName(const char* fileName, int mode, long seconds) {
+  CUT_FileDataSource source(fileName, kLineBufferSize);
+  return ReceiveToSource(source, mode, seconds, 0);
+}
+
+int CUT_WSClient::DrainInput() {
+  char chunk[kReceiveChunk];
+  for (int i = 0; i < kMaxDrainedChunks && HasPendingData(m_socket); ++i) {
+    if (Receive(chunk, sizeof chunk, 0) < 1) break;
+  }
+  return OnError(kNetSuccess);
+}
+
+int CUT_WSClient::ReceiveDatagram(char* buffer, int& length, long seconds) {
+  if (m_socket == INVALID_SOCKET) return OnError(kNetSocketNotOpen);
+  if (buffer == nullptr) return OnError(kNetNullBuffer);
+  if (seconds > 0 && WaitForReceive(seconds, 0) != 0) return OnError(kNetTimedOut);
+  sockaddr_in sender = {};
+  int size = sizeof sender;
+  const int received = recvfrom(m_socket, buffer, length, 0, reinterpret_cast<sockaddr*>(&sender), &size);
+  length = std::max(received, 0);
+  if (received < 0) return OnError(kNetReceiveFailed);
+  SetRemote(sender);
+  return OnError(kNetSuccess);
+}
