@@ -110,6 +110,10 @@ class CUT_WSClient : public CUT_Socket {
   // The dotted address of a name, of which only what follows the last "@" counts. 7 or 35.
   int LookUpAddress(const char* name, char* address, size_t size);
 
+  // ReceiveLine for what must be read, abort or not: an abort ends it only when GetTickCount64 has
+  // passed deadline.
+  int ReceiveLineDespiteAbort(char* buffer, size_t size, long seconds, ULONGLONG deadline);
+
   std::uint16_t GetRemotePort() const { return m_nRemotePort; }
   std::uint16_t GetLocalPort() const { return m_nLocalPort; }
   std::uint16_t GetListeningPort() const { return m_nListeningPort; }
@@ -118,10 +122,6 @@ class CUT_WSClient : public CUT_Socket {
   std::int32_t GetSendTimeout() const { return m_nSendTimeout; }
 
  protected:
-  // ReceiveLine for what must be read, abort or not: an abort ends it only when GetTickCount64 has
-  // passed deadline.
-  int ReceiveLineDespiteAbort(char* buffer, size_t size, long seconds, ULONGLONG deadline);
-
   // What the setters keep, for connections to come.
   void PresetTimeouts(std::int32_t receiveMilliseconds, std::int32_t sendMilliseconds);
 

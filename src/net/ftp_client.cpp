@@ -1,0 +1,118 @@
+// CUT_FTPClient: from the connection to its end.
+#include "net/ftp_client.h"
+
+#include "net/error_codes.h"
+#include "net/ftp_client_rules.h"
+
+namespace {
+
+constexpr int kFirstDataPorts = 20000;
+
+}  // namespace
+
+CUT_FTPClient::CUT_FTPClient()
+    : m_data(*this),
+      m_nNextDataPort(kLowestDataPort + static_cast<std::int32_t>(GetTickCount() % kFirstDataPorts)) {}
+
+CUT_FTPClient::~CUT_FTPClient() {
+  m_replyLines.Clear();
+  ClearDirList();
+  CUT_FTPClient::FTPClose();
+}
+
+int CUT_FTPClient::SetControlPort(int port) {
+  if (!IsPort(port)) return OnError(kNetBadValue);
+  m_nControlPort = port;
+  return OnError(kNetSuccess);
+}
+
+int CUT_FTPClient::SetNextDataPort(int port) {
+  if (port < 1 || port > kHighestDataPort) return OnError(kNetBadValue);
+  m_nNextDataPort = port;
+  return OnError(kNetSuccess);
+}
+
+void CUT_FTPClient::SetDataTimeouts(std::int32_t receiveMilliseconds, std::int32_t sendMilliseconds) {
+  m_data.PresetTimeouts(receiveMilliseconds, sendMilliseconds);
+}
+
+int CUT_FTPClient::FTPConnect(const char* host, const char* user, const char* password, const char* account) {
+  char command[kFtpLineSize];
+  const struct {
+    const char* format;
+    const char* text;
+  } texts[] = {{kUserCommand, user}, {kPassCommand, password}, {kAcctCommand, account}};
+  for (const auto& [format, text] : texts) {
+    if (const int refused = CheckText(format, text, command)) return OnError(refused);
+  }
+  FTPClose();
+  m_replyLines.Clear();
+  m_szLastReply[0] = '\0';
+  const int connected = Connect(static_cast<std::uint16_t>(m_nControlPort), host, m_nConnectTimeout);
+  if (connected != kNetSuccess) return OnError(connected);
+  if (const int refused = LogIn(user, password, account)) return OnError(refused);
+
+  // A server that refuses one of these can still be worked with.
+  SetTransferType(0);
+  SetTransferMode(0);
+  SetStructure(0);
+  m_bConnected = 1;
+  return OnError(kNetSuccess);
+}
+
+int CUT_FTPClient::OnSocketConnected(SOCKET /*socket*/, const char* /*remoteAddress*/) {
+  const int failed = CheckReply(GetResponseCode(*this), 200, 399, kNetConnectionFailed);
+  if (failed != kNetSuccess) return OnError(failed);
+  return OnError(IsAborted() ? kNetAborted : kNetSuccess);
+}
+
+int CUT_FTPClient::LogIn(const char* user, const char* password, const char* account) {
+  const struct {
+    const char* format;
+    const char* text;
+    int failure;
+  } steps[] = {{kUserCommand, user, kNetUserRefused},
+               {kPassCommand, password, kNetPassRefused},
+               {kAcctCommand, account, kNetAcctRefused}};
+  for (const auto& [format, text, failure] : steps) {
+    char command[kFtpLineSize];
+    if (const int refused = CheckText(format, text, command)) return refused;
+    const int reply = Ask(command);
+    if (const int refused = CheckReply(reply, 200, 399, failure)) return refused;
+    if (reply < 300) break;
+  }
+  return kNetSuccess;
+}
+
+int CUT_FTPClient::FTPClose() {
+  Send("Quit\r\n");
+  CloseConnection();
+  m_data.CloseConnection();
+  m_bConnected = 0;
+  m_nLateReplyWait = -1;
+  return OnError(kNetSuccess);
+}
+
+int CUT_FTPClient::SetTransferType(int type) {
+  if (type != 0 && type != 1) return OnError(kNetBadValue);
+  const int failed = CheckReply(Ask(type == 1 ? "TYPE I\r\n" : "TYPE A\r\n"), 200, 299, kNetDenied);
+  if (failed == kNetSuccess) m_nTransferType = type;
+  return OnError(failed);
+}
+
+int CUT_FTPClient::SetTransferMode(int mode) {
+  return AskForChoice(mode, {"MODE S\r\n", "MODE B\r\n", "MODE C\r\n"}, m_nTransferMode);
+}
+
+int CUT_FTPClient::SetStructure(int structure) {
+  return AskForChoice(structure, {"STRU F\r\n", "STRU R\r\n", "STRU P\r\n"}, m_nStructure);
+}
+
+// Values below 4 that have no command are waited for all the same.
+int CUT_FTPClient::AskForChoice(int value, const char* const (&commands)[3], std::int32_t& stored) {
+  if (value >= 4) return OnError(kNetBadValue);
+  if (value >= 0 && value <= 2) SendCommand(commands[value]);
+  const int failed = CheckReply(GetResponseCode(*this), 200, 299, kNetDenied);
+  if (failed == kNetSuccess) stored = value;
+  return OnError(failed);
+}

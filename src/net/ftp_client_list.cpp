@@ -1,0 +1,119 @@
+// CUT_FTPClient: listings.
+#include <cstring>
+#include <new>
+
+#include "net/error_codes.h"
+#include "net/ftp_client.h"
+#include "net/ftp_client_rules.h"
+
+namespace {
+
+constexpr char kListCommand[] = "LIST\r\n";
+constexpr long kListAcceptSeconds = 15;
+// A server could go on for ever.
+constexpr std::int32_t kMaxEntries = 1000000;
+
+int CurrentYear() {
+  SYSTEMTIME now;
+  GetLocalTime(&now);
+  return now.wYear;
+}
+
+}  // namespace
+
+int CUT_FTPClient::List() {
+  if (m_bPassive != 0) return ListPassive();
+  if (const int failed = OfferDataPort(kNetDataPortNotOpened)) return OnError(failed);
+  SendCommand(kListCommand);
+  if (const int failed = AcceptData(kListAcceptSeconds)) return OnError(failed);
+  const int failed = CheckReply(GetResponseCode(*this), 100, 299, kNetDataConnectionFailed);
+  if (failed != kNetSuccess) return OnError(CloseDataAfter(failed));
+  return OnError(ReceiveListing());
+}
+
+int CUT_FTPClient::ListPassive() {
+  DataAddress target;
+  if (const int failed = FindPassivePort(kNetListFailed, kNetDataPortNotOpened, target))
+    return OnError(failed);
+  if (const int failed = ConnectData(kListCommand, kNetDataConnectionFailed, target)) return OnError(failed);
+  return OnError(ReceiveListing());
+}
+
+int CUT_FTPClient::ReceiveListing() {
+  ClearDirList();
+  if (IsAborted()) return FinishListing(kNetAborted);
+  bool isTotalSkipped = false;
+  bool continuesLine = false;
+  for (;;) {
+    const int count = m_data.ReceiveLine(m_szLine, sizeof m_szLine, 0);
+    if (count < 1) return FinishListing(kNetSuccess);
+    // Of a line that does not fit, the rest is no line of its own.
+    const bool isRest = continuesLine;
+    continuesLine = m_szLine[count - 1] != '\n';
+    TrimLineEnd(m_szLine);
+    if (!isRest) {
+      if (!isTotalSkipped && _strnicmp(m_szLine, "total", 5) == 0) {
+        isTotalSkipped = true;
+      } else if (!AddEntry()) {
+        return FinishListing(kNetListFailed);
+      }
+    }
+    if (IsAborted()) return FinishListing(kNetAborted);
+  }
+}
+
+// False when there are too many.
+bool CUT_FTPClient::AddEntry() {
+  if (m_nEntries == kMaxEntries) return false;
+  auto* const entry = new (std::nothrow) FtpDirEntry;
+  if (entry == nullptr) return false;
+  (m_pLastEntry == nullptr ? m_pEntries : m_pLastEntry->next) = entry;
+  m_pLastEntry = entry;
+  ++m_nEntries;
+  if (m_szLine[0] >= '0' && m_szLine[0] <= '9') {
+    ParseDosListLine(*entry);
+  } else {
+    ParseUnixListLine(*entry);
+  }
+  return true;
+}
+
+int CUT_FTPClient::FinishListing(int code) {
+  m_data.CloseConnection();
+  int reply = GetResponseCode(*this);
+  bool isSecond = false;
+  if (reply >= 1 && reply < 200) {
+    reply = GetResponseCode(*this);
+    isSecond = true;
+  }
+  if (code != kNetSuccess) return code;
+  return CheckReply(reply, isSecond ? 200 : 1, 299, kNetListFailed);
+}
+
+void CUT_FTPClient::ParseUnixListLine(FtpDirEntry& entry) {
+  ::ParseUnixListLine(m_szLine, CurrentYear(), entry);
+}
+
+void CUT_FTPClient::ParseDosListLine(FtpDirEntry& entry) {
+  ::ParseDosListLine(m_szLine, entry);
+}
+
+int CUT_FTPClient::GetDirEntry(int index, FtpDirEntry& entry) {
+  if (index < 0 || index >= m_nEntries) return OnError(kNetBadIndex);
+  const FtpDirEntry* found = m_pEntries;
+  for (int i = 0; i < index && found != nullptr; ++i) found = found->next;
+  if (found == nullptr) return OnError(kNetBadIndex);
+  entry = *found;
+  entry.next = nullptr;
+  return OnError(kNetSuccess);
+}
+
+void CUT_FTPClient::ClearDirList() {
+  while (m_pEntries != nullptr) {
+    FtpDirEntry* const next = m_pEntries->next;
+    delete m_pEntries;
+    m_pEntries = next;
+  }
+  m_pLastEntry = nullptr;
+  m_nEntries = 0;
+}

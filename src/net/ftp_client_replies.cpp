@@ -1,0 +1,150 @@
+// CUT_FTPClient: commands go out, replies come in.
+#include <algorithm>
+#include <cstring>
+
+#include "net/error_codes.h"
+#include "net/ftp_client.h"
+#include "net/ftp_client_rules.h"
+#include "net/ftp_reply.h"
+
+namespace {
+
+constexpr int kMaxPreliminaryReplies = 16;
+
+// A reply that is still coming after as many times the wait for one line will never end.
+constexpr int kReplyPatience = 4;
+
+// The lines of a connection. An abort does not end a reply that is on its way, or the next command
+// would get it; but it limits the wait for all of it to what one line may take.
+class ReplyLines : public ReplySource {
+ public:
+  ReplyLines(CUT_WSClient& connection, long seconds)
+      : m_connection(connection),
+        m_nSeconds(seconds),
+        m_nLineTime(static_cast<ULONGLONG>(std::max(seconds, 1L)) * 1000),
+        m_nStart(GetTickCount64()) {}
+
+  int NextLine(char* buffer, size_t size) override {
+    if (IsEndless()) return 0;
+    int count = std::max(m_connection.ReceiveLine(buffer, size, m_nSeconds), 0);
+    if (!IsWhole(buffer, count, size) && m_connection.IsAborted()) {
+      count += ReceiveRest(buffer + count, size - static_cast<size_t>(count));
+    }
+    m_bWhole = IsWhole(buffer, count, size);
+    return count;
+  }
+
+  // False when the last line has not come to its end.
+  bool IsLastWhole() const { return m_bWhole; }
+  bool IsEndless() const { return GetTickCount64() - m_nStart >= kReplyPatience * m_nLineTime; }
+
+ private:
+  static bool IsWhole(const char* buffer, int count, size_t size) {
+    return count > 0 && (buffer[count - 1] == '\n' || static_cast<size_t>(count) + 1 == size);
+  }
+  int ReceiveRest(char* buffer, size_t size) {
+    const ULONGLONG now = GetTickCount64();
+    const ULONGLONG deadline = m_nStart + m_nLineTime;
+    if (now >= deadline) return 0;
+    const auto seconds = static_cast<long>((deadline - now + 999) / 1000);
+    return std::max(m_connection.ReceiveLineDespiteAbort(buffer, size, seconds, deadline), 0);
+  }
+
+  CUT_WSClient& m_connection;
+  long m_nSeconds;
+  ULONGLONG m_nLineTime;  // milliseconds
+  ULONGLONG m_nStart;
+  bool m_bWhole = true;
+};
+
+template <size_t Size>
+void CopyCut(char (&target)[Size], const char* text) {
+  const size_t length = strnlen(text, Size - 1);
+  std::memcpy(target, text, length);
+  target[length] = '\0';
+}
+
+int CopyWhole(const char* text, char* buffer, int size) {
+  const size_t length = std::strlen(text);
+  if (size < 0 || length >= static_cast<size_t>(size)) return kNetBufferTooShort;
+  std::memcpy(buffer, text, length + 1);
+  return kNetSuccess;
+}
+
+}  // namespace
+
+int CUT_FTPClient::GetResponseCode(CUT_WSClient& connection, char* text, int size) {
+  ReplyLines lines(connection, m_data.GetReceiveTimeout() / 1000);
+  const int received = ReadReply(lines, m_szLine, m_replyLines);
+  const int code = lines.IsEndless() ? 0 : received;
+  if (code == 0 || !lines.IsLastWhole()) m_nLateReplyWait = std::max(m_nLateReplyWait, 0);
+  if (code == 0) return 0;
+  CopyCut(m_szLastReply, m_szLine);
+  if (text != nullptr) CopyReplyText(m_szLine, text, size);
+  return code;
+}
+
+// The command is what format makes of text, or empty when it is refused.
+int CUT_FTPClient::CheckText(const char* format, const char* text, char (&command)[kFtpLineSize]) {
+  command[0] = '\0';
+  if (text == nullptr) text = "";
+  if (HasCommandBreak(text)) return kNetBadCharacters;
+  return FormatCommand(command, format, text) ? kNetSuccess : kNetParameterTooLong;
+}
+
+void CUT_FTPClient::SendCommand(const char* command) {
+  ReadLateReplies();
+  Send(command);
+}
+
+int CUT_FTPClient::Ask(const char* command, char* text, int size) {
+  SendCommand(command);
+  return GetResponseCode(*this, text, size);
+}
+
+int CUT_FTPClient::AskWithText(const char* format, const char* text, int lowest, int highest, int failure) {
+  char command[kFtpLineSize];
+  if (const int refused = CheckText(format, text, command)) return refused;
+  return CheckReply(Ask(command), lowest, highest, failure);
+}
+
+// What the server says about an operation that we have given up, it says to nobody.
+void CUT_FTPClient::ReadLateReplies() {
+  if (m_nLateReplyWait < 0) return;
+  if (m_nLateReplyWait > 0) SkipToFinalReply(m_nLateReplyWait);
+  DrainInput();
+  m_nLateReplyWait = -1;
+}
+
+// False when none came, each reply within seconds.
+bool CUT_FTPClient::SkipToFinalReply(long seconds) {
+  for (int i = 0; i < kMaxPreliminaryReplies && WaitForReceive(seconds, 0) == 0; ++i) {
+    const int code = GetResponseCode(*this);
+    if (code < 100 || code > 199) return code != 0;
+  }
+  return false;
+}
+
+int CUT_FTPClient::GetReplyLineCount() {
+  return m_replyLines.GetCount();
+}
+
+const char* CUT_FTPClient::GetReplyLineText(int index) {
+  return m_replyLines.GetString(index);
+}
+
+int CUT_FTPClient::GetReplyLine(int index, char* buffer, int size) {
+  if (buffer == nullptr) return OnError(kNetNullBuffer);
+  const char* const line = GetReplyLineText(index);
+  if (line == nullptr) return OnError(kNetBadIndex);
+  return OnError(CopyWhole(line, buffer, size));
+}
+
+int CUT_FTPClient::GetLastReply(char* buffer, int size) {
+  if (buffer == nullptr) return OnError(kNetNullBuffer);
+  return OnError(CopyWhole(m_szLastReply, buffer, size));
+}
+
+const char* CUT_FTPClient::GetLastReplyText() {
+  return m_szLastReply;
+}
