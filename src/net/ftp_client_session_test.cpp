@@ -126,9 +126,9 @@ TEST_F(FtpSession, WaitsForAReplyAsLongAsTheDataTimeOutSays) {
 }
 
 TEST_F(FtpSession, WaitsThirtySecondsUnlessToldOtherwise) {
-  m_server = std::make_unique<ScriptedServer>(Script{Wait(1500)});
+  m_server = std::make_unique<ScriptedServer>(Script{Wait(500)});
   m_client.SetControlPort(m_server->Port());
-  m_client.waitsAtMost = 1;
+  m_client.isImpatient = true;
   EXPECT_EQ(Connect(), kNetNoResponse);
   EXPECT_EQ(m_client.waits, std::vector<long>{30});
 }

@@ -1,0 +1,240 @@
+#include "net/ftp_test.h"
+#include "support/open_handles.h"
+#include "support/temporary_folder.h"
+
+namespace {
+
+class FtpActive : public FtpTest {
+ protected:
+  static Script Upload() {
+    return {AnswerPort(), Expect("STOR x"), Say("150"), ConnectData(), HearData(), Say("226")};
+  }
+  static Script Download(const std::string& bytes) {
+    return {AnswerPort(),    Expect("RETR x"), Say("150"), ConnectData(),
+            SendData(bytes), CloseData(),      Say("226")};
+  }
+  static ScriptedServer::Step RefusePort(const std::string& reply) {
+    return [reply](ScriptedServer::Stage& stage) {
+      return stage.control.HearLine().rfind("PORT ", 0) == 0 && Say(reply)(stage);
+    };
+  }
+};
+
+TEST_F(FtpActive, MovesFilesBothWays) {
+  LogInTo(Upload() + Download("downwards") + InStep());
+  FakeSource source(std::string(1000, 'x'));
+  EXPECT_EQ(m_client.SendFile(source, "x"), kNetSuccess);
+  EXPECT_EQ(m_client.progress.back(), 1000);
+  EXPECT_EQ(m_client.ReceiveFile(source, "x"), kNetSuccess);
+  EXPECT_EQ(source.bytes, "downwards");
+  EXPECT_EQ(source.openNow, 0);
+  ExpectInStep();
+  EXPECT_EQ(m_server->HeardOnData(), std::string(1000, 'x'));
+}
+
+TEST_F(FtpActive, MovesFilesByName) {
+  const TemporaryFolder folder;
+  WriteFile(folder.Path("file"), "01234");
+  LogInTo(Upload() + Download("fresh") +
+          Script{AnswerPort(), Expect("REST 5"), Say("350"), Expect("RETR x"), Say("150"), ConnectData(),
+                 SendData(" more"), CloseData(), Say("226")} +
+          InStep());
+  const std::string path = folder.Path("file");
+  EXPECT_EQ(m_client.SendFileByName(path.c_str(), "x"), kNetSuccess);
+  EXPECT_EQ(m_client.ReceiveFileByName("x", path.c_str()), kNetSuccess);
+  EXPECT_EQ(ReadFile(path), "fresh");
+  EXPECT_EQ(m_client.ResumeReceiveFileByName("x", path.c_str()), kNetSuccess);
+  EXPECT_EQ(ReadFile(path), "fresh more");
+  ExpectInStep();
+  EXPECT_EQ(m_server->HeardOnData(), "01234");
+}
+
+TEST_F(FtpActive, OffersOnePortAfterTheOther) {
+  Script script;
+  for (int i = 0; i < 4; ++i) script = script + Upload();
+  LogInTo(script + InStep());
+  FakeSource source("x");
+  ASSERT_EQ(m_client.SetNextDataPort(31999), kNetSuccess);
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(m_client.SendFile(source, "x"), kNetSuccess);
+  ExpectInStep();
+  EXPECT_EQ(m_server->OfferedPorts(), (std::vector<int>{31999, 32000, 10000, 10001}));
+}
+
+TEST_F(FtpActive, StartsSomewhereBetweenItsPorts) {
+  LogInTo(Upload() + InStep());
+  FakeSource source("x");
+  EXPECT_EQ(m_client.SendFile(source, "x"), kNetSuccess);
+  ExpectInStep();
+  ASSERT_EQ(m_server->OfferedPorts().size(), 1U);
+  EXPECT_GE(m_server->OfferedPorts()[0], 10000);
+  EXPECT_LE(m_server->OfferedPorts()[0], 30127);
+}
+
+// Every port of [first, first + count) is taken afterwards, by us or by another.
+std::vector<std::unique_ptr<CUT_WSClient>> TakePorts(int first, int count) {
+  std::vector<std::unique_ptr<CUT_WSClient>> takers;
+  for (int port = first; port < first + count; ++port) {
+    takers.push_back(std::make_unique<CUT_WSClient>());
+    takers.back()->Listen(static_cast<std::uint16_t>(port));
+  }
+  return takers;
+}
+
+TEST_F(FtpActive, PassesPortsThatAreTaken) {
+  LogInTo(Upload() + InStep());
+  const auto takers = TakePorts(23456, 127);
+  ASSERT_EQ(m_client.SetNextDataPort(23456), kNetSuccess);
+  FakeSource source("x");
+  EXPECT_EQ(m_client.SendFile(source, "x"), kNetSuccess);
+  ExpectInStep();
+  EXPECT_EQ(m_server->OfferedPorts(), std::vector<int>{23456 + 127});
+}
+
+TEST_F(FtpActive, GivesUpAfter128Ports) {
+  LogInTo(InStep());
+  const auto takers = TakePorts(24567, 128);
+  FakeSource source("x");
+  m_client.SetNextDataPort(24567);
+  EXPECT_EQ(m_client.SendFile(source, "x"), kNetDataConnectionFailed);
+  m_client.SetNextDataPort(24567);
+  EXPECT_EQ(m_client.ReceiveFile(source, "x"), kNetDataConnectionFailed);
+  m_client.SetNextDataPort(24567);
+  EXPECT_EQ(m_client.List(), kNetDataPortNotOpened);
+  EXPECT_TRUE(source.modes.empty());
+  ExpectInStep();
+}
+
+TEST_F(FtpActive, IsRefusedItsPort) {
+  const char* const replies[] = {"150", "350", "425", "500", "x"};
+  Script script;
+  for (const char* reply : replies) {
+    for (int i = 0; i < 3; ++i) script.push_back(RefusePort(reply));
+  }
+  LogInTo(script + InStep());
+  FakeSource source("x");
+  for (const char* reply : replies) {
+    const int code = reply[0] == 'x' ? kNetNoResponse : kNetPortFailed;
+    EXPECT_EQ(m_client.SendFile(source, "x"), code) << reply;
+    EXPECT_EQ(m_client.ReceiveFile(source, "x"), code) << reply;
+    EXPECT_EQ(m_client.List(), code) << reply;
+  }
+  EXPECT_TRUE(source.modes.empty());
+  ExpectInStep();
+}
+
+TEST_F(FtpActive, IsRefusedItsFileAndListensNoMore) {
+  Script script;
+  const char* const replies[] = {"350", "425", "550", "x"};
+  for (const char* reply : replies) {
+    script = script + Script{AnswerPort(),        Expect("RETR x"), Say(reply),          Expect("NOOP"),
+                             ConnectDataInVain(), Say("200 own"),   AnswerPort(),        Expect("STOR x"),
+                             Say(reply),          Expect("NOOP"),   ConnectDataInVain(), Say("200 own")};
+  }
+  LogInTo(script + InStep());
+  FakeSource source("x");
+  for (const char* reply : replies) {
+    EXPECT_EQ(m_client.ReceiveFile(source, "x"), reply[0] == 'x' ? kNetNoResponse : kNetRetrFailed);
+    EXPECT_EQ(m_client.NoOp(), kNetSuccess);
+    EXPECT_EQ(m_client.SendFile(source, "x"), reply[0] == 'x' ? kNetNoResponse : kNetStorFailed);
+    EXPECT_EQ(m_client.NoOp(), kNetSuccess);
+  }
+  ExpectInStep();
+}
+
+TEST_F(FtpActive, IsAbortedBetweenPortAndUpload) {
+  LogInTo(Script{AnswerPort()} + InStep());
+  m_client.aborted = true;
+  FakeSource source("x");
+  EXPECT_EQ(m_client.SendFile(source, "x"), kNetAborted);
+  EXPECT_TRUE(source.modes.empty());
+  m_client.aborted = false;
+  ExpectInStep();
+}
+
+TEST_F(FtpActive, IsAbortedWhileItReceives) {
+  LogInTo(Script{AnswerPort(), Expect("RETR x"), Say("150"), ConnectData(),
+                 SendDataForEver(std::string(1000, 'x')), Say("426")} +
+          InStep());
+  m_client.stopAtBytes = 5000;
+  FakeSource source;
+  EXPECT_EQ(m_client.ReceiveFile(source, "x"), kNetAborted);
+  EXPECT_EQ(source.openNow, 0);
+  ExpectInStep();
+}
+
+TEST_F(FtpActive, DoesNotWaitLongForAServerThatDoesNotCome) {
+  LogInTo(
+      Script{AnswerPort(), Expect("RETR x"), Say("150"), Wait(6500), ConnectDataInVain(), Say("425 cannot")} +
+      InStep());
+  FakeSource source;
+  const Stopwatch watch;
+  EXPECT_EQ(m_client.ReceiveFile(source, "x"), kNetDataConnectionFailed);
+  EXPECT_GE(watch.Elapsed(), 4900U);
+  EXPECT_LT(watch.Elapsed(), 6500U);
+  EXPECT_TRUE(source.modes.empty());
+  ExpectInStep();
+}
+
+TEST_F(FtpActive, ForgetsWhatAServerSaidThatDidNotCome) {
+  LogInTo(Script{AnswerPort(), Expect("STOR x"), Say("150"), Wait(500), Say("425 cannot")} + InStep());
+  FakeSource source("x");
+  EXPECT_EQ(m_client.SendFile(source, "x"), kNetDataConnectionFailed);
+  const Stopwatch watch;
+  ExpectInStep();
+  EXPECT_LT(watch.Elapsed(), 2000U) << "nothing more is due";
+}
+
+TEST_F(FtpActive, TimesOutBetweenChunks) {
+  LogInTo(Script{AnswerPort(), Expect("RETR x"), Say("150"), ConnectData(), SendData("a"), ExpectDataLeft(),
+                 Say("426")} +
+          InStep());
+  FakeSource source;
+  const Stopwatch watch;
+  EXPECT_EQ(m_client.ReceiveFile(source, "x"), kNetTimedOut);
+  EXPECT_GE(watch.Elapsed(), 4900U);
+  EXPECT_LT(watch.Elapsed(), 7000U);
+  EXPECT_EQ(source.bytes, "a");
+  EXPECT_EQ(source.openNow, 0);
+  ExpectInStep();
+}
+
+TEST_F(FtpActive, ResumesOrStartsAnew) {
+  LogInTo(Script{AnswerPort(), Expect("REST 3"), Say("502"), AnswerPort(), Expect("RETR x"), Say("150"),
+                 ConnectData(), SendData("new"), CloseData(), Say("226")} +
+          InStep());
+  FakeSource source("old");
+  EXPECT_EQ(m_client.ResumeReceiveFile(source, "x"), kNetRestRefused);
+  EXPECT_EQ(source.bytes, "old");
+  source.refusedMode = kSourceRead;
+  EXPECT_EQ(m_client.ResumeReceiveFile(source, "x"), kNetSuccess);
+  EXPECT_EQ(source.bytes, "new");
+  EXPECT_EQ(source.modes, (std::vector<int>{kSourceRead, kSourceRead, kSourceWrite}));
+  ExpectInStep();
+}
+
+TEST_F(FtpActive, LeavesNoSocketOpen) {
+  Script script;
+  for (int i = 0; i < 4; ++i) {
+    script = script + Upload() + Download("y") +
+             Script{RefusePort("500"), AnswerPort(), Expect("RETR x"), Say("550")};
+  }
+  const auto cycle = [&] {
+    LogInTo(script + InStep());
+    FakeSource source("x");
+    for (int i = 0; i < 4; ++i) {
+      EXPECT_EQ(m_client.SendFile(source, "x"), kNetSuccess);
+      EXPECT_EQ(m_client.ReceiveFile(source, "x"), kNetSuccess);
+      EXPECT_EQ(m_client.SendFile(source, "x"), kNetPortFailed);
+      EXPECT_EQ(m_client.ReceiveFile(source, "x"), kNetRetrFailed);
+    }
+    ExpectInStep();
+    m_server.reset();
+  };
+  cycle();
+  const int before = CountOpenHandles();
+  cycle();
+  cycle();
+  EXPECT_EQ(CountOpenHandles(), before);
+}
+
+}  // namespace

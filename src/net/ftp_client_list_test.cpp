@@ -1,0 +1,190 @@
+#include "net/ftp_test.h"
+
+namespace {
+
+class FtpList : public FtpTest {
+ protected:
+  static Script Passive(const std::string& lines) {
+    return {AnswerPasv(), Expect("LIST"), AcceptData(), Say("150"), SendData(lines), CloseData(), Say("226")};
+  }
+  FtpDirEntry Entry(int index) {
+    FtpDirEntry entry;
+    EXPECT_EQ(m_client.GetDirEntry(index, entry), kNetSuccess) << index;
+    return entry;
+  }
+  std::vector<std::string> Names() {
+    std::vector<std::string> names;
+    for (int i = 0; i < m_client.GetDirEntryCount(); ++i) names.emplace_back(Entry(i).name);
+    return names;
+  }
+  using Texts = std::vector<std::string>;
+};
+
+constexpr char kListing[] =
+    "total 12\r\n"
+    "drwxr-xr-x   2 ann      users        4096 Mar 07 2005 tiles\r\n"
+    "-rw-r--r--   1 ann      users        4321 Feb 29 2004 a b.txt\r\n"
+    "total 13\r\n"
+    "12-31-99  11:59PM                 77 old.txt\r\n"
+    "01-02-05  09:05AM       <DIR>          new\r\n";
+
+TEST_F(FtpList, ParsesBothStyles) {
+  LogInTo(Passive(kListing) + InStep());
+  m_client.SetPassive(true);
+  EXPECT_EQ(m_client.List(), kNetSuccess);
+  ASSERT_EQ(m_client.GetDirEntryCount(), 5);
+  EXPECT_EQ(Entry(0).directory, 1);
+  EXPECT_STREQ(Entry(0).name, "tiles");
+  EXPECT_EQ(Entry(1).size, 4321);
+  EXPECT_STREQ(Entry(1).name, "a b.txt");
+  EXPECT_EQ(Entry(1).day, 29);
+  EXPECT_EQ(Entry(1).month, 2);
+  EXPECT_EQ(Entry(1).year, 2004);
+  EXPECT_STREQ(Entry(3).name, "old.txt");
+  EXPECT_EQ(Entry(3).year, 1999);
+  EXPECT_EQ(Entry(3).hour, 23);
+  EXPECT_EQ(Entry(4).year, 2005);
+  EXPECT_EQ(Entry(4).directory, 1);
+  EXPECT_EQ(Entry(4).next, nullptr);
+  ExpectInStep();
+}
+
+TEST_F(FtpList, TakesTheCurrentYearForATime) {
+  SYSTEMTIME now;
+  GetLocalTime(&now);
+  LogInTo(Passive("-rw-r--r-- 1 ann users 1 Mar 07 14:05 x\r\n") + InStep());
+  m_client.SetPassive(true);
+  EXPECT_EQ(m_client.List(), kNetSuccess);
+  EXPECT_EQ(Entry(0).year, now.wYear);
+  EXPECT_EQ(Entry(0).hour, 14);
+  ExpectInStep();
+}
+
+TEST_F(FtpList, WorksInActiveMode) {
+  LogInTo(Script{AnswerPort(), Expect("LIST"), ConnectData(), Say("150"), SendData(kListing), CloseData(),
+                 Say("226")} +
+          InStep());
+  EXPECT_EQ(m_client.List(), kNetSuccess);
+  EXPECT_EQ(Names(), (Texts{"tiles", "a b.txt", "", "old.txt", "new"}));
+  ExpectInStep();
+}
+
+TEST_F(FtpList, ReplacesTheEntries) {
+  LogInTo(Passive(kListing) + Passive("") + Passive("12-31-99  11:59PM 77 z") + InStep());
+  EXPECT_EQ(m_client.ListPassive(), kNetSuccess) << "whatever the mode";
+  EXPECT_EQ(m_client.GetDirEntryCount(), 5);
+  EXPECT_EQ(m_client.ListPassive(), kNetSuccess);
+  EXPECT_EQ(m_client.GetDirEntryCount(), 0);
+  EXPECT_EQ(m_client.ListPassive(), kNetSuccess);
+  EXPECT_EQ(Names(), Texts{"z"}) << "even without a line end";
+  FtpDirEntry entry;
+  EXPECT_EQ(m_client.GetDirEntry(1, entry), kNetBadIndex);
+  EXPECT_EQ(m_client.GetDirEntry(-1, entry), kNetBadIndex);
+  m_client.ClearDirList();
+  EXPECT_EQ(m_client.GetDirEntry(0, entry), kNetBadIndex);
+  ExpectInStep();
+}
+
+TEST_F(FtpList, KeepsLinesThatItDoesNotUnderstand) {
+  LogInTo(Passive("TOTALLY new\r\nTotal again\r\n\r\n;\r\nx\ny\r\n") + InStep());
+  EXPECT_EQ(m_client.ListPassive(), kNetSuccess);
+  EXPECT_EQ(m_client.GetDirEntryCount(), 5) << "only the first total is skipped";
+  ExpectInStep();
+}
+
+TEST_F(FtpList, MakesOneEntryOfALongLine) {
+  const std::string name(5000, 'n');
+  LogInTo(Passive("12-31-99  11:59PM 77 " + name + "\r\n12-31-99  11:59PM 78 next\r\n") + InStep());
+  EXPECT_EQ(m_client.ListPassive(), kNetSuccess);
+  ASSERT_EQ(m_client.GetDirEntryCount(), 2);
+  EXPECT_EQ(Entry(0).name, name.substr(0, 260 - 21));
+  EXPECT_STREQ(Entry(1).name, "next");
+  ExpectInStep();
+}
+
+TEST_F(FtpList, JudgesTheFinalReplies) {
+  const struct {
+    std::vector<std::string> replies;
+    int code;
+  } cases[] = {{{"226 x"}, 0},           {{"299 x"}, 0},
+               {{"300 x"}, 50},          {{"426 x"}, 50},
+               {{"550 x"}, 50},          {{"150 x", "226 x"}, 0},
+               {{"150 x", "350 x"}, 50}, {{"150 x", "426 x"}, 50},
+               {{"150 x", "150 y"}, 50}, {{"x"}, 38},
+               {{"150 x", "y"}, 38}};
+  Script script;
+  for (const auto& last : cases) {
+    script = script + Script{AnswerPasv(), Expect("LIST"), AcceptData(), Say("150"), CloseData()};
+    for (const std::string& reply : last.replies) script.push_back(Say(reply));
+  }
+  LogInTo(script + InStep());
+  for (const auto& last : cases) EXPECT_EQ(m_client.ListPassive(), last.code) << last.replies[0];
+  ExpectInStep();
+}
+
+TEST_F(FtpList, IsAbortedBetweenLines) {
+  const Script endless = {AnswerPasv(), Expect("LIST"), AcceptData(), Say("150")};
+  LogInTo(endless + Script{SendDataForEver("12-31-99  11:59PM 77 z\r\n"), Say("426")} + endless +
+          Script{SendDataForEver(std::string(1000, 'x')), Say("426")} + InStep());
+  m_client.abortAfterQuestions = m_client.abortQuestions + 200;
+  EXPECT_EQ(m_client.ListPassive(), kNetAborted);
+  EXPECT_GT(m_client.GetDirEntryCount(), 100);
+  m_client.abortAfterQuestions = m_client.abortQuestions + 200;
+  EXPECT_EQ(m_client.ListPassive(), kNetAborted) << "a line without end";
+  EXPECT_EQ(m_client.GetDirEntryCount(), 1);
+  m_client.abortAfterQuestions = std::numeric_limits<int>::max();
+  ExpectInStep();
+}
+
+TEST_F(FtpList, IsAbortedBeforeTheFirstLine) {
+  LogInTo(Script{AnswerPasv(), Expect("LIST"), AcceptData(), Say("150"), SendData("x\r\n"), ExpectDataLeft(),
+                 Say("426")} +
+          InStep());
+  m_client.aborted = true;
+  EXPECT_EQ(m_client.ListPassive(), kNetAborted);
+  EXPECT_EQ(m_client.GetDirEntryCount(), 0);
+  m_client.aborted = false;
+  ExpectInStep();
+}
+
+TEST_F(FtpList, EndsWithTheReceiveTimeOutOnASilentDataConnection) {
+  LogInTo(Script{AnswerPasv(), Expect("LIST"), AcceptData(), Say("150"), SendData("x\r\nhal"),
+                 ExpectDataLeft(), Say("426 slow")} +
+          InStep());
+  m_client.SetDataTimeouts(2000, 2000);
+  const Stopwatch watch;
+  EXPECT_EQ(m_client.ListPassive(), kNetListFailed);
+  EXPECT_LT(watch.Elapsed(), 5000U);
+  EXPECT_EQ(m_client.GetDirEntryCount(), 2);
+  ExpectInStep();
+}
+
+TEST_F(FtpList, ReportsAConnectionThatIsReset) {
+  LogInTo(Script{AnswerPasv(), Expect("LIST"), AcceptData(), Say("150"), SendData("x\r\n"), Wait(300),
+                 ResetData(), Say("426 reset")} +
+          InStep());
+  EXPECT_EQ(m_client.ListPassive(), kNetListFailed);
+  ExpectInStep();
+}
+
+TEST_F(FtpList, JudgesThePreliminaryReplyInActiveMode) {
+  Script script;
+  for (const char* reply : {"350", "450", "550", "x"}) {
+    script = script + Script{AnswerPort(), Expect("LIST"), ConnectData(), Say(reply), ExpectDataLeft()};
+  }
+  LogInTo(script + InStep());
+  for (int code : {14, 14, 14, 38}) EXPECT_EQ(m_client.List(), code);
+  ExpectInStep();
+}
+
+TEST_F(FtpList, WaitsFifteenSecondsForAServerThatDoesNotCome) {
+  LogInTo(Script{AnswerPort(), Expect("LIST"), Say("450 no such folder")} + InStep());
+  Stopwatch watch;
+  EXPECT_EQ(m_client.List(), kNetDataConnectionFailed);
+  EXPECT_GE(watch.Elapsed(), 14900U);
+  EXPECT_LT(watch.Elapsed(), 17000U);
+  EXPECT_STREQ(m_client.GetLastReplyText(), "450 no such folder");
+  ExpectInStep();
+}
+
+}  // namespace
