@@ -37,20 +37,18 @@ void CUT_FTPClient::SetDataTimeouts(std::int32_t receiveMilliseconds, std::int32
 }
 
 int CUT_FTPClient::FTPConnect(const char* host, const char* user, const char* password, const char* account) {
-  char command[kFtpLineSize];
-  const struct {
-    const char* format;
-    const char* text;
-  } texts[] = {{kUserCommand, user}, {kPassCommand, password}, {kAcctCommand, account}};
-  for (const auto& [format, text] : texts) {
-    if (const int refused = CheckText(format, text, command)) return OnError(refused);
+  LoginCommands commands;
+  for (const int refused :
+       {CheckText("USER %s\r\n", user, commands.user), CheckText("PASS %s\r\n", password, commands.password),
+        CheckText("ACCT %s\r\n", account, commands.account)}) {
+    if (refused != kNetSuccess) return OnError(refused);
   }
   FTPClose();
   m_replyLines.Clear();
   m_szLastReply[0] = '\0';
   const int connected = Connect(static_cast<std::uint16_t>(m_nControlPort), host, m_nConnectTimeout);
   if (connected != kNetSuccess) return OnError(connected);
-  if (const int refused = LogIn(user, password, account)) return OnError(refused);
+  if (const int refused = LogIn(commands)) return OnError(refused);
 
   // A server that refuses one of these can still be worked with.
   SetTransferType(0);
@@ -66,17 +64,15 @@ int CUT_FTPClient::OnSocketConnected(SOCKET /*socket*/, const char* /*remoteAddr
   return OnError(IsAborted() ? kNetAborted : kNetSuccess);
 }
 
-int CUT_FTPClient::LogIn(const char* user, const char* password, const char* account) {
+// The next step is taken only when the server asks for it with a reply of the third class.
+int CUT_FTPClient::LogIn(const LoginCommands& commands) {
   const struct {
-    const char* format;
-    const char* text;
+    const char* command;
     int failure;
-  } steps[] = {{kUserCommand, user, kNetUserRefused},
-               {kPassCommand, password, kNetPassRefused},
-               {kAcctCommand, account, kNetAcctRefused}};
-  for (const auto& [format, text, failure] : steps) {
-    char command[kFtpLineSize];
-    if (const int refused = CheckText(format, text, command)) return refused;
+  } steps[] = {{commands.user, kNetUserRefused},
+               {commands.password, kNetPassRefused},
+               {commands.account, kNetAcctRefused}};
+  for (const auto& [command, failure] : steps) {
     const int reply = Ask(command);
     if (const int refused = CheckReply(reply, 200, 399, failure)) return refused;
     if (reply < 300) break;

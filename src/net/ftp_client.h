@@ -125,7 +125,13 @@ class CUT_FTPClient : public CUT_WSClient {
     std::uint16_t port = 0;
   };
 
-  int CheckText(const char* format, const char* text, char (&command)[kFtpLineSize]);
+  struct LoginCommands {
+    char user[kFtpLineSize];
+    char password[kFtpLineSize];
+    char account[kFtpLineSize];
+  };
+
+  static int CheckText(const char* format, const char* text, char (&command)[kFtpLineSize]);
   void SendCommand(const char* command);
   int Ask(const char* command, char* text = nullptr, int size = 0);
   int AskWithText(const char* format, const char* text, int lowest, int highest, int failure);
@@ -133,7 +139,7 @@ class CUT_FTPClient : public CUT_WSClient {
   void ReadLateReplies();
   bool SkipToFinalReply(long seconds);
 
-  int LogIn(const char* user, const char* password, const char* account);
+  int LogIn(const LoginCommands& commands);
 
   int OfferDataPort(int noPortCode);
   int ListenOnDataPort(int noPortCode);

@@ -1,4 +1,4 @@
-// What the parts of the FTP client share: numbers, commands with a text, and how a reply is judged.
+// What the parts of the FTP client share: commands, numbers, and how a reply is judged.
 #ifndef MOSAICON_NET_FTP_CLIENT_RULES_H_
 #define MOSAICON_NET_FTP_CLIENT_RULES_H_
 
@@ -6,9 +6,6 @@
 
 #include "net/error_codes.h"
 
-inline constexpr char kUserCommand[] = "USER %s\r\n";
-inline constexpr char kPassCommand[] = "PASS %s\r\n";
-inline constexpr char kAcctCommand[] = "ACCT %s\r\n";
 inline constexpr char kRetrCommand[] = "RETR %s\r\n";
 inline constexpr char kStorCommand[] = "STOR %s\r\n";
 

@@ -79,7 +79,7 @@ class CUT_WSClient : public CUT_Socket {
   virtual int ReceiveFileByName(const char* fileName, int mode, long seconds);
   // One line with its line feed, see line_reader.h. The bytes placed.
   virtual int ReceiveLine(char* buffer, size_t size, long seconds);
-  // Receives and forgets what has arrived, at most 16 MiB. Always 0.
+  // Receives and forgets what has arrived, at most 1 MiB. Always 0.
   virtual int DrainInput();
   // length is replaced by the number of bytes received. What is sent next goes to their sender.
   virtual int ReceiveDatagram(char* buffer, int& length, long seconds);

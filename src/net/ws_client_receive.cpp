@@ -12,8 +12,8 @@
 namespace {
 
 constexpr long kReceiveChunk = 256;
-// 16 MiB: a peer that sends for ever must not keep us.
-constexpr int kMaxDrainedChunks = 65536;
+// 1 MiB: a peer that sends for ever must not keep us.
+constexpr int kMaxDrainedChunks = 4096;
 
 }  // namespace
 

@@ -181,4 +181,16 @@ TEST_F(Text, IsDrainedWithoutWaiting) {
   EXPECT_EQ(m_client.DrainInput(), kNetSuccess);
 }
 
+TEST_F(Text, IsNotDrainedForEver) {
+  std::thread peer([&] {
+    while (m_peer.Say(std::string(100000, 'x'))) {
+    }
+  });
+  const ULONGLONG start = GetTickCount64();
+  EXPECT_EQ(m_client.DrainInput(), kNetSuccess);
+  EXPECT_LT(GetTickCount64() - start, 15000U);
+  m_client.CloseConnection();
+  peer.join();
+}
+
 }  // namespace

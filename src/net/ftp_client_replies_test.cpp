@@ -1,0 +1,123 @@
+#include "net/ftp_test.h"
+
+namespace {
+
+using FtpReplies = FtpTest;
+
+TEST_F(FtpReplies, DoNotTakeALateReplyForTheirOwn) {
+  LogInTo(Script{Expect("CDUP"), Wait(1300), Say("250 late"), Expect("NOOP"), Say("200 own")} + InStep());
+  m_client.SetDataTimeouts(1000, 1000);
+  EXPECT_EQ(m_client.CdUp(), kNetNoResponse);
+  m_client.SetDataTimeouts(5000, 1000);
+  Sleep(800);
+  EXPECT_EQ(m_client.NoOp(), kNetSuccess);
+  EXPECT_STREQ(m_client.GetLastReplyText(), "200 own");
+  ExpectInStep();
+}
+
+TEST_F(FtpReplies, TakeHalfALineForWhatItSays) {
+  LogInTo(Script{Expect("CDUP"), SayRaw("250 ha"), Wait(1300), SayRaw("lf\r\n"), Expect("CDUP"), SayRaw("25"),
+                 Wait(1300), SayRaw("0\r\n"), Expect("CDUP"), SayRaw("550 no line end"), Close()});
+  m_client.SetDataTimeouts(1000, 1000);
+  EXPECT_EQ(m_client.CdUp(), kNetSuccess);
+  EXPECT_STREQ(m_client.GetLastReplyText(), "250 ha");
+  Sleep(800);
+  EXPECT_EQ(m_client.CdUp(), kNetDenied) << "a code of 25";
+  Sleep(800);
+  EXPECT_EQ(m_client.CdUp(), kNetDenied) << "and what followed was forgotten";
+  EXPECT_STREQ(m_client.GetLastReplyText(), "550 no line end");
+  ExpectPlayed();
+}
+
+TEST_F(FtpReplies, ReadTheirReplyDespiteAnAbort) {
+  LogInTo(Script{Expect("CDUP"), Wait(200), SayRaw("25"), Wait(200), SayRaw("0 done\r\n")} + InStep());
+  m_client.aborted = true;
+  EXPECT_EQ(m_client.CdUp(), kNetSuccess);
+  m_client.aborted = false;
+  ExpectInStep();
+}
+
+TEST_F(FtpReplies, DoNotWaitForEverOnceAborted) {
+  LogInTo(Script{Expect("CDUP"), SayForEver("2")});
+  m_client.SetDataTimeouts(1000, 1000);
+  m_client.aborted = true;
+  const Stopwatch watch;
+  m_client.CdUp();
+  EXPECT_LT(watch.Elapsed(), 5000U);
+  ExpectPlayed();
+}
+
+TEST_F(FtpReplies, SurviveALineOfTenMegabytes) {
+  const std::string line = "250 " + std::string(10 << 20, 'x');
+  LogInTo(Script{Expect("CDUP"), Say(line), Expect("CDUP"), Say("250-" + std::string(100000, '-')),
+                 Say("250 end")} +
+          InStep());
+  m_client.SetDataTimeouts(30000, 5000);
+  EXPECT_EQ(m_client.CdUp(), kNetSuccess);
+  EXPECT_EQ(m_client.GetLastReplyText(), line.substr(0, 259));
+  EXPECT_EQ(m_client.CdUp(), kNetSuccess);
+  EXPECT_STREQ(m_client.GetLastReplyText(), "250 end");
+  ExpectInStep();
+}
+
+TEST_F(FtpReplies, GiveUpAReplyWithoutEnd) {
+  for (const char* endless : {"250-more\r\n", "x"}) {
+    LogInTo({Expect("CDUP"), SayRaw("250-"), SayForEver(std::string(1000, '#') + endless)});
+    m_client.SetDataTimeouts(1000, 5000);
+    const Stopwatch watch;
+    EXPECT_EQ(m_client.CdUp(), kNetNoResponse);
+    EXPECT_LT(watch.Elapsed(), 8000U);
+    ExpectPlayed();
+  }
+}
+
+TEST_F(FtpReplies, UnderstandThreeDigitsOnly) {
+  LogInTo(Script{Expect("CDUP"), Say("250"), Expect("CDUP"), SayRaw("550\n"), Expect("CDUP"), Say("25")} +
+          InStep());
+  EXPECT_EQ(m_client.CdUp(), kNetSuccess);
+  EXPECT_EQ(m_client.CdUp(), kNetDenied);
+  EXPECT_EQ(m_client.CdUp(), kNetDenied);
+  ExpectInStep();
+}
+
+TEST_F(FtpReplies, TakeALineWithoutACodeForNoReply) {
+  LogInTo(Script{Expect("CDUP"), Say("done"), Expect("CDUP"), Say(""), Expect("CDUP"), Say(" 250 done")} +
+          InStep());
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(m_client.CdUp(), kNetNoResponse);
+  ExpectInStep();
+}
+
+TEST_F(FtpReplies, KeepTheLinesOfTheReply) {
+  LogInTo(Script{Expect("HELP"), Say("214-Commands"), Say(" USER"), Say("214 end"), Expect("HELP x"),
+                 Say("214 one")} +
+          InStep());
+  char buffer[16];
+  EXPECT_EQ(m_client.Help(""), kNetSuccess);
+  ASSERT_EQ(m_client.GetReplyLineCount(), 3);
+  EXPECT_EQ(m_client.GetReplyLine(1, buffer, 6), kNetSuccess);
+  EXPECT_STREQ(buffer, " USER");
+  EXPECT_EQ(m_client.GetReplyLine(1, buffer, 5), kNetBufferTooShort);
+  EXPECT_EQ(m_client.GetReplyLine(1, buffer, -1), kNetBufferTooShort);
+  EXPECT_EQ(m_client.GetReplyLine(1, nullptr, 6), kNetNullBuffer);
+  EXPECT_EQ(m_client.GetReplyLine(3, buffer, 6), kNetBadIndex);
+  EXPECT_EQ(m_client.GetLastReply(buffer, sizeof buffer), kNetSuccess);
+  EXPECT_STREQ(buffer, "214 end");
+  EXPECT_EQ(m_client.GetLastReply(buffer, 7), kNetBufferTooShort);
+  EXPECT_EQ(m_client.GetLastReply(nullptr, 7), kNetNullBuffer);
+  EXPECT_EQ(m_client.Help("x"), kNetSuccess);
+  EXPECT_EQ(m_client.GetReplyLineCount(), 1);
+  EXPECT_EQ(m_client.NoOp(), kNetSuccess);
+  EXPECT_EQ(m_client.GetReplyLineCount(), 2) << "a single line is added";
+  ExpectPlayed();
+}
+
+TEST_F(FtpReplies, CutTheReplyTextOneCharacterEarly) {
+  LogInTo(Script{Say("250 0123456789")} + InStep());
+  char text[11] = "##########";
+  EXPECT_EQ(m_client.GetResponseCode(m_client, text, 8), 250);
+  EXPECT_STREQ(text, "012345");
+  EXPECT_EQ(text[8], '#');
+  ExpectInStep();
+}
+
+}  // namespace
