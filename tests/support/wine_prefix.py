@@ -20,7 +20,7 @@ class WinePrefix:
         os.environ["WINEPREFIX"] = str(self.path)
         self.empty()
         shutil.copytree(original, self.path, symlinks=True, dirs_exist_ok=True,
-                        copy_function=link_or_copy_registry)
+                        ignore=temporary_files, copy_function=link_or_copy_registry)
 
     def empty(self):
         """With all that still runs in it. The folder itself stays: it is the lock."""
@@ -36,6 +36,11 @@ class WinePrefix:
     def close(self):
         self.empty()
         os.close(self._lock)
+
+
+def temporary_files(folder, names):
+    """Other users of the original make and remove them while it is copied."""
+    return names if os.path.basename(folder) == "Temp" else []
 
 
 def link_or_copy(source, target):
