@@ -1,4 +1,6 @@
 // The About box and the user's data.
+#include <algorithm>
+
 #include "ui/mosaicon_fixture.h"
 
 namespace {
@@ -73,6 +75,19 @@ TEST_F(About, IsOpenedByButtonAndSystemMenu) {
   ASSERT_NE(FileVersionOf(StageProgram()), "");
   ExpectAbout(OpenAbout());
   Item(IDC_ABOUT).Click();
+  ExpectAbout(Running().WaitFor(kAboutTitle));
+}
+
+// Texts of menus cannot be read from outside, but entries can be chosen: upwards from the top is the last.
+TEST_F(About, IsTheLastEntryOfTheSystemMenu) {
+  Main().Post(WM_SYSCOMMAND, SC_KEYMENU, ' ');
+  ASSERT_TRUE(WaitUntil([this] {
+    const auto windows = Running().Windows();
+    return std::any_of(windows.begin(), windows.end(),
+                       [](const Window& window) { return window.ClassName() == "#32768"; });
+  }));
+  Main().PressKey(VK_UP);
+  Main().PressKey(VK_RETURN);
   ExpectAbout(Running().WaitFor(kAboutTitle));
 }
 

@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <utility>
 
 #include "resources/resource.h"
 #include "ui/message_box.h"
@@ -58,6 +59,7 @@ class Drive {
   bool TakeReport();
   bool Leave();
   bool Photograph(const Window& window, const char* name);
+  bool Keep(const Picture& picture, const char* name);
   bool Fail(const std::string& what) const;
 
   const Arguments& m_arguments;
@@ -114,27 +116,29 @@ bool Drive::FillInForm() {
   return cancel.IsEnabled() || Fail("the job did not start");
 }
 
-// The first picture is a safe one, in case that the job is done soon; the second shows more.
+// The first picture is a safe one, in case that the job is done soon; the second shows more. The window is
+// never still meanwhile.
 bool Drive::WatchJob() {
   const Window label = m_main.Item(IDC_PROGRESS_LABEL);
   const Window progress = m_main.Item(IDC_PROGRESS);
-  bool pictured = false;
-  bool picturedWell = false;
+  Picture picture;
+  bool showsMore = false;
   WaitUntil(
       [&] {
+        const bool tiling = label.Text().starts_with("Process ");
+        const bool isFar = tiling && progress.Send(PBM_GETPOS) >= kWorthAPicture;
+        Picture now;
+        if (tiling && (picture.pixels.empty() || (isFar && !showsMore))) now = TakePicture(m_main.Place());
         m_report = m_program.Find(kReportTitle);
         if (m_report || FindMessageBox(m_program) || !m_program.IsRunning()) return true;
-        const bool tiling = label.Text().starts_with("Process ");
-        const bool well = tiling && progress.Send(PBM_GETPOS) >= kWorthAPicture;
-        if ((tiling && !pictured) || (well && !picturedWell)) {
-          pictured = Photograph(m_main, "window-working.png");
-          picturedWell = pictured && well;
-        }
+        if (now.pixels.empty()) return false;
+        picture = std::move(now);
+        showsMore = isFar;
         return false;
       },
       kJobPatience);
   if (!m_report) return Fail("the job came to no report");
-  return pictured || Fail("no picture of the working window could be taken");
+  return Keep(picture, "window-working.png") || Fail("no picture of the working window could be taken");
 }
 
 bool Drive::TakeReport() {
@@ -161,7 +165,11 @@ bool Drive::Leave() {
 }
 
 bool Drive::Photograph(const Window& window, const char* name) {
-  return SavePng(TakePictureWhenStill(window.Handle()), m_arguments.pictureFolder + "\\" + name);
+  return Keep(TakePictureWhenStill(window.Handle()), name);
+}
+
+bool Drive::Keep(const Picture& picture, const char* name) {
+  return SavePng(picture, m_arguments.pictureFolder + "\\" + name);
 }
 
 }  // namespace
