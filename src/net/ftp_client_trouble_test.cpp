@@ -74,8 +74,8 @@ TEST_F(FtpTrouble, ReportsADataPortThatIsRefused) {
 }
 
 TEST_F(FtpTrouble, WaitsForASlowServer) {
-  LogInTo(Script{AnswerPasv(), Expect("RETR x"), Wait(700), AcceptData(), Wait(700), Say("150"), Wait(700),
-                 SendData("a"), Wait(700), SendData("b"), Wait(700), CloseData(), Wait(700), Say("226")} +
+  LogInTo(Script{AnswerPasv(), Expect("RETR x"), Wait(300), AcceptData(), Wait(300), Say("150"), Wait(300),
+                 SendData("a"), Wait(300), SendData("b"), Wait(300), CloseData(), Wait(300), Say("226")} +
           InStep());
   FakeSource source;
   EXPECT_EQ(m_client.ReceiveFile(source, "x"), kNetSuccess);
@@ -99,7 +99,7 @@ TEST_F(FtpTrouble, ReportsAConnectionThatIsReset) {
 
 TEST_F(FtpTrouble, EndsWithItsTimeOutsOnASilentDataConnection) {
   LogInTo(Script{AnswerPasv(), Expect("RETR x"), AcceptData(), Say("150"), SendData("a"), ExpectDataLeft(),
-                 Say("426"), AnswerPasv(), Expect("STOR x"), AcceptData(), Say("150"), Wait(4000),
+                 Say("426"), AnswerPasv(), Expect("STOR x"), AcceptData(), Say("150"), Wait(2500),
                  CloseData(), Say("426")} +
           InStep());
   m_client.SetDataTimeouts(3000, 1000);
@@ -128,6 +128,23 @@ TEST_F(FtpTrouble, IsAbortedWhateverTheServerSends) {
   EXPECT_EQ(source.openNow, 0);
   m_client.abortAfterQuestions = std::numeric_limits<int>::max();
   ExpectInStep();
+}
+
+TEST_F(FtpTrouble, IsAbortedAlsoWhenTheHooksGoOn) {
+  LogInTo(Script{AnswerPasv(), Expect("RETR x"), AcceptData(), Say("150"), SendData(std::string(99999, 'x')),
+                 ExpectDataLeft(), Say("426"), AnswerPasv(), Expect("STOR x"), AcceptData(), Say("150"),
+                 HearData(), Say("226")} +
+          InStep());
+  m_client.hooksGoOn = true;
+  FakeSource source;
+  m_client.abortAfterQuestions = m_client.abortQuestions + 50;
+  EXPECT_EQ(m_client.ReceiveFile(source, "x"), kNetAborted);
+  source.bytes.assign(99999, 'x');
+  m_client.abortAfterQuestions = m_client.abortQuestions + 50;
+  EXPECT_EQ(m_client.SendFile(source, "x"), kNetAborted);
+  m_client.abortAfterQuestions = std::numeric_limits<int>::max();
+  ExpectInStep();
+  EXPECT_LT(m_server->HeardOnData().size(), 50000U);
 }
 
 TEST_F(FtpTrouble, IsAbortedBeforeTheCommand) {

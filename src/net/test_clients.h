@@ -23,11 +23,11 @@ class Watched : public Base {
   }
   int OnReceiveProgress(long bytes) override {
     progress.push_back(bytes);
-    return bytes < stopAtBytes && Base::OnReceiveProgress(bytes) != 0;
+    return bytes < stopAtBytes && (hooksGoOn || Base::OnReceiveProgress(bytes) != 0);
   }
   int OnSendProgress(long bytes) override {
     progress.push_back(bytes);
-    return bytes < stopAtBytes && Base::OnSendProgress(bytes) != 0;
+    return bytes < stopAtBytes && (hooksGoOn || Base::OnSendProgress(bytes) != 0);
   }
   int IsAborted() override {
     const int asked = ++abortQuestions;
@@ -39,6 +39,7 @@ class Watched : public Base {
   std::vector<int> codes;
   std::vector<long> progress;
   long stopAtBytes = std::numeric_limits<long>::max();
+  bool hooksGoOn = false;  // whatever IsAborted says
   std::atomic<bool> aborted = false;
   int abortQuestions = 0;
   int abortAfterQuestions = std::numeric_limits<int>::max();
