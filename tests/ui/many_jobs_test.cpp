@@ -8,9 +8,9 @@ namespace {
 
 // Of the script's input and output, which stay open by design: each run makes them anew.
 constexpr int kPipeHandlesOfAJob = 4;
-// A job gives seven buttons their icons, at its start and at its end, and Wine's buttons lose three bitmaps
-// whenever they are given one.
-constexpr int kBitmapsThatWineLoses = 2 * 7 * 3;
+// A job gives three buttons another icon, at its start and at its end, and Wine's buttons lose three
+// bitmaps whenever they are given one.
+constexpr int kBitmapsThatWineLoses = 2 * 3 * 3;
 constexpr double kMemoryBound = 8;  // MB, for eight jobs
 
 class ManyJobs : public MosaiconTest {
