@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "mfc/app.h"
+#include "mfc/com_pointer.h"
 
 namespace {
 
@@ -14,24 +15,7 @@ constexpr UINT kNavigateArguments = 5;
 
 using GetControlFunction = HRESULT(WINAPI*)(HWND, IUnknown**);
 
-// Releases a COM pointer.
-template <class Interface>
-class ComPointer {
- public:
-  ComPointer() = default;
-  ~ComPointer() {
-    if (m_p != nullptr) m_p->Release();
-  }
-  ComPointer(const ComPointer&) = delete;
-  ComPointer& operator=(const ComPointer&) = delete;
-
-  Interface** Receive() { return &m_p; }
-  Interface* operator->() const { return m_p; }
-  explicit operator bool() const { return m_p != nullptr; }
-
- private:
-  Interface* m_p = nullptr;
-};
+using afx::ComPointer;
 
 BSTR MakeWideText(const std::string& text) {
   std::vector<wchar_t> wide(text.size() + 1);
@@ -39,13 +23,16 @@ BSTR MakeWideText(const std::string& text) {
   return SysAllocString(wide.data());
 }
 
-// The automation interface of the control in a host window.
-bool GetControl(HWND host, ComPointer<IDispatch>& control) {
+// The automation interface of the control in a host window; null when there is none.
+ComPointer<IDispatch> GetControl(HWND host) {
   const auto getControl = reinterpret_cast<GetControlFunction>(
       reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("atl.dll"), "AtlAxGetControl")));
-  ComPointer<IUnknown> unknown;
-  if (getControl == nullptr || FAILED(getControl(host, unknown.Receive())) || !unknown) return false;
-  return SUCCEEDED(unknown->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(control.Receive())));
+  IUnknown* unknown = nullptr;
+  if (getControl == nullptr || FAILED(getControl(host, &unknown)) || unknown == nullptr) return nullptr;
+  const ComPointer<IUnknown> owned(unknown);
+  IDispatch* control = nullptr;
+  if (FAILED(owned->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&control)))) return nullptr;
+  return ComPointer<IDispatch>(control);
 }
 
 }  // namespace
@@ -63,15 +50,14 @@ BOOL CExplorer_webbrowser::CreateControl(const char* classId, const RECT& rectan
                       rectangle.bottom - rectangle.top, parent->GetSafeHwnd(),
                       reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), AfxGetInstanceHandle(), nullptr);
   if (window == nullptr) return FALSE;
-  ComPointer<IDispatch> control;
-  if (GetControl(window, control) && SubclassWindow(window)) return TRUE;
+  if (GetControl(window) && SubclassWindow(window)) return TRUE;
   ::DestroyWindow(window);
   return FALSE;
 }
 
 bool CExplorer_webbrowser::Navigate(const std::string& url) {
-  ComPointer<IDispatch> control;
-  if (m_hWnd == nullptr || !GetControl(m_hWnd, control)) return false;
+  const ComPointer<IDispatch> control = m_hWnd != nullptr ? GetControl(m_hWnd) : nullptr;
+  if (!control) return false;
   // From the last to the first; the four optional ones are empty.
   VARIANT arguments[kNavigateArguments];
   for (VARIANT& argument : arguments) VariantInit(&argument);

@@ -52,7 +52,6 @@ void CMosaiconDlg::SetBusy(bool busy) {
   const HWND focus = GetFocus();
   EnableWindow(GetDlgItem(IDC_CANCEL_JOB), busy);
   for (const int id : kLockedControls) EnableWindow(GetDlgItem(id), !busy);
-  if (!busy) EnableWindow(GetDlgItem(IDC_CANCEL_JOB), FALSE);
   DragAcceptFiles(m_hWnd, !busy);
   ShowButtonIcons();
   ShowAnimation(busy);

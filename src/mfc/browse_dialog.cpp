@@ -4,16 +4,13 @@
 #include <objbase.h>
 #include <shobjidl.h>
 
-#include <memory>
 #include <vector>
+
+#include "mfc/com_pointer.h"
 
 namespace {
 
-struct Releaser {
-  void operator()(IUnknown* object) const { object->Release(); }
-};
-template <class Interface>
-using ComPointer = std::unique_ptr<Interface, Releaser>;
+using afx::ComPointer;
 
 std::wstring Widen(const std::string& text) {
   const int length = MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
