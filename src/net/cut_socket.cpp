@@ -28,9 +28,5 @@ bool CUT_Socket::HasPendingData(SOCKET socket) {
 }
 
 int CUT_Socket::WaitReadable(SOCKET socket, long seconds, long microseconds) {
-  fd_set sockets;
-  FD_ZERO(&sockets);
-  FD_SET(socket, &sockets);
-  timeval time = {seconds, microseconds};
-  return select(0, &sockets, nullptr, nullptr, &time) == 1 ? 0 : 1;
+  return WaitForSocket(socket, SocketEvent::kReadable, seconds, microseconds, m_pWaitListener) ? 0 : 1;
 }

@@ -1,10 +1,10 @@
 // The raw calls on a socket, each of them open to a subclass: a test that fails on purpose, a
-// connection that encrypts. Owns nothing and keeps nothing. Results are those of the system's calls
-// unless said otherwise. Win32; one thread at a time.
+// connection that encrypts. Owns nothing. Results are those of the system's calls unless said otherwise.
+// Win32; one thread at a time.
 #ifndef MOSAICON_NET_CUT_SOCKET_H_
 #define MOSAICON_NET_CUT_SOCKET_H_
 
-#include "net/winsock.h"
+#include "net/socket_wait.h"
 
 class CUT_Socket {
  public:
@@ -30,6 +30,15 @@ class CUT_Socket {
   // 0 when the socket is readable within the time (bytes, a connection to accept, or the end), 1
   // otherwise.
   virtual int WaitReadable(SOCKET socket, long seconds, long microseconds);
+
+  // Every wait lets the listener have its turns. Borrowed; null (the default): nobody.
+  void SetWaitListener(WaitListener* listener) { m_pWaitListener = listener; }
+
+ protected:
+  WaitListener* GetWaitListener() const { return m_pWaitListener; }
+
+ private:
+  WaitListener* m_pWaitListener = nullptr;
 };
 
 #endif  // MOSAICON_NET_CUT_SOCKET_H_

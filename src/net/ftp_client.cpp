@@ -36,6 +36,11 @@ void CUT_FTPClient::SetDataTimeouts(std::int32_t receiveMilliseconds, std::int32
   m_data.PresetTimeouts(receiveMilliseconds, sendMilliseconds);
 }
 
+void CUT_FTPClient::SetWaitListener(WaitListener* listener) {
+  CUT_WSClient::SetWaitListener(listener);
+  m_data.SetWaitListener(listener);
+}
+
 int CUT_FTPClient::FTPConnect(const char* host, const char* user, const char* password, const char* account) {
   LoginCommands commands;
   for (const int refused :

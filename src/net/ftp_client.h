@@ -114,6 +114,9 @@ class CUT_FTPClient : public CUT_WSClient {
   // seconds.
   void SetDataTimeouts(std::int32_t receiveMilliseconds, std::int32_t sendMilliseconds);
 
+  // Of the connection for commands and of those for data.
+  void SetWaitListener(WaitListener* listener);
+
   int GetTransferType() const { return m_nTransferType; }
   int GetTransferMode() const { return m_nTransferMode; }
   int GetStructure() const { return m_nStructure; }

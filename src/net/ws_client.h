@@ -140,6 +140,7 @@ class CUT_WSClient : public CUT_Socket {
   void SetRemote(const sockaddr_in& remote);
   int SendBytes(ByteStream& bytes);
   int ReceiveBytes(ByteStream& bytes, long seconds, long maximum);
+  bool WaitWithListener();
 
   static LRESULT CALLBACK NotifyProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
 

@@ -26,6 +26,7 @@ class CUT_WSClient::Lines : public LineSocket {
   bool IsAborted() override { return m_client.IsAborted() && GetTickCount64() >= m_nDeadline; }
   bool WaitForData(long seconds) override { return m_client.WaitForReceive(seconds, 0) == 0; }
   int Peek(char* buffer, int count) override {
+    if (!m_client.WaitWithListener()) return -1;
     return m_client.RecvRaw(m_client.m_socket, buffer, count, MSG_PEEK);
   }
   int Take(char* buffer, int count) override { return m_client.RecvRaw(m_client.m_socket, buffer, count, 0); }
@@ -51,7 +52,15 @@ int CUT_WSClient::WaitForReceive(long seconds, long microseconds) {
 
 int CUT_WSClient::Receive(char* buffer, int length, long seconds) {
   if (seconds > 0 && WaitForReceive(seconds, 0) != 0) return 0;
+  if (!WaitWithListener()) return -1;
   return RecvRaw(m_socket, buffer, length, 0);
+}
+
+// A receive would block for as long as the receive time-out, and the listener with it.
+bool CUT_WSClient::WaitWithListener() {
+  return GetWaitListener() == nullptr ||
+         WaitForSocket(m_socket, SocketEvent::kReadable, m_nReceiveTimeout / 1000,
+                       m_nReceiveTimeout % 1000 * 1000, GetWaitListener());
 }
 
 int CUT_WSClient::ReceiveAll(char* buffer, int length, long seconds) {

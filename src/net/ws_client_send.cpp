@@ -21,7 +21,15 @@ int LengthOrTextLength(const char* buffer, int length) {
 
 int CUT_WSClient::Send(const char* buffer, int length) {
   if (buffer == nullptr) return 0;
-  return std::max(SendRaw(m_socket, buffer, LengthOrTextLength(buffer, length), 0), 0);
+  const int all = LengthOrTextLength(buffer, length);
+  int sent = SendRaw(m_socket, buffer, all, 0);
+  // A socket that would rather block than take more is waited for here, where the listener has its turns.
+  if (sent == SOCKET_ERROR && GetWaitListener() != nullptr && WSAGetLastError() == WSAEWOULDBLOCK &&
+      WaitForSocket(m_socket, SocketEvent::kWritable, m_nSendTimeout / 1000, m_nSendTimeout % 1000 * 1000,
+                    GetWaitListener())) {
+    sent = SendRaw(m_socket, buffer, all, 0);
+  }
+  return std::max(sent, 0);
 }
 
 int CUT_WSClient::SendAll(const char* buffer, int length) {
@@ -90,9 +98,5 @@ int CUT_WSClient::SendDatagram(const char* buffer, int& length) {
 }
 
 int CUT_WSClient::WaitWritable(long seconds, long microseconds) {
-  fd_set sockets;
-  FD_ZERO(&sockets);
-  FD_SET(m_socket, &sockets);
-  timeval time = {seconds, microseconds};
-  return select(0, nullptr, &sockets, nullptr, &time) == 1 ? 0 : 1;
+  return WaitForSocket(m_socket, SocketEvent::kWritable, seconds, microseconds, GetWaitListener()) ? 0 : 1;
 }
