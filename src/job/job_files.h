@@ -7,11 +7,7 @@
 #include <string>
 #include <vector>
 
-struct FoundFile {
-  std::string path;  // full path
-  std::string name;  // last component
-  bool isDirectory = false;
-};
+#include "kvtools/found_files.h"
 
 class JobFiles {
  public:

@@ -2,21 +2,13 @@
 
 #include <windows.h>
 
-#include <memory>
-
 #include "job/kml_links.h"
 #include "job/preview_image.h"
-#include "kvtools/split_path.h"
 
 namespace {
 
 constexpr DWORD kMaxVariable = 32767;
 constexpr DWORD kMaxProgramPath = 4096;
-
-struct FindCloser {
-  void operator()(HANDLE search) const { FindClose(search); }
-};
-using Search = std::unique_ptr<void, FindCloser>;
 
 }  // namespace
 
@@ -26,18 +18,7 @@ bool WindowsFiles::Exists(const std::string& path) {
 
 std::vector<FoundFile> WindowsFiles::Find(const std::string& pattern) {
   std::vector<FoundFile> found;
-  WIN32_FIND_DATAA data;
-  const HANDLE handle = FindFirstFileA(pattern.c_str(), &data);
-  if (handle == INVALID_HANDLE_VALUE) return found;
-  const Search search(handle);
-  const PathParts parts = SplitPath(pattern);
-  do {
-    FoundFile file;
-    file.name = data.cFileName;
-    file.path = parts.drive + parts.directory + file.name;
-    file.isDirectory = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    found.push_back(file);
-  } while (FindNextFileA(search.get(), &data));
+  FindFiles(pattern, found);
   return found;
 }
 

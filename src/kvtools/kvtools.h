@@ -56,6 +56,14 @@ std::string KVT_TranslatePath(const std::string& path, const char* folder, const
 // An empty path stays empty.
 std::string KVT_OptimizePath(const std::string& path, int flag);
 
+// --- Files -----------------------------------------------------------------------------------
+
+// How many files a folder holds; folders do not count. With withSubfolders 1 those in all its
+// subfolders count too, with 0 only its own. Hidden files count, and links to folders are gone into as
+// any walk through the folder would. A folder that is missing or cannot be read holds 0. Windows only;
+// link kvtools_files.
+int KVT_CountFileInFolder(const std::string& path, int withSubfolders);
+
 // --- Time ------------------------------------------------------------------------------------
 
 // One stop watch for the process: start it, and read it as often as needed. User-interface thread.

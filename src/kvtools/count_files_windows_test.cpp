@@ -1,0 +1,48 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include "kvtools/kvtools.h"
+#include "support/temporary_folder.h"
+
+namespace {
+
+class FileCount : public testing::Test {
+ protected:
+  void MakeFolder(const std::string& name) {
+    ASSERT_TRUE(CreateDirectoryA(m_folder.Path(name).c_str(), nullptr)) << name;
+  }
+  void MakeFiles(const std::vector<std::string>& names) {
+    for (const std::string& name : names) WriteFile(m_folder.Path(name), "x");
+  }
+  TemporaryFolder m_folder;
+};
+
+TEST_F(FileCount, GoesThroughSubfoldersWhenAsked) {
+  MakeFolder("a");
+  MakeFolder("a\\b");
+  MakeFolder("empty");
+  MakeFiles({"1.txt", "2", "a\\3.png", "a\\b\\4.png", "a\\b\\caf\xE9 5.png"});
+  ASSERT_TRUE(SetFileAttributesA(m_folder.Path("2").c_str(), FILE_ATTRIBUTE_HIDDEN));
+  EXPECT_EQ(KVT_CountFileInFolder(m_folder.Path(), 1), 5);
+  EXPECT_EQ(KVT_CountFileInFolder(m_folder.Path(), 0), 2);
+  EXPECT_EQ(KVT_CountFileInFolder(m_folder.Path("a"), 1), 3);
+}
+
+TEST_F(FileCount, IsTheSameHoweverTheFolderIsWritten) {
+  MakeFolder("a");
+  MakeFiles({"a\\1.txt"});
+  const std::string path = m_folder.Path("a");
+  for (const std::string& text : {path, path + "\\", path + "/", path + "\\\\"}) {
+    EXPECT_EQ(KVT_CountFileInFolder(text, 1), 1) << text;
+  }
+}
+
+TEST_F(FileCount, IsZeroForWhatIsNoFolder) {
+  MakeFiles({"file"});
+  for (const std::string& path :
+       {m_folder.Path("none"), m_folder.Path("file"), m_folder.Path(std::string(300, 'x')), std::string()}) {
+    EXPECT_EQ(KVT_CountFileInFolder(path, 1), 0) << path;
+  }
+}
+
+}  // namespace
