@@ -64,6 +64,11 @@ std::string KVT_OptimizePath(const std::string& path, int flag);
 // link kvtools_files.
 int KVT_CountFileInFolder(const std::string& path, int withSubfolders);
 
+// The path of the system's folder with this number (a CSIDL; 35 is the application data that all users
+// share), without "\" at its end unless it is a drive root. The folder is made when it is missing. Empty
+// when there is no such folder. Windows only; link kvtools_files.
+std::string KVT_GetSpecialFolder(int csidl);
+
 // --- Time ------------------------------------------------------------------------------------
 
 // One stop watch for the process: start it, and read it as often as needed. User-interface thread.
@@ -71,6 +76,11 @@ void KVT_StartTimer();
 
 // The time since KVT_StartTimer as "hh:mm:ss", whole seconds, hours without upper limit.
 std::string KVT_GetElapsedTime();
+
+// The current date and time as "2026-11-21 15:04", which is read alike everywhere. With dateOnly 1 it is
+// the date alone; with universalTime 1 it is UTC and no longer the local time. Empty when the clock shows
+// no date that can be written. User-interface thread.
+std::string KVT_GetCurrentSysDate(int dateOnly, int universalTime);
 
 // --- Windows ---------------------------------------------------------------------------------
 
