@@ -5,7 +5,7 @@
 
 #include "job/bounded_text.h"
 #include "job/command_lines.h"
-#include "job/flag_guard.h"
+#include "kvtools/flag_guard.h"
 #include "kvtools/kvtools.h"
 #include "kvtools/split_path.h"
 

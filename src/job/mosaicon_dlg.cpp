@@ -3,8 +3,8 @@
 
 #include <utility>
 
-#include "job/flag_guard.h"
 #include "job/tool_items.h"
+#include "kvtools/flag_guard.h"
 #include "kvtools/kvtools.h"
 #include "kvtools/split_path.h"
 #include "resources/resource.h"

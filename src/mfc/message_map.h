@@ -52,6 +52,12 @@ LRESULT CallSysCommand(CWnd& window, WPARAM wParam, LPARAM lParam) {
 }
 
 template <class ThisClass, auto Handler>
+LRESULT CallTimer(CWnd& window, WPARAM wParam, LPARAM) {
+  (static_cast<ThisClass&>(window).*Handler)(static_cast<UINT_PTR>(wParam));
+  return 0;
+}
+
+template <class ThisClass, auto Handler>
 LRESULT CallEraseBkgnd(CWnd& window, WPARAM wParam, LPARAM) {
   return (static_cast<ThisClass&>(window).*Handler)(reinterpret_cast<HDC>(wParam));
 }
@@ -107,6 +113,7 @@ LRESULT CallDropFiles(CWnd& window, WPARAM wParam, LPARAM) {
   {WM_ERASEBKGND, 0, 0, nullptr, &afx::CallEraseBkgnd<ThisClass, &ThisClass::OnEraseBkgnd>},
 #define ON_WM_SYSCOMMAND() \
   {WM_SYSCOMMAND, 0, 0, nullptr, &afx::CallSysCommand<ThisClass, &ThisClass::OnSysCommand>},
+#define ON_WM_TIMER() {WM_TIMER, 0, 0, nullptr, &afx::CallTimer<ThisClass, &ThisClass::OnTimer>},
 #define ON_WM_DROPFILES() \
   {WM_DROPFILES, 0, 0, nullptr, &afx::CallDropFiles<ThisClass, &ThisClass::OnDropFiles>},
 

@@ -7,6 +7,10 @@ void CProgressCtrl::SetRange(short lower, short upper) {
   SendMessage(PBM_SETRANGE, 0, MAKELPARAM(lower, upper));
 }
 
+void CProgressCtrl::SetRange32(int lower, int upper) {
+  SendMessage(PBM_SETRANGE32, static_cast<WPARAM>(lower), upper);
+}
+
 void CProgressCtrl::GetRange(int& lower, int& upper) const {
   PBRANGE range = {};
   SendMessage(PBM_GETRANGE, TRUE, reinterpret_cast<LPARAM>(&range));

@@ -8,6 +8,7 @@
 class CProgressCtrl : public CWnd {
  public:
   void SetRange(short lower, short upper);
+  void SetRange32(int lower, int upper);
   void GetRange(int& lower, int& upper) const;
   // Returns the position before. What lies outside the range is moved to its nearer end.
   int SetPos(int position);

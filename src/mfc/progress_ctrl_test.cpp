@@ -31,6 +31,15 @@ TEST_F(ProgressCtrl, HasARange) {
   EXPECT_EQ(upper, 32767);
 }
 
+TEST_F(ProgressCtrl, HasALargeRange) {
+  m_control.SetRange32(-5, 1000000);
+  int lower = 0;
+  int upper = 0;
+  m_control.GetRange(lower, upper);
+  EXPECT_EQ(lower, -5);
+  EXPECT_EQ(upper, 1000000);
+}
+
 TEST_F(ProgressCtrl, TellsItsPositionBefore) {
   EXPECT_EQ(m_control.SetPos(30), 0);
   EXPECT_EQ(m_control.SetPos(70), 30);

@@ -39,6 +39,7 @@ class Base : public CWnd {
  protected:
   void OnFirst() { calls.push_back("base first"); }
   void OnSecond() { calls.push_back("base second"); }
+  void OnTimer(UINT_PTR id) { calls.push_back("timer " + std::to_string(id)); }
   void OnKillFocus() { calls.push_back("base kill focus"); }
   void PostNcDestroy() override { bGone = true; }
   DECLARE_MESSAGE_MAP()
@@ -48,6 +49,7 @@ BEGIN_MESSAGE_MAP(Base, CWnd)
 ON_COMMAND(1, Base::OnFirst)
 ON_COMMAND(2, Base::OnSecond)
 ON_EN_KILLFOCUS(1, Base::OnKillFocus)
+ON_WM_TIMER()
 END_MESSAGE_MAP()
 
 class Derived : public Base {
@@ -112,6 +114,13 @@ TEST_F(Wnd, ASubclassedWindowAsksItsObjectFirst) {
   EXPECT_EQ(CWnd::FromHandlePermanent(window), nullptr);
   EXPECT_EQ(SendMessageA(window, kAskMessage, 0, 0), kProcedureAnswer);
   EXPECT_EQ(object.calls.size(), 2U);
+}
+
+TEST_F(Wnd, ATimerTellsWhichOneItIs) {
+  Derived object;
+  object.SubclassWindow(window);
+  SendMessageA(window, WM_TIMER, 100, 0);
+  EXPECT_EQ(object.calls, std::vector<std::string>{"timer 100"});
 }
 
 TEST_F(Wnd, DefaultMeansTheMessageThatIsBeingHandled) {

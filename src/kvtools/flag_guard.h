@@ -1,6 +1,6 @@
 // Sets a flag for as long as it lives: what a handler holds while others may run inside it. Portable.
-#ifndef MOSAICON_JOB_FLAG_GUARD_H_
-#define MOSAICON_JOB_FLAG_GUARD_H_
+#ifndef MOSAICON_KVTOOLS_FLAG_GUARD_H_
+#define MOSAICON_KVTOOLS_FLAG_GUARD_H_
 
 class FlagGuard {
  public:
@@ -13,4 +13,4 @@ class FlagGuard {
   bool& m_flag;
 };
 
-#endif  // MOSAICON_JOB_FLAG_GUARD_H_
+#endif  // MOSAICON_KVTOOLS_FLAG_GUARD_H_
