@@ -84,9 +84,9 @@ std::string KVT_GetCurrentSysDate(int dateOnly, int universalTime);
 
 // --- Windows ---------------------------------------------------------------------------------
 
-// Dispatches all pending messages of the calling thread and returns. When none was pending it gives
-// the processor away until input arrives, for at most 10 ms, so that a loop which does nothing but
-// pump leaves the machine to others. A pending WM_QUIT is left for the outer message loop.
+// Dispatches all pending messages of the calling thread and returns. A caller that does nothing but
+// pump, and comes back at once when none was pending, leaves the machine to others: it waits until input
+// arrives, for at most 10 ms. A pending WM_QUIT is left for the outer message loop.
 void KVT_PumpMessages();
 
 #endif  // MOSAICON_KVTOOLS_KVTOOLS_H_

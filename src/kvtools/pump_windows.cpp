@@ -5,6 +5,18 @@
 namespace {
 
 constexpr DWORD kIdleWaitMilliseconds = 10;
+// A caller that comes back sooner had nothing else to do.
+constexpr LONGLONG kIdleMicroseconds = 500;
+
+// Microseconds of a clock that only runs forward.
+LONGLONG Now() {
+  LARGE_INTEGER frequency;
+  LARGE_INTEGER count;
+  QueryPerformanceFrequency(&frequency);
+  QueryPerformanceCounter(&count);
+  return static_cast<LONGLONG>(static_cast<double>(count.QuadPart) * 1e6 /
+                               static_cast<double>(frequency.QuadPart));
+}
 
 // The class of every dialog window.
 bool IsDialog(HWND window) {
@@ -22,6 +34,8 @@ void Dispatch(MSG& message) {
 }  // namespace
 
 void KVT_PumpMessages() {
+  thread_local LONGLONG lastEnd = 0;
+  const bool isIdle = Now() - lastEnd < kIdleMicroseconds;
   bool dispatched = false;
   MSG message;
   while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
@@ -34,7 +48,8 @@ void KVT_PumpMessages() {
     Dispatch(message);
     dispatched = true;
   }
-  if (!dispatched) {
+  if (!dispatched && isIdle) {
     MsgWaitForMultipleObjectsEx(0, nullptr, kIdleWaitMilliseconds, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
   }
+  lastEnd = Now();
 }

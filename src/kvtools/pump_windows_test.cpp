@@ -46,6 +46,18 @@ TEST_F(Pump, GivesTheProcessorAwayWhenNothingIsPending) {
   EXPECT_LE(elapsed, 10000U);
 }
 
+TEST_F(Pump, KeepsNobodyWaitingWhoHasWorkToDo) {
+  KVT_PumpMessages();
+  ULONGLONG pumping = 0;
+  for (int i = 0; i < 20; ++i) {
+    Sleep(2);
+    const ULONGLONG start = GetTickCount64();
+    KVT_PumpMessages();
+    pumping += GetTickCount64() - start;
+  }
+  EXPECT_LT(pumping, 100U);
+}
+
 TEST_F(Pump, LeavesQuitToTheOuterLoop) {
   PostQuitMessage(7);
   KVT_PumpMessages();
