@@ -60,6 +60,10 @@ void FakeRemoteServer::AddFile(const std::string& path, const std::string& conte
   m_nodes.push_back({path, false, content});
 }
 
+void FakeRemoteServer::Delete(const std::vector<std::string>& paths) {
+  for (const std::string& path : paths) Remove(path);
+}
+
 bool FakeRemoteServer::Has(const std::string& path) const {
   return path == "/" || Find(path) != nullptr;
 }

@@ -23,6 +23,8 @@ class FakeRemoteServer : public RemoteServer {
   // Both make the folders above, too.
   void AddFolder(const std::string& path);
   void AddFile(const std::string& path, const std::string& content = "");
+  // Takes files and empty folders away without a command, as another client does.
+  void Delete(const std::vector<std::string>& paths);
   bool Has(const std::string& path) const;
   // The bytes of a file; fails the test when there is none.
   std::string Content(const std::string& path) const;
