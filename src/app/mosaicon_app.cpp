@@ -12,6 +12,7 @@
 #include "job/windows_files.h"
 #include "job/windows_gdal.h"
 #include "kvtools/kvtools.h"
+#include "publish/ftp_upload_folder_dlg.h"
 #include "resources/resource.h"
 
 namespace {
@@ -77,9 +78,7 @@ void CMosaiconApp::ShowAbout() {
   dialog.DoModal();
 }
 
-void CMosaiconApp::ShowUpload(const std::string& /*webUrl*/, const std::string& localFolder) {
-  const std::string folder = localFolder.empty() ? "the target folder" : "the folder " + localFolder;
-  AfxMessageBox(
-      "This version cannot upload yet. Please copy " + folder + " to your web server by other means.",
-      MB_OK | MB_ICONINFORMATION);
+void CMosaiconApp::ShowUpload(const std::string& webUrl, const std::string& localFolder) {
+  CFtpUploadFolderDlg dialog(webUrl, localFolder, m_pMainWnd);
+  dialog.DoModal();
 }

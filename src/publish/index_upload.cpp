@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr char kRemoteName[] = "index.html";
-
 bool WriteText(const std::string& path, const std::string& text) {
   std::FILE* file = std::fopen(path.c_str(), "w+");
   if (file == nullptr) return false;
@@ -29,6 +27,6 @@ std::string LocalIndexPath(const std::string& folder) {
 int UploadIndexPage(RemoteServer& server, const std::string& localPath, const std::string& page) {
   if (!server.IsConnected() || !WriteText(localPath, page)) return 0;
   // There may be none yet.
-  server.RemoveFile(kRemoteName);
-  return server.SendFile(localPath, kRemoteName) == kNetSuccess ? 1 : 0;
+  server.RemoveFile(kIndexPageName);
+  return server.SendFile(localPath, kIndexPageName) == kNetSuccess ? 1 : 0;
 }

@@ -6,6 +6,9 @@
 
 #include "publish/remote_server.h"
 
+// The page's name on the server, where it stands beside the folders that it is about.
+inline constexpr char kIndexPageName[] = "index.html";
+
 // "index.html" in a local folder; empty when there is no folder.
 std::string LocalIndexPath(const std::string& folder);
 

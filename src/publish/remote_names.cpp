@@ -20,3 +20,7 @@ std::string RemoteFolderName(std::string localName) {
   std::replace(localName.begin(), localName.end(), ' ', '_');
   return localName;
 }
+
+std::string RemotePath(const std::string& name) {
+  return name.starts_with('~') ? "./" + name : name;
+}

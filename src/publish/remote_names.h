@@ -11,4 +11,8 @@ bool IsPlainRemoteName(const std::string& name);
 // The remote name of a local folder: blanks become underscores.
 std::string RemoteFolderName(std::string localName);
 
+// What to put into a command for a plain name. Servers take a leading "~" for somebody's home folder,
+// which "./" before it prevents.
+std::string RemotePath(const std::string& name);
+
 #endif  // MOSAICON_PUBLISH_REMOTE_NAMES_H_

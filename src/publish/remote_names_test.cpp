@@ -21,6 +21,13 @@ TEST(RemoteNames, RefusesWhatLeavesItOrIsNoName) {
   }
 }
 
+TEST(RemoteNames, MeanNobodysHomeFolder) {
+  EXPECT_EQ(RemotePath("~"), "./~");
+  EXPECT_EQ(RemotePath("~root"), "./~root");
+  EXPECT_EQ(RemotePath("a~"), "a~");
+  EXPECT_EQ(RemotePath("a b"), "a b");
+}
+
 TEST(RemoteNames, WritesBlanksOfFoldersAsUnderscores) {
   EXPECT_EQ(RemoteFolderName("my ortho"), "my_ortho");
   EXPECT_EQ(RemoteFolderName("  a  "), "__a__");

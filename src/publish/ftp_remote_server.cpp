@@ -1,0 +1,54 @@
+#include "publish/ftp_remote_server.h"
+
+#include "publish/remote_names.h"
+
+bool FtpRemoteServer::IsConnected() {
+  return m_client.IsConnected();
+}
+
+int FtpRemoteServer::Finish(int code) {
+  if (m_client.HasGivenUp()) m_client.CloseConnection();
+  return code;
+}
+
+int FtpRemoteServer::ChangeFolder(const std::string& name) {
+  return Finish(m_client.ChDir(RemotePath(name).c_str()));
+}
+
+int FtpRemoteServer::GoToParent() {
+  return Finish(m_client.CdUp());
+}
+
+int FtpRemoteServer::MakeFolder(const std::string& name) {
+  return Finish(m_client.MkDir(RemotePath(name).c_str()));
+}
+
+int FtpRemoteServer::RemoveFolder(const std::string& name) {
+  return Finish(m_client.RmDir(RemotePath(name).c_str()));
+}
+
+int FtpRemoteServer::RemoveFile(const std::string& name) {
+  return Finish(m_client.DeleteFile(RemotePath(name).c_str()));
+}
+
+int FtpRemoteServer::SendFile(const std::string& localPath, const std::string& name) {
+  return Finish(m_client.SendFileByName(localPath.c_str(), RemotePath(name).c_str()));
+}
+
+int FtpRemoteServer::List() {
+  return Finish(m_client.List());
+}
+
+int FtpRemoteServer::EntryCount() {
+  return m_client.GetDirEntryCount();
+}
+
+FtpDirEntry FtpRemoteServer::Entry(int index) {
+  FtpDirEntry entry;
+  m_client.GetDirEntry(index, entry);
+  return entry;
+}
+
+int FtpRemoteServer::ReportError(int code) {
+  return m_client.OnError(code);
+}

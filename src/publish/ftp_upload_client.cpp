@@ -1,0 +1,47 @@
+#include "publish/ftp_upload_client.h"
+
+namespace {
+
+constexpr ULONGLONG kPumpMilliseconds = 20;
+constexpr ULONGLONG kAnswerMilliseconds = 1000;
+
+}  // namespace
+
+CFtpUploadClient::CFtpUploadClient(PublishHost& host) : m_host(host) {
+  SetWaitListener(this);
+}
+
+int CFtpUploadClient::OnSendProgress(long /*bytes*/) {
+  return !IsAborted();
+}
+
+// Asked between chunks and between lines of a listing, which may come by the thousand.
+int CFtpUploadClient::IsAborted() {
+  PumpNowAndThen();
+  return m_host.IsAborted() ? 1 : 0;
+}
+
+void CFtpUploadClient::Reset() {
+  m_bGivenUp = false;
+}
+
+bool CFtpUploadClient::OnWait() {
+  m_nLastPump = GetTickCount64();
+  m_host.PumpMessages();
+  if (!m_host.IsAborted()) {
+    m_nAbortedSince = 0;
+    return true;
+  }
+  const ULONGLONG now = GetTickCount64();
+  if (m_nAbortedSince == 0) m_nAbortedSince = now;
+  if (now - m_nAbortedSince < kAnswerMilliseconds) return true;
+  m_bGivenUp = true;
+  return false;
+}
+
+void CFtpUploadClient::PumpNowAndThen() {
+  const ULONGLONG now = GetTickCount64();
+  if (now - m_nLastPump < kPumpMilliseconds) return;
+  m_nLastPump = now;
+  m_host.PumpMessages();
+}
