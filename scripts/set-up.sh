@@ -18,6 +18,15 @@ packages=(
   dpkg-dev tcl sqlite3
   libgdal-dev gdal-bin python3 python3-gdal python3-numpy
   wine wine64 xvfb xauth procps
+  libpam-modules openssl perl python3-pyftpdlib util-linux
+)
+
+# Packages of FTP servers that are not to be on one machine, and the libraries that these want beside what
+# the packages above bring along. They are unpacked, not installed.
+ftp_server_packages=(
+  vsftpd proftpd-core pure-ftpd pure-ftpd-common
+  libhashkit2 libhiredis0.14 libmemcached11 libmemcachedutil2 libpcre2-8-0 libpcre2-posix3 libsodium23
+  libwrap0
 )
 
 # install_packages NAME...: installs what is missing.
@@ -81,9 +90,42 @@ lock_checkout() {
   flock -n 8 || { say "another command is working in this checkout, waiting for it"; flock 8; }
 }
 
+# Real FTP servers for the tests (tests/servers), which start them as ordinary processes.
+set_up_ftp_servers() {
+  local folder=$cache/ftp-servers source=$top/tests/servers/pam_in_folder.c
+  local complete=$folder/complete
+  (
+    flock 9
+    if [ "$(cat "$complete" 2> /dev/null)" != "${ftp_server_packages[*]}" ]; then
+      say "fetching FTP servers"
+      rm -rf "$folder"
+      mkdir -p "$folder/fetched"
+      fetch_ftp_servers "$folder" > "$cache/ftp-servers.log" 2>&1 ||
+        die "the FTP servers could not be fetched, see $cache/ftp-servers.log"
+      echo "${ftp_server_packages[*]}" > "$complete"
+    fi
+    [ "$folder/pam_in_folder.so" -nt "$source" ] ||
+      gcc -O1 -Wall -Werror -shared -fPIC -o "$folder/pam_in_folder.so" "$source"
+  ) 9> "$cache/ftp-servers.lock"
+}
+
+# Fails when a library is missing that would keep a server from starting.
+fetch_ftp_servers() {
+  local folder=$1 package
+  cd "$folder/fetched" &&
+    { apt-cache show vsftpd > /dev/null 2>&1 || as_root apt-get update -q; } &&
+    apt-get download -q -o APT::Sandbox::User=root "${ftp_server_packages[@]}" &&
+    for package in ./*.deb; do dpkg -x "$package" "$folder" || return; done &&
+    cd "$folder" &&
+    rm -rf fetched &&
+    ! LD_LIBRARY_PATH=$folder/usr/lib/x86_64-linux-gnu:$folder/lib/x86_64-linux-gnu \
+      ldd usr/sbin/vsftpd usr/sbin/proftpd usr/sbin/pure-ftpd usr/bin/pure-pw | grep 'not found'
+}
+
 set_up() {
   lock_checkout
   install_packages "${packages[@]}"
+  set_up_ftp_servers
   "$top/cmake/gdal/build" > /dev/null
   set_up_wine
 }
