@@ -86,7 +86,7 @@ class CFtpUploadFolderDlg : public CDialogEx, private PublishHost {
   void RestoreSettings();
   void ShowConnected(bool connected);
   void EnableControls(std::span<const int> ids, bool enable);
-  void KeepFocus(int fallback);
+  void KeepFocus(HWND focusBefore, int fallback);
   int Tell(const std::string& text, UINT icon) const;
 
   std::string m_webUrl;

@@ -157,6 +157,7 @@ bool CFtpUploadFolderDlg::AskToStop() {
 }
 
 void CFtpUploadFolderDlg::BeginOperation(Operation operation) {
+  const HWND focus = GetFocus();
   m_bOperation = true;
   m_bAbort = 0;
   EnableControls(kLockedControls, false);
@@ -166,10 +167,11 @@ void CFtpUploadFolderDlg::BeginOperation(Operation operation) {
     ShowWindow(GetDlgItem(IDC_FTP_STATUS), SW_SHOW);
   }
   EnableWindow(GetDlgItem(IDC_FTP_ABORT), TRUE);
-  KeepFocus(IDC_FTP_ABORT);
+  KeepFocus(focus, IDC_FTP_ABORT);
 }
 
 void CFtpUploadFolderDlg::EndOperation(Operation operation) {
+  const HWND focus = GetFocus();
   m_bAbort = 0;
   m_bOperation = false;
   SetProgressPosition(0);
@@ -181,7 +183,7 @@ void CFtpUploadFolderDlg::EndOperation(Operation operation) {
     ShowWindow(GetDlgItem(IDC_FTP_STATUS), SW_HIDE);
     ShowWindow(m_progress.GetSafeHwnd(), SW_SHOW);
   }
-  KeepFocus(IDC_FTP_UPLOAD);
+  KeepFocus(focus, IDC_FTP_UPLOAD);
   if (operation != Operation::kIndex && !m_bCloseAsked) FillList();
   NoticeLostConnection();
 }

@@ -86,11 +86,12 @@ void CFtpUploadFolderDlg::RestoreSettings() {
 }
 
 void CFtpUploadFolderDlg::ShowConnected(bool connected) {
+  const HWND focus = GetFocus();
   m_bConnected = connected;
   EnableControls(kConnectionControls, !connected);
   EnableControls(kRemoteControls, connected);
   EnableControls(kIndexControls, true);
-  KeepFocus(connected ? IDC_FTP_UPLOAD : IDC_FTP_CONNECT);
+  KeepFocus(focus, connected ? IDC_FTP_UPLOAD : IDC_FTP_CONNECT);
 }
 
 void CFtpUploadFolderDlg::EnableControls(std::span<const int> ids, bool enable) {
@@ -98,9 +99,8 @@ void CFtpUploadFolderDlg::EnableControls(std::span<const int> ids, bool enable) 
 }
 
 // A control that was disabled keeps the focus and swallows the keyboard.
-void CFtpUploadFolderDlg::KeepFocus(int fallback) {
-  const HWND focus = GetFocus();
-  if (focus == nullptr || !IsChild(m_hWnd, focus) || IsWindowEnabled(focus)) return;
+void CFtpUploadFolderDlg::KeepFocus(HWND focusBefore, int fallback) {
+  if (focusBefore == nullptr || !IsChild(m_hWnd, focusBefore) || IsWindowEnabled(focusBefore)) return;
   SendMessage(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(fallback)), TRUE);
 }
 
