@@ -39,6 +39,7 @@ class FakeRemoteServer : public RemoteServer {
   void Fail(const std::string& command, int code, int times = kAlways, int after = 0);
   // Lists something in a folder, before what is really there, that is not: ".", "..", "a/b".
   void AddLie(const std::string& folder, const std::string& name, bool isFolder);
+  void ForgetLies() { m_lies.clear(); }
   // Makes one more file, "name0" and so on, in a folder before each of the next LISTs of it.
   void Refill(const std::string& folder, const std::string& name, int times = kAlways);
   // The connection is lost after so many more commands: then every command fails with 38.
