@@ -63,8 +63,8 @@ std::ostream& operator<<(std::ostream& out, const Row& row) {
   return out << row.name << " of " << row.date;
 }
 
-std::map<std::string, std::string> ReadTree(const std::string& folder) {
-  std::map<std::string, std::string> tree;
+Tree ReadTree(const std::string& folder) {
+  Tree tree;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
     const std::string name = entry.path().lexically_relative(folder).string();
     if (entry.is_directory()) {
@@ -76,15 +76,32 @@ std::map<std::string, std::string> ReadTree(const std::string& folder) {
   return tree;
 }
 
-std::map<std::string, std::string> ReadTreeAsUploaded(const std::string& folder) {
-  std::map<std::string, std::string> tree;
-  for (const auto& [name, bytes] : ReadTree(folder)) {
+Tree AsUploaded(const Tree& tree) {
+  Tree uploaded;
+  for (const auto& [name, bytes] : tree) {
     const size_t file = name.rfind('\\') + 1;  // 0 for a file in the folder itself
     std::string folders = name.substr(0, file);
     std::replace(folders.begin(), folders.end(), ' ', '_');
-    tree[folders + name.substr(file)] = bytes;
+    uploaded[folders + name.substr(file)] = bytes;
   }
-  return tree;
+  return uploaded;
+}
+
+std::vector<std::string> Differences(const Tree& tree, const Tree& other) {
+  std::vector<std::string> differences;
+  for (const auto& [name, bytes] : tree) {
+    const auto found = other.find(name);
+    if (found == other.end()) {
+      differences.push_back(name + " is only in the first");
+    } else if (found->second != bytes) {
+      differences.push_back(name + " differs: " + std::to_string(bytes.size()) + " and " +
+                            std::to_string(found->second.size()) + " bytes");
+    }
+  }
+  for (const auto& [name, bytes] : other) {
+    if (!tree.contains(name)) differences.push_back(name + " is only in the second");
+  }
+  return differences;
 }
 
 void WriteFileIn(const std::string& path, const std::string& bytes) {

@@ -29,10 +29,14 @@ struct Row {
 std::ostream& operator<<(std::ostream& out, const Row& row);
 
 // Every file and folder below a folder, by its path in it, with "\" at the end of folders; with the
-// bytes of files. To compare with what an upload makes of it, blanks in the names of folders are
-// underscores.
-std::map<std::string, std::string> ReadTree(const std::string& folder);
-std::map<std::string, std::string> ReadTreeAsUploaded(const std::string& folder);
+// bytes of files.
+using Tree = std::map<std::string, std::string>;
+Tree ReadTree(const std::string& folder);
+// What an upload makes of it: blanks in the names of folders are underscores.
+Tree AsUploaded(const Tree& tree);
+// Which paths two trees do not share, or hold other bytes in; short, for messages. Empty when they are
+// the same.
+std::vector<std::string> Differences(const Tree& tree, const Tree& other);
 
 // A file with these bytes; the folders above it are made, too.
 void WriteFileIn(const std::string& path, const std::string& bytes);
