@@ -56,7 +56,7 @@ TEST(IndexPage, LeavesOutWhatIsNotComplete) {
 TEST(IndexPage, IsNotBrokenByNames) {
   const std::vector<CRemoteDataEntry> entries = {
       MakeEntry("<b>\"x\" onload='y'", "<2014>", {"a&b#c.jpg", "100%.kml", "googlemaps?caf\xE9.html"}),
-      MakeEntry("c:caf\xE9", "2014/03/07 10:05", {" x/y.jpg", "\n.kml"})};
+      MakeEntry("c:caf\xE9", "2014/03/07 10:05", {" x\\y.jpg ", "\n.kml"})};
   EXPECT_EQ(MakeIndexPage(entries, "m.example/a&b", kDate), Expected("index_hostile.html"));
 }
 

@@ -88,12 +88,34 @@ class PageTest(WebCase):
     def test_a_file_of_this_machine_is_a_fault(self):
         self.assertNotEqual(self.visit('<img src="file:///etc/hostname">').faults(), [])
 
+    def test_a_page_can_be_asked_for_more(self):
+        self.write("page.html", "<a href='a b#c'>")
+        self.assertEqual(self.web.open_page("page.html", "[...document.links].map(link => link.href)").value,
+                         [f"{self.web.origin}/a%20b#c"])
+        with self.assertRaises(ValueError):
+            self.web.open_page("page.html", "missingFunction()")
+
     def test_pages_are_visited_afresh(self):
         self.assertNotEqual(self.visit('<img src="none.gif">').faults(), [])
         for _ in range(2):
             visit = self.visit('<img src="a b.gif">')
             self.assertEqual(visit.faults(), [])
             self.assertEqual(len(visit.requests), 2)
+
+
+class ServerTest(WebCase):
+    def test_names_are_bytes(self):
+        name = os.fsdecode(b"caf\xe9 ?#.txt")
+        self.write(name, "here")
+        self.assertEqual(self.web.fetch("caf%E9%20%3F%23.txt"), (200, b"here"))
+        self.assertEqual(self.web.fetch("caf%C3%A9%20%3F%23.txt")[0], 404)
+
+    def test_nothing_outside_the_folder_is_shown(self):
+        (self.root / "below").mkdir()
+        with WebCheck(self.root / "below") as web:
+            self.write("secret.txt", "secret")
+            for path in ("../secret.txt", "%2e%2e/secret.txt", "..%2Fsecret.txt", f"/{self.root}/secret.txt"):
+                self.assertEqual(web.fetch(path)[0], 404, path)
 
 
 class BrowserTest(unittest.TestCase):

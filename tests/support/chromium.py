@@ -66,9 +66,9 @@ class Chromium:
         self.process.wait()
         self.profile.cleanup()
 
-    def open_page(self, url):
+    def open_page(self, url, expression="null"):
         """Loads a page in a tab of its own, waits until it has settled, and returns the events as
-        (method, parameters) pairs."""
+        (method, parameters) pairs, and what the JavaScript expression then yields in it."""
         target = self.call("Target.createTarget", url="about:blank")["targetId"]
         session = self.call("Target.attachToTarget", targetId=target, flatten=True)["sessionId"]
         for domain in ("Page", "Network", "Runtime", "Log"):
@@ -80,8 +80,11 @@ class Chromium:
             raise ConnectionError(f"{url}: {error}")
         self.wait_until_settled(session)
         events = [(each["method"], each["params"]) for each in self.events if each.get("sessionId") == session]
+        answer = self.call("Runtime.evaluate", session, expression=expression, returnByValue=True)
+        if "exceptionDetails" in answer:
+            raise ValueError(f"{expression}: {answer['exceptionDetails']}")
         self.call("Target.closeTarget", targetId=target)
-        return events
+        return events, answer["result"].get("value")
 
     def wait_until_settled(self, session):
         """Until the page is loaded and nothing that it asked for is still under way."""

@@ -12,6 +12,7 @@ make an error in the page itself."""
 import dataclasses
 import functools
 import http.server
+import os
 import threading
 import urllib.error
 import urllib.parse
@@ -43,6 +44,7 @@ class PageVisit:
     requests: list  # those that reached the server
     console: list
     failed: list  # (address, reason) of what was asked for and never answered, here or elsewhere
+    value: object  # what the expression yielded
 
     def faults(self):
         """What is wrong with the page, in sentences: no request to the server but with 200, no error on
@@ -62,6 +64,13 @@ class Handler(http.server.SimpleHTTPRequestHandler):
     def __init__(self, *arguments, requests, **options):
         self.requests = requests
         super().__init__(*arguments, **options)
+
+    def translate_path(self, path):
+        # Names are bytes, as on most web servers; Python's own would want UTF-8.
+        names = urllib.parse.unquote_to_bytes(path.partition("?")[0]).split(b"/")
+        if b".." in names:
+            return os.path.join(self.directory, "there is no such file")
+        return os.path.join(self.directory, *map(os.fsdecode, names[1:]))
 
     def send_response(self, code, message=None):
         super().send_response(code, message)
@@ -91,13 +100,15 @@ class WebCheck:
         self.server.server_close()
         self.thread.join()
 
-    def open_page(self, path):
-        """Visits a page of the folder; path is relative to it, as in an address."""
+    def open_page(self, path, expression="null"):
+        """Visits a page of the folder; path is relative to it, as in an address. The JavaScript expression
+        may ask for more, once the page is there."""
         if not self.browser:
             self.browser = Chromium().__enter__()
         self.requests.clear()
-        events = self.browser.open_page(f"{self.origin}/{path}")
-        return PageVisit(self.origin, list(self.requests), console_messages(events), failed_requests(events))
+        events, value = self.browser.open_page(f"{self.origin}/{path}", expression)
+        return PageVisit(self.origin, list(self.requests), console_messages(events), failed_requests(events),
+                         value)
 
     def broken_kml_links(self, path, published=None):
         """Follows the links of a KML file of the folder, and those of every KML file that it leads to,
