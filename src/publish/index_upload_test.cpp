@@ -68,6 +68,7 @@ TEST_F(IndexUpload, LeavesTheRemotePageWhenThereIsNoLocalFile) {
 
 #ifndef _WIN32
 TEST_F(IndexUpload, LeavesTheRemotePageWhenTheDiskIsFull) {
+  m_server.readLocalFile = [](const std::string&) { return "endless"; };
   EXPECT_EQ(UploadIndexPage(m_server, "/dev/full", "a"), 0);
   EXPECT_EQ(m_server.commands, Texts{});
 }

@@ -186,6 +186,21 @@ TEST_F(Survey, PassesOverATileFolderThatCannotBeListed) {
                                       "LIST", "CDUP", "LIST", "CDUP"}));
 }
 
+TEST_F(Survey, TakesNoNamesOfAnotherListingForThoseOfATileFolder) {
+  AddFiles("/a", {"top.jpg"});
+  AddTiles("/a", 1);
+  m_server.Fail("LIST /a/tile_0", kNetListFailed);
+  EXPECT_EQ(SurveyA().m_jpg, Texts{"top.jpg"});
+}
+
+TEST_F(Survey, EntersNoFolderWithoutAConnection) {
+  CRemoteDataEntry entry("a", kDate);
+  m_server.AddFolder("/a");
+  m_server.Disconnect();
+  EXPECT_EQ(m_survey.SurveyFolder(entry), 0);
+  EXPECT_EQ(m_server.commands, Texts{});
+}
+
 TEST_F(Survey, EndsWhenTheFolderCannotBeListedAgain) {
   AddTiles("/a", 2);
   m_server.Fail("LIST /a", kNetListFailed, 1, 1);
