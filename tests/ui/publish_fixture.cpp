@@ -51,6 +51,22 @@ std::string RowText(HANDLE process, const Window& list, int row, int column) {
   return text;
 }
 
+std::string Heading(HANDLE process, const Window& list, int column) {
+  const RemoteMemory memory(process, sizeof(LVCOLUMNA) + kTextSize);
+  LVCOLUMNA item = {};
+  item.mask = LVCF_TEXT;
+  item.pszText = memory.Address() + sizeof item;
+  item.cchTextMax = kTextSize;
+  memory.Write(&item, sizeof item);
+  char text[kTextSize] = "";
+  if (list.Send(LVM_GETCOLUMNA, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(memory.Address())) ==
+      0) {
+    return "";
+  }
+  memory.Read(sizeof item, text, kTextSize - 1);
+  return text;
+}
+
 std::string ReadBytes(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   EXPECT_TRUE(file) << path << " cannot be read";
@@ -181,6 +197,12 @@ bool PublishTest::WaitUntilIdle(DWORD patience) {
 
 bool PublishTest::WaitUntilBusy() {
   return FtpItem(IDC_FTP_ABORT).WaitUntilEnabled();
+}
+
+std::vector<std::string> PublishTest::Headings() {
+  std::vector<std::string> headings;
+  for (int i = 0; i < 2; ++i) headings.push_back(Heading(Running().Process(), FtpItem(IDC_FTP_LIST), i));
+  return headings;
 }
 
 std::vector<Row> PublishTest::Rows() {

@@ -65,6 +65,8 @@ class PublishTest : public MosaiconTest {
   bool WaitUntilIdle(DWORD patience = kPatience);
   bool WaitUntilBusy();
 
+  // Of the list's columns.
+  std::vector<std::string> Headings();
   std::vector<Row> Rows();
   std::vector<std::string> Names();
   // Marks a row as a click on it would.

@@ -1,0 +1,588 @@
+// The upload dialog by itself, and with servers that do not behave: each test says what its server hears
+// and answers.
+#include <atomic>
+
+#include "net/error_codes.h"
+#include "net/scripted_server.h"
+#include "ui/publish_fixture.h"
+
+// After windows.h.
+#include <commctrl.h>
+
+namespace {
+
+using Script = ScriptedServer::Script;
+using Strings = std::vector<std::string>;
+
+constexpr UINT_PTR kKeepAliveTimer = 100;
+constexpr DWORD kPromptly = 2000;  // ms
+
+Script LoggingIn(const std::string& type = "I") {
+  return {Say("220 ready"),  Expect("USER ann"), Say("331 whose?"), Expect("PASS secret"),
+          Say("230 in"),     Expect("TYPE A"),   Say("200 A"),      Expect("MODE S"),
+          Say("200 S"),      Expect("STRU F"),   Say("200 F"),      Expect("TYPE " + type),
+          Say("200 " + type)};
+}
+
+Script Listing(const std::string& lines) {
+  return {AnswerPasv(),    Expect("LIST"), AcceptData(),   Say("150 here"),
+          SendData(lines), CloseData(),    Say("226 done")};
+}
+
+// One command, answered.
+Script Answering(const std::string& command, const std::string& reply) {
+  return {Expect(command), Say(reply)};
+}
+
+Script Receiving(const std::string& name) {
+  return {AnswerPasv(), Expect("STOR " + name), AcceptData(), Say("150 go on"), HearData(),
+          CloseData(),  Say("226 done")};
+}
+
+const Script kLeaving = {Expect("Quit"), ExpectEnd()};
+constexpr char kOneFolder[] = "drwxr-xr-x 2 ann ann 4096 Mar 07 2014 x\r\n";
+
+class Dialog : public PublishTest {
+ protected:
+  void TearDown() override {
+    PublishTest::TearDown();
+    EXPECT_EQ(m_server != nullptr ? m_server->Finish() : "", "");
+  }
+
+  std::string Serve(const Script& script) {
+    m_server = std::make_unique<ScriptedServer>(script);
+    return "127.0.0.1:" + std::to_string(m_server->Port());
+  }
+  Login LoginTo(const Script& script) { return {.host = Serve(script)}; }
+
+  // Serves the login, one folder and script; connects. The folder to upload has the files given.
+  bool ConnectTo(const Script& script, const Strings& files = {"a", "b", "c"}) {
+    for (const std::string& file : files) WriteFileIn(Path("up\\" + file), file);
+    return OpenUpload(Path("up")) && Connect(LoginTo(LoggingIn() + Listing(kOneFolder) + script));
+  }
+  void PostTimer() { Ftp().Post(WM_TIMER, kKeepAliveTimer); }
+
+  // A step that waits for Go; HasCome tells that the server is there.
+  ScriptedServer::Step Gate() {
+    return [this](ScriptedServer::Stage&) {
+      m_bAtGate = true;
+      for (int i = 0; i < 2000 && !m_bGo; ++i) Sleep(10);
+      return m_bGo.load();
+    };
+  }
+  bool IsAtGate() {
+    return WaitUntil([this] { return m_bAtGate.load(); });
+  }
+  void Go() { m_bGo = true; }
+
+  std::unique_ptr<ScriptedServer> m_server;
+  std::atomic<bool> m_bAtGate = false;
+  std::atomic<bool> m_bGo = false;
+};
+
+TEST_F(Dialog, HasTheControlsOfItsTemplate) {
+  ASSERT_TRUE(OpenUpload("d:\\maps\\my ortho"));
+  EXPECT_EQ(Ftp().Text(), "FTP Upload");
+  const struct {
+    int id;
+    int number;
+    const char* text;
+    bool isEnabled;
+    bool isVisible;
+  } controls[] = {
+      {IDC_FTP_HOST, 1031, "", true, true},
+      {IDC_FTP_REMOTE_FOLDER, 1048, "", true, true},
+      {IDC_FTP_USER_NAME, 1032, "", true, true},
+      {IDC_FTP_PASSWORD, 1033, "", true, true},
+      {IDC_FTP_FIREWALL_MODE, 1036, "Firewall Mode", true, true},
+      {IDC_FTP_BYTE, 1052, "Byte (Default)", true, true},
+      {IDC_FTP_ASCII, 1053, "ASCII", true, true},
+      {IDC_FTP_CONNECT, 1034, "Connect", true, true},
+      {IDC_FTP_DISCONNECT, 1038, "Disconnect", false, true},
+      {IDC_FTP_REFRESH, 1050, "Refresh", false, true},
+      {IDC_FTP_REMOVE, 1043, "Remove", false, true},
+      {IDC_FTP_LIST, 1037, "", false, true},
+      {IDC_FTP_DATA_FOLDER, 1040, "d:\\maps\\my ortho", true, true},
+      {IDC_FTP_UPLOAD, 1039, "Upload", false, true},
+      {IDC_FTP_PROGRESS, 1041, "", true, true},
+      {IDC_FTP_STATUS, 1049, "", true, false},
+      {IDC_FTP_ABORT, 1042, "Abort", false, true},
+      {IDC_FTP_UPDATE_INDEX, 1045, "Update remote index", false, false},
+      {IDC_FTP_CHECK, 1046, "Check", false, false},
+      {IDOK, 1, "Exit", true, true},
+  };
+  for (const auto& [id, number, text, isEnabled, isVisible] : controls) {
+    EXPECT_EQ(id, number);
+    std::string shown = FtpItem(id).Text();
+    std::erase(shown, '&');
+    EXPECT_EQ(shown, text);
+    EXPECT_EQ(FtpItem(id).IsEnabled(), isEnabled) << text << id;
+    EXPECT_EQ(FtpItem(id).IsVisible(), isVisible) << text << id;
+  }
+  EXPECT_NE(FtpItem(IDC_FTP_PROGRESS).Style() & PBS_SMOOTH, 0U);
+  EXPECT_NE(FtpItem(IDC_FTP_PASSWORD).Style() & ES_PASSWORD, 0U);
+  const RECT bar = FtpItem(IDC_FTP_PROGRESS).Place();
+  const RECT status = FtpItem(IDC_FTP_STATUS).Place();
+  EXPECT_TRUE(EqualRect(&bar, &status));
+}
+
+TEST_F(Dialog, LabelsWhatIsToBeFilledIn) {
+  ASSERT_TRUE(OpenUpload(""));
+  std::map<std::string, int> labelled;
+  std::string label;
+  for (const Window& control : Ftp().Children()) {
+    if (!label.empty()) labelled[label] = control.Id();
+    label = control.ClassName() == "Static" ? control.Text() : "";
+    std::erase(label, '&');
+  }
+  EXPECT_EQ(labelled, (std::map<std::string, int>{{"Host Address", IDC_FTP_HOST},
+                                                  {"Folder", IDC_FTP_REMOTE_FOLDER},
+                                                  {"Username", IDC_FTP_USER_NAME},
+                                                  {"Password", IDC_FTP_PASSWORD},
+                                                  {"Transfer Type", IDC_FTP_BYTE},
+                                                  {"Current Remote Folder", IDC_FTP_LIST},
+                                                  {"Data Folder to upload", IDC_FTP_DATA_FOLDER}}));
+}
+
+TEST_F(Dialog, HasTwoColumns) {
+  ASSERT_TRUE(OpenUpload(""));
+  const Window list = FtpItem(IDC_FTP_LIST);
+  RECT client = {};
+  GetClientRect(list.Handle(), &client);
+  EXPECT_EQ(list.Send(LVM_GETCOLUMNWIDTH, 0), static_cast<int>(client.right * 0.6));
+  EXPECT_EQ(list.Send(LVM_GETCOLUMNWIDTH, 1), static_cast<int>(client.right * 0.4) - 5);
+  const auto header = Window(reinterpret_cast<HWND>(list.Send(LVM_GETHEADER)));
+  EXPECT_EQ(header.Send(HDM_GETITEMCOUNT), 2);
+  EXPECT_EQ(Headings(), (Strings{"Folder", "Date"}));
+}
+
+TEST_F(Dialog, HasTwoBoxesOfWhichOneIsTicked) {
+  ASSERT_TRUE(OpenUpload(""));
+  const Window byte = FtpItem(IDC_FTP_BYTE);
+  const Window ascii = FtpItem(IDC_FTP_ASCII);
+  EXPECT_TRUE(byte.IsChecked());
+  EXPECT_FALSE(ascii.IsChecked());
+  for (const auto& [box, byteNext] :
+       {std::pair(byte, false), {byte, true}, {ascii, false}, {ascii, true}, {ascii, false}, {byte, true}}) {
+    box.Click();
+    EXPECT_TRUE(WaitUntil(
+        [&, byteNext = byteNext] { return byte.IsChecked() == byteNext && ascii.IsChecked() != byteNext; }));
+  }
+}
+
+TEST_F(Dialog, RemembersTheLastConnection) {
+  WriteProfile("FTP", "host", "ftp.example.org");
+  WriteProfile("FTP", "username", "ann");
+  WriteProfile("FTP", "password", "secret");
+  WriteProfile("FTP", "bFirewall", "1");
+  WriteProfile("FTP", "remoteFolder", "www/maps");
+  WriteProfile("FTP", "transferType", "0");
+  ASSERT_TRUE(OpenUpload(""));
+  EXPECT_EQ(FtpItem(IDC_FTP_HOST).Text(), "ftp.example.org");
+  EXPECT_EQ(FtpItem(IDC_FTP_USER_NAME).Text(), "ann");
+  EXPECT_EQ(FtpItem(IDC_FTP_REMOTE_FOLDER).Text(), "www/maps");
+  EXPECT_TRUE(FtpItem(IDC_FTP_FIREWALL_MODE).IsChecked());
+  EXPECT_FALSE(FtpItem(IDC_FTP_BYTE).IsChecked());
+  EXPECT_TRUE(FtpItem(IDC_FTP_ASCII).IsChecked());
+}
+
+TEST_F(Dialog, SaysEveryStepOfAConnection) {
+  ASSERT_TRUE(OpenUpload(""));
+  Login login = LoginTo(LoggingIn("A") + Answering("CWD www", "250") + Answering("CWD my maps", "250") +
+                        Listing("total 8\r\n"
+                                "drwxr-xr-x 2 ann ann 4096 Mar 07 2014 old\r\n"
+                                "-rw-r--r-- 1 ann ann 9 Jan 31 1999 index.html\r\n"
+                                "-rw-r--r-- 1 ann ann 9 Jan 31 1999 a b.txt\r\n"
+                                "03-07-14  10:05AM <DIR> new\r\n") +
+                        kLeaving);
+  login.folder = "www/my maps";
+  login.ascii = true;
+  ASSERT_TRUE(Connect(login));
+  EXPECT_EQ(Rows(),
+            (std::vector<Row>{
+                {"old", "2014/03/07 00:00"}, {"a b.txt", "1999/01/31 00:00"}, {"new", "2014/03/07 10:05"}}));
+  EXPECT_EQ(ReadProfile("FTP", "host"), login.host);
+  EXPECT_EQ(ReadProfile("FTP", "username"), "ann");
+  EXPECT_EQ(ReadProfile("FTP", "password"), "secret");
+  EXPECT_EQ(ReadProfile("FTP", "bFirewall"), "1");
+  EXPECT_EQ(ReadProfile("FTP", "remoteFolder"), "www/my maps");
+  EXPECT_EQ(ReadProfile("FTP", "transferType"), "0");
+}
+
+TEST_F(Dialog, GoesToTheRootWhenTheFolderBeginsThere) {
+  ASSERT_TRUE(OpenUpload(""));
+  Login login =
+      LoginTo(LoggingIn() + Answering("CWD /", "250") + Answering("CWD www", "250") + Listing("") + kLeaving);
+  login.folder = "/www//";
+  EXPECT_TRUE(Connect(login));
+}
+
+TEST_F(Dialog, TakesAServerThatRefusesTheType) {
+  ASSERT_TRUE(OpenUpload(""));
+  Script script = LoggingIn();
+  script.back() = Say("504 never");
+  EXPECT_TRUE(Connect(LoginTo(script + Listing("") + kLeaving)));
+  EXPECT_FALSE(FindMessageBox(Running()));
+}
+
+TEST_F(Dialog, TellsOfEachFolderThatItCannotEnter) {
+  ASSERT_TRUE(OpenUpload(""));
+  Login login = LoginTo(LoggingIn() + Answering("CWD a", "550 no") + Answering("CWD b", "550 no") +
+                        Answering("CWD c", "250") + Listing("") + kLeaving);
+  login.folder = "a/b/c";
+  FillIn(login);
+  FtpItem(IDC_FTP_CONNECT).Click();
+  for (const char* folder : {"a", "b"}) {
+    EXPECT_EQ(NextMessage(), (Told{"WARNING. Can't access to '" + std::string(folder) +
+                                       "' remote folder, specified in web url",
+                                   BoxIcon::kWarning}));
+  }
+  EXPECT_TRUE(WaitUntil([this] { return LooksConnected(); }));
+}
+
+TEST_F(Dialog, TellsOfAServerThatGoesAwayMeanwhile) {
+  ASSERT_TRUE(OpenUpload(""));
+  Login login = LoginTo(LoggingIn() + Script{Expect("CWD a"), Close()});
+  login.folder = "a";
+  FillIn(login);
+  FtpItem(IDC_FTP_CONNECT).Click();
+  EXPECT_EQ(NextMessage(), (Told{"no response", BoxIcon::kWarning}));
+  EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }));
+}
+
+TEST_F(Dialog, TellsThatThereIsNoServer) {
+  ASSERT_TRUE(OpenUpload(""));
+  for (const std::string& host :
+       {"127.0.0.1:" + std::to_string(UnusedPort()), std::string("no.such.host.invalid"), std::string(),
+        std::string("127.0.0.1:ftp")}) {
+    FillIn(Login{.host = host});
+    FtpItem(IDC_FTP_CONNECT).Click();
+    const Told told = NextMessage();
+    const int code =
+        host.starts_with("127.0.0.1:") && host != "127.0.0.1:ftp" ? kNetConnectTimedOut : kNetBadAddress;
+    EXPECT_EQ(told, (Told{CUT_ERR::GetErrorString(code), BoxIcon::kWarning})) << host;
+    EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }));
+  }
+  EXPECT_EQ(ReadProfile("FTP", "host"), std::nullopt);
+  EXPECT_EQ(ReadProfile("FTP", "bFirewall"), "1");
+}
+
+TEST_F(Dialog, ConnectsOnceHoweverOftenItIsAsked) {
+  ASSERT_TRUE(OpenUpload(""));
+  FillIn(LoginTo(Script{Gate()} + LoggingIn() + Listing("") + kLeaving));
+  FtpItem(IDC_FTP_CONNECT).Click();
+  ASSERT_TRUE(IsAtGate());
+  // It answers meanwhile.
+  EXPECT_TRUE(Ftp().AnswerTime(kPromptly));
+  for (const int id : {IDC_FTP_CONNECT, IDC_FTP_REFRESH, IDC_FTP_UPLOAD, IDC_FTP_REMOVE, IDC_FTP_DISCONNECT,
+                       IDC_FTP_UPDATE_INDEX, IDC_FTP_ABORT}) {
+    FtpItem(id).Click();
+  }
+  PostTimer();
+  Go();
+  EXPECT_TRUE(WaitUntil([this] { return LooksConnected(); }));
+}
+
+TEST_F(Dialog, ClosesWhileAServerIsSilent) {
+  ASSERT_TRUE(OpenUpload(""));
+  FillIn(LoginTo({Gate()}));
+  FtpItem(IDC_FTP_CONNECT).Click();
+  ASSERT_TRUE(IsAtGate());
+  const Window dialog = Ftp();
+  const ULONGLONG start = GetTickCount64();
+  dialog.Post(WM_CLOSE);
+  EXPECT_TRUE(dialog.WaitUntilGone());
+  EXPECT_LT(GetTickCount64() - start, kPromptly);
+  EXPECT_FALSE(FindMessageBox(Running()));
+  Go();
+}
+
+TEST_F(Dialog, KeepsAConnectionAliveButStaysOutOfConversations) {
+  ASSERT_TRUE(ConnectTo(Answering("NOOP", "200 fine") + Answering("CWD up", "550 no") +
+                            Answering("MKD up", "257") + Answering("CWD up", "250") +
+                            Script{AnswerPasv(), Expect("STOR a"), AcceptData(), Say("150"), Gate(),
+                                   HearData(), CloseData(), Say("226")} +
+                            Answering("CDUP", "250") + Listing("") + Answering("NOOP", "200 fine") + kLeaving,
+                        {"a"}));
+  PostTimer();
+  FtpItem(IDC_FTP_UPLOAD).Click();
+  ASSERT_TRUE(IsAtGate());
+  for (int i = 0; i < 3; ++i) PostTimer();
+  EXPECT_TRUE(Ftp().AnswerTime(kPromptly));
+  Go();
+  EXPECT_EQ(NextMessage().text, "1 file uploaded");
+  PostTimer();
+}
+
+TEST_F(Dialog, NoticesThatTheServerHasGone) {
+  ASSERT_TRUE(ConnectTo({Gate(), Close()}));
+  Go();
+  m_server->Finish();
+  PostTimer();
+  EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }));
+  EXPECT_FALSE(FindMessageBox(Running()));
+}
+
+TEST_F(Dialog, SaysThatAConnectionIsLost) {
+  ASSERT_TRUE(ConnectTo({Gate(), Close()}));
+  Go();
+  m_server->Finish();
+  FtpItem(IDC_FTP_UPLOAD).Click();
+  EXPECT_EQ(NextMessage(), (Told{"Connection lost", BoxIcon::kWarning}));
+  EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }));
+}
+
+TEST_F(Dialog, RefusesFoldersThatCannotBeUploaded) {
+  const struct {
+    std::string folder;
+    const char* message;
+  } cases[] = {{Path("missing"), "The folder to upload does not exist"},
+               {Path("file"), "The folder to upload does not exist"},
+               {"", "The folder to upload does not exist"},
+               {"C:", "Unable to upload local folder"},
+               {"C:\\", "Unable to upload local folder"}};
+  WriteFileIn(Path("file"), "x");
+  for (const auto& [folder, message] : cases) {
+    ASSERT_TRUE(OpenUpload(folder));
+    ASSERT_TRUE(Connect(LoginTo(LoggingIn() + Listing("") + kLeaving)));
+    FtpItem(IDC_FTP_UPLOAD).Click();
+    EXPECT_EQ(NextMessage(), (Told{message, BoxIcon::kInformation})) << folder;
+    EXPECT_TRUE(LooksConnected());
+    EXPECT_TRUE(CloseUpload());
+    EXPECT_EQ(m_server->Finish(), "");
+  }
+}
+
+// What is typed into the field is only looked at.
+TEST_F(Dialog, UploadsTheFolderThatItWasOpenedWith) {
+  ASSERT_TRUE(ConnectTo(Answering("CWD up", "550 no") + Answering("MKD up", "257") +
+                            Answering("CWD up", "250") + Receiving("a") + Answering("CDUP", "250") +
+                            Listing("") + kLeaving,
+                        {"a"}));
+  FtpItem(IDC_FTP_DATA_FOLDER).SetText(Path("other"));
+  FtpItem(IDC_FTP_UPLOAD).Click();
+  EXPECT_EQ(NextMessage().text, "1 file uploaded");
+}
+
+TEST_F(Dialog, UploadsAnEmptyFolder) {
+  CreateDirectoryA(Path("up").c_str(), nullptr);
+  ASSERT_TRUE(ConnectTo(Answering("CWD up", "550 no") + Answering("MKD up", "257") +
+                            Answering("CWD up", "250") + Answering("CDUP", "250") + Listing(kOneFolder) +
+                            kLeaving,
+                        {}));
+  FtpItem(IDC_FTP_UPLOAD).Click();
+  EXPECT_EQ(NextMessage(), (Told{"0 file uploaded", BoxIcon::kInformation}));
+}
+
+TEST_F(Dialog, GoesOnWhenAFileIsRefused) {
+  ASSERT_TRUE(ConnectTo(Answering("CWD up", "550 no") + Answering("MKD up", "257") +
+                        Answering("CWD up", "250") + Receiving("a") +
+                        Script{AnswerPasv(), Expect("STOR b"), AcceptData(), Say("552 disk full")} +
+                        Receiving("c") + Answering("CDUP", "250") + Listing("") + kLeaving));
+  FtpItem(IDC_FTP_UPLOAD).Click();
+  EXPECT_EQ(NextMessage(), (Told{"Only 2 file are uploaded correctly (3 total)", BoxIcon::kWarning}));
+  EXPECT_TRUE(LooksConnected());
+}
+
+TEST_F(Dialog, ReportsAServerThatDiesInTheMiddle) {
+  ASSERT_TRUE(ConnectTo(Answering("CWD up", "550 no") + Answering("MKD up", "257") +
+                        Answering("CWD up", "250") + Receiving("a") +
+                        Script{AnswerPasv(), Expect("STOR b"), AcceptData(), ResetData(), Reset()}));
+  FtpItem(IDC_FTP_UPLOAD).Click();
+  EXPECT_EQ(NextMessage(), (Told{"Only 1 file are uploaded correctly (3 total)", BoxIcon::kWarning}));
+  EXPECT_TRUE(LooksDisconnected());
+  EXPECT_TRUE(Rows().empty());
+}
+
+TEST_F(Dialog, StopsWhenAServerIsSilentInTheMiddle) {
+  ASSERT_TRUE(ConnectTo(Answering("CWD up", "550 no") + Answering("MKD up", "257") +
+                        Answering("CWD up", "250") + Receiving("a") +
+                        Script{AnswerPasv(), Expect("STOR b"), AcceptData(), Gate()}));
+  FtpItem(IDC_FTP_UPLOAD).Click();
+  ASSERT_TRUE(IsAtGate());
+  FtpItem(IDC_FTP_ABORT).Click();
+  EXPECT_EQ(NextMessage(IDYES),
+            (Told{"Do you want to stop current operation?", BoxIcon::kQuestion, {IDYES, IDNO}}));
+  const ULONGLONG start = GetTickCount64();
+  EXPECT_EQ(NextMessage(), (Told{"Only 1 file are uploaded correctly (3 total)", BoxIcon::kWarning}));
+  EXPECT_LT(GetTickCount64() - start, kPromptly);
+  // An answer may still come to a question that nobody remembers.
+  EXPECT_TRUE(LooksDisconnected());
+  Go();
+}
+
+TEST_F(Dialog, AsksBeforeItClosesInTheMiddle) {
+  ASSERT_TRUE(ConnectTo(Answering("CWD up", "550 no") + Answering("MKD up", "257") +
+                        Answering("CWD up", "250") +
+                        Script{AnswerPasv(), Expect("STOR a"), AcceptData(), Say("150"), Gate(), HearData(),
+                               CloseData(), Say("226")} +
+                        Answering("CDUP", "250") + kLeaving));
+  FtpItem(IDC_FTP_UPLOAD).Click();
+  ASSERT_TRUE(IsAtGate());
+  const Window dialog = Ftp();
+  dialog.Post(WM_CLOSE);
+  EXPECT_EQ(NextMessage(IDNO),
+            (Told{"Do you want to stop current operation?", BoxIcon::kQuestion, {IDYES, IDNO}}));
+  EXPECT_TRUE(FtpItem(IDC_FTP_ABORT).IsEnabled());
+  dialog.Post(WM_CLOSE);
+  NextMessage(IDYES);
+  Go();
+  EXPECT_EQ(NextMessage().icon, BoxIcon::kWarning);
+  EXPECT_TRUE(dialog.WaitUntilGone());
+}
+
+constexpr char kLies[] =
+    "drwxr-xr-x 2 ann ann 4096 Mar 07 2014 .\r\n"
+    "drwxr-xr-x 2 ann ann 4096 Mar 07 2014 ..\r\n"
+    "drwxr-xr-x 2 ann ann 4096 Mar 07 2014 /etc\r\n"
+    "-rw-r--r-- 1 ann ann 9 Mar 07 2014 ../secret\r\n"
+    "-rw-r--r-- 1 ann ann 9 Mar 07 2014 a\\b\r\n"
+    "-rw-r--r-- 1 ann\r\n"
+    "-rw-r--r-- 1 ann ann 9 Mar 07 2014 esc\x1B\r\n";
+
+class Removal : public Dialog {
+ protected:
+  void Remove() {
+    ASSERT_TRUE(SelectRow("x"));
+    FtpItem(IDC_FTP_REMOVE).Click();
+    EXPECT_EQ(NextMessage(IDYES),
+              (Told{"Do you want to remove remote folder 'x'?\nYou cannot undo this operation",
+                    BoxIcon::kInformation,
+                    {IDYES, IDNO}}));
+  }
+};
+
+TEST_F(Removal, OfAnEmptyFolderTakesFourCommands) {
+  ASSERT_TRUE(ConnectTo(Answering("CWD x", "250") + Listing("") + Answering("CDUP", "250") +
+                        Answering("RMD x", "250") + Listing("") + kLeaving));
+  Remove();
+  EXPECT_TRUE(WaitUntil([this] { return Rows().empty() && LooksConnected(); }));
+}
+
+TEST_F(Removal, IsDroppedWhenTheAnswerIsNo) {
+  ASSERT_TRUE(ConnectTo(kLeaving));
+  ASSERT_TRUE(SelectRow("x"));
+  FtpItem(IDC_FTP_REMOVE).Click();
+  NextMessage(IDNO);
+  EXPECT_TRUE(LooksConnected());
+}
+
+TEST_F(Removal, NeedsASelectedRow) {
+  ASSERT_TRUE(ConnectTo(Answering("NOOP", "200") + kLeaving));
+  FtpItem(IDC_FTP_REMOVE).Click();
+  PostTimer();
+  EXPECT_FALSE(FindMessageBox(Running()));
+}
+
+TEST_F(Removal, NeverUsesWhatAServerMakesUp) {
+  const std::string lies = kLies;
+  const std::string file = lies + "-rw-r--r-- 1 ann ann 9 Mar 07 2014 plain\r\n";
+  ASSERT_TRUE(ConnectTo(Answering("CWD x", "250") + Listing(file) + Listing(file) +
+                        Answering("DELE plain", "250") + Listing(lies) + Answering("CDUP", "250") +
+                        Answering("RMD x", "250") + Listing("") + kLeaving));
+  Remove();
+  EXPECT_TRUE(WaitUntil([this] { return Rows().empty() && LooksConnected(); }));
+}
+
+TEST_F(Removal, RefusesARowThatIsNoFolderOfThisOne) {
+  ASSERT_TRUE(OpenUpload(""));
+  ASSERT_TRUE(Connect(LoginTo(LoggingIn() + Listing(kLies) + kLeaving)));
+  for (const char* name : {".", "..", "/etc", "../secret"}) {
+    ASSERT_TRUE(SelectRow(name));
+    FtpItem(IDC_FTP_REMOVE).Click();
+    EXPECT_EQ(NextMessage(),
+              (Told{"Unable to remove remote folder '" + std::string(name) + "'", BoxIcon::kWarning}));
+  }
+}
+
+TEST_F(Removal, GivesUpWhatCannotBeDeleted) {
+  const std::string file = "-rw-r--r-- 1 ann ann 9 Mar 07 2014 plain\r\n";
+  ASSERT_TRUE(ConnectTo(Answering("CWD x", "250") + Listing(file) + Listing(file) +
+                        Answering("DELE plain", "550 no") + Listing(file) +
+                        Answering("DELE plain", "550 no") + Answering("CDUP", "250") + Listing(kOneFolder) +
+                        kLeaving));
+  Remove();
+  EXPECT_EQ(NextMessage(), (Told{"Unable to remove remote folder 'x'", BoxIcon::kWarning}));
+  EXPECT_EQ(FtpItem(IDC_FTP_STATUS).Text(), "cannot delete x\\plain");
+  EXPECT_TRUE(LooksConnected());
+}
+
+TEST_F(Removal, TellsOfAFolderThatStays) {
+  ASSERT_TRUE(ConnectTo(Answering("CWD x", "250") + Listing("") + Answering("CDUP", "250") +
+                        Answering("RMD x", "550 no") + Listing(kOneFolder) + kLeaving));
+  Remove();
+  EXPECT_EQ(NextMessage(), (Told{"Unable to remove remote folder 'x'", BoxIcon::kWarning}));
+  EXPECT_TRUE(LooksConnected());
+}
+
+TEST_F(Removal, ShowsWhatItDoes) {
+  const std::string file = "-rw-r--r-- 1 ann ann 9 Mar 07 2014 plain\r\n";
+  ASSERT_TRUE(ConnectTo(Script{Gate()} + Answering("CWD x", "250") + Listing("") + Answering("CDUP", "250") +
+                        Answering("RMD x", "250") + Listing("") + kLeaving));
+  ASSERT_TRUE(IsAtGate());
+  Remove();
+  EXPECT_TRUE(WaitUntil([this] { return FtpItem(IDC_FTP_STATUS).IsVisible(); }));
+  EXPECT_EQ(FtpItem(IDC_FTP_STATUS).Text(), "Start deleting...");
+  EXPECT_FALSE(FtpItem(IDC_FTP_PROGRESS).IsVisible());
+  EXPECT_TRUE(FtpItem(IDC_FTP_ABORT).IsEnabled());
+  Go();
+  EXPECT_TRUE(WaitUntil([this] { return LooksConnected(); }));
+  EXPECT_FALSE(FtpItem(IDC_FTP_STATUS).IsVisible());
+  EXPECT_TRUE(FtpItem(IDC_FTP_PROGRESS).IsVisible());
+}
+
+TEST_F(Removal, EndsWhenTheServerDies) {
+  ASSERT_TRUE(ConnectTo(Answering("CWD x", "250") + Script{AnswerPasv(), Expect("LIST"), Reset()}));
+  Remove();
+  EXPECT_EQ(NextMessage().text, "Unable to remove remote folder 'x'");
+  EXPECT_TRUE(LooksDisconnected());
+}
+
+TEST_F(Removal, StopsWhenTheServerIsSilent) {
+  ASSERT_TRUE(ConnectTo(Answering("CWD x", "250") + Script{AnswerPasv(), Expect("LIST"), Gate()}));
+  Remove();
+  ASSERT_TRUE(IsAtGate());
+  FtpItem(IDC_FTP_ABORT).Click();
+  NextMessage(IDYES);
+  const ULONGLONG start = GetTickCount64();
+  EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }));
+  EXPECT_LT(GetTickCount64() - start, kPromptly);
+  EXPECT_FALSE(FindMessageBox(Running()));
+  Go();
+}
+
+using Index = Dialog;
+
+// The button is hidden, but it is there.
+TEST_F(Index, IsSentInPlaceOfTheOldOne) {
+  ASSERT_TRUE(OpenUpload("", "http://www.example.org/maps"));
+  ASSERT_TRUE(
+      Connect(LoginTo(LoggingIn() + Listing(kOneFolder) + Listing(kOneFolder) + Answering("CWD x", "250") +
+                      Listing("-rw-r--r-- 1 ann ann 9 Mar 07 2014 preview.jpg\r\n"
+                              "-rw-r--r-- 1 ann ann 9 Mar 07 2014 doc.kml\r\n") +
+                      Answering("CDUP", "250") + Answering("DELE index.html", "550 none yet") +
+                      Receiving("index.html") + kLeaving)));
+  FtpItem(IDC_FTP_UPDATE_INDEX).Click();
+  EXPECT_EQ(NextMessage(), (Told{"Remote index updated", BoxIcon::kInformation}));
+  EXPECT_TRUE(LooksConnected());
+  EXPECT_TRUE(CloseUpload());
+  EXPECT_EQ(m_server->Finish(), "");
+  const std::string page = m_server->HeardOnData();
+  EXPECT_NE(page.find("<img style=\"vertical-align: middle;\" src=\"x/preview.jpg\""), std::string::npos);
+  EXPECT_NE(page.find("<li><a href=\"http://www.example.org/maps/x/doc.kml\""), std::string::npos);
+  EXPECT_NE(page.find("<li>Created: 2014/03/07 00:00</p></li>"), std::string::npos);
+}
+
+TEST_F(Index, IsNotTouchedWhenTheFolderCannotBeListed) {
+  ASSERT_TRUE(OpenUpload("", "http://www.example.org/maps"));
+  ASSERT_TRUE(Connect(LoginTo(LoggingIn() + Listing(kOneFolder) + Answering("PASV", "425 no") + kLeaving)));
+  FtpItem(IDC_FTP_UPDATE_INDEX).Click();
+  EXPECT_EQ(NextMessage(), (Told{"Unable to update the remote index", BoxIcon::kWarning}));
+  EXPECT_FALSE(FtpItem(IDC_FTP_CHECK).IsEnabled());
+  for (const int id : {IDC_FTP_DISCONNECT, IDC_FTP_REMOVE, IDC_FTP_REFRESH, IDC_FTP_LIST, IDC_FTP_UPLOAD,
+                       IDC_FTP_UPDATE_INDEX, IDC_FTP_DATA_FOLDER, static_cast<int>(IDOK)}) {
+    EXPECT_TRUE(FtpItem(id).IsEnabled()) << id;
+  }
+}
+
+}  // namespace
