@@ -128,7 +128,9 @@ class CUT_FTPClient : public CUT_WSClient {
     std::uint16_t port = 0;
   };
 
+  // Wiped, for it stands on the stack, which crash reports hold.
   struct LoginCommands {
+    ~LoginCommands() { Wipe(this, sizeof *this); }
     char user[kFtpLineSize];
     char password[kFtpLineSize];
     char account[kFtpLineSize];

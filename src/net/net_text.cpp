@@ -37,3 +37,9 @@ bool FormatCommand(char (&buffer)[kFtpLineSize], const char* format, ...) {
   buffer[0] = '\0';
   return false;
 }
+
+void Wipe(void* bytes, size_t size) {
+  // A compiler may leave out what nobody reads, but not this.
+  volatile char* const byte = static_cast<volatile char*>(bytes);
+  for (size_t i = 0; i < size; ++i) byte[i] = 0;
+}

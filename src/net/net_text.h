@@ -20,6 +20,9 @@ int CountTokens(const char* text, const char* delimiters);
 // it is refused with code 137.
 bool HasCommandBreak(const char* text);
 
+// Overwrites size bytes of what must not be found later in memory, such as a password.
+void Wipe(void* bytes, size_t size);
+
 // Formats a command. One of more than 260 characters is refused: false, and buffer is empty (code 105).
 #if defined(__MINGW32__)
 [[gnu::format(__MINGW_PRINTF_FORMAT, 2, 3)]]

@@ -82,4 +82,12 @@ TEST(FormatCommand, RefusesMoreThan260Characters) {
   }
 }
 
+TEST(Wipe, LeavesNothing) {
+  char text[] = "secret";
+  Wipe(text, 3);
+  EXPECT_EQ(std::string(text, sizeof text), std::string("\0\0\0ret\0", 7));
+  Wipe(text, 0);
+  EXPECT_EQ(text[3], 'r');
+}
+
 }  // namespace

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "kvtools/kvtools.h"
+#include "net/net_text.h"
 
 namespace {
 
@@ -18,7 +19,10 @@ constexpr int kBuffer = 1024;
 std::string Load(const char* key, const char* defaultValue) {
   char value[kBuffer] = "";
   KVT_GetUserProfileString(kSection, key, defaultValue, value, kBuffer);
-  return value;
+  std::string text = value;
+  // The stack is part of crash reports, and it may be the password.
+  Wipe(value, kBuffer);
+  return text;
 }
 
 void Save(const char* key, const std::string& value) {
@@ -26,6 +30,10 @@ void Save(const char* key, const std::string& value) {
 }
 
 }  // namespace
+
+FtpSettings::~FtpSettings() {
+  Wipe(password.data(), password.size());
+}
 
 FtpSettings LoadFtpSettings() {
   FtpSettings settings;

@@ -12,6 +12,11 @@ struct FtpSettings {
   std::string remoteFolder;
   bool firewallMode = false;  // passive data connections
   bool byteTransfer = true;   // otherwise ASCII
+
+  FtpSettings() = default;
+  FtpSettings(FtpSettings&&) = default;
+  FtpSettings& operator=(FtpSettings&&) = default;
+  ~FtpSettings();  // wipes the password
 };
 
 FtpSettings LoadFtpSettings();

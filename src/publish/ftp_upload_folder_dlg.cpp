@@ -6,6 +6,7 @@
 #include "kvtools/flag_guard.h"
 #include "kvtools/kvtools.h"
 #include "net/error_codes.h"
+#include "net/net_text.h"
 #include "publish/addresses.h"
 #include "publish/entry_date.h"
 #include "publish/ftp_settings.h"
@@ -16,6 +17,20 @@ namespace {
 
 constexpr UINT_PTR kKeepAliveTimer = 100;
 constexpr UINT kKeepAliveMilliseconds = 20000;
+
+// Short texts stand on the stack, which crash reports hold.
+class Password {
+ public:
+  explicit Password(std::string text) : m_text(std::move(text)) {}
+  ~Password() { Wipe(m_text.data(), m_text.size()); }
+  Password(const Password&) = delete;
+  Password& operator=(const Password&) = delete;
+
+  const std::string& Text() const { return m_text; }
+
+ private:
+  std::string m_text;
+};
 
 }  // namespace
 
@@ -58,14 +73,14 @@ void CFtpUploadFolderDlg::Connect() {
   m_host = GetDlgItemText(IDC_FTP_HOST);
   m_remoteFolder = GetDlgItemText(IDC_FTP_REMOTE_FOLDER);
   const std::string userName = GetDlgItemText(IDC_FTP_USER_NAME);
-  const std::string password = GetDlgItemText(IDC_FTP_PASSWORD);
+  const Password password(GetDlgItemText(IDC_FTP_PASSWORD));
 
   CWaitCursor wait;
   m_pWaitCursor = &wait;
   const HostAddress address = ParseHostAddress(m_host);
   m_ftp.Reset();
   m_ftp.SetControlPort(address.port);
-  const int failed = m_ftp.FTPConnect(address.host.c_str(), userName.c_str(), password.c_str(), "");
+  const int failed = m_ftp.FTPConnect(address.host.c_str(), userName.c_str(), password.Text().c_str(), "");
   if (failed != kNetSuccess) {
     // A login that was refused leaves a connection, which would be taken for a good one.
     m_ftp.FTPClose();
@@ -74,7 +89,7 @@ void CFtpUploadFolderDlg::Connect() {
     return;
   }
   ChooseTransferType();
-  SaveLogin(m_host, userName, password);
+  SaveLogin(m_host, userName, password.Text());
   EnterRemoteFolder();
   SaveRemoteFolder(m_remoteFolder);
   EnableWindow(m_list.GetSafeHwnd(), TRUE);

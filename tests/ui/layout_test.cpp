@@ -5,7 +5,7 @@
 #include <map>
 
 #include "support/temporary_folder.h"
-#include "ui/mosaicon_fixture.h"
+#include "ui/publish_fixture.h"
 #include "ui/screenshot.h"
 
 namespace {
@@ -199,7 +199,7 @@ void ExpectKeys(const Window& dialog) {
   }
 }
 
-class Layout : public MosaiconTest {
+class Layout : public PublishTest {
  protected:
   // What is seen is kept where MOSAICON_PICTURES names a folder.
   void Examine(const Window& dialog, const char* name, int widthInUnits) {
@@ -252,6 +252,11 @@ TEST_F(Layout, OfAboutAndUserDataIsSound) {
   Examine(form, "user_data", 250);
   Close(form, IDCANCEL);
   Close(about, IDOK);
+}
+
+TEST_F(Layout, OfTheUploadDialogIsSound) {
+  ASSERT_TRUE(OpenUpload("d:\\maps\\harbour"));
+  Examine(Ftp(), "upload", 265);
 }
 
 TEST_F(Layout, OfAMessageCanBeSeen) {

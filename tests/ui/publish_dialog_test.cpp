@@ -1,84 +1,14 @@
 // The upload dialog by itself, and with servers that do not behave: each test says what its server hears
 // and answers.
-#include <atomic>
-
 #include "net/error_codes.h"
-#include "net/scripted_server.h"
-#include "ui/publish_fixture.h"
+#include "ui/scripted_dialog.h"
 
 // After windows.h.
 #include <commctrl.h>
 
 namespace {
 
-using Script = ScriptedServer::Script;
-using Strings = std::vector<std::string>;
-
-constexpr UINT_PTR kKeepAliveTimer = 100;
-constexpr DWORD kPromptly = 2000;  // ms
-
-Script LoggingIn(const std::string& type = "I") {
-  return {Say("220 ready"),  Expect("USER ann"), Say("331 whose?"), Expect("PASS secret"),
-          Say("230 in"),     Expect("TYPE A"),   Say("200 A"),      Expect("MODE S"),
-          Say("200 S"),      Expect("STRU F"),   Say("200 F"),      Expect("TYPE " + type),
-          Say("200 " + type)};
-}
-
-Script Listing(const std::string& lines) {
-  return {AnswerPasv(),    Expect("LIST"), AcceptData(),   Say("150 here"),
-          SendData(lines), CloseData(),    Say("226 done")};
-}
-
-// One command, answered.
-Script Answering(const std::string& command, const std::string& reply) {
-  return {Expect(command), Say(reply)};
-}
-
-Script Receiving(const std::string& name) {
-  return {AnswerPasv(), Expect("STOR " + name), AcceptData(), Say("150 go on"), HearData(),
-          CloseData(),  Say("226 done")};
-}
-
-const Script kLeaving = {Expect("Quit"), ExpectEnd()};
-constexpr char kOneFolder[] = "drwxr-xr-x 2 ann ann 4096 Mar 07 2014 x\r\n";
-
-class Dialog : public PublishTest {
- protected:
-  void TearDown() override {
-    PublishTest::TearDown();
-    EXPECT_EQ(m_server != nullptr ? m_server->Finish() : "", "");
-  }
-
-  std::string Serve(const Script& script) {
-    m_server = std::make_unique<ScriptedServer>(script);
-    return "127.0.0.1:" + std::to_string(m_server->Port());
-  }
-  Login LoginTo(const Script& script) { return {.host = Serve(script)}; }
-
-  // Serves the login, one folder and script; connects. The folder to upload has the files given.
-  bool ConnectTo(const Script& script, const Strings& files = {"a", "b", "c"}) {
-    for (const std::string& file : files) WriteFileIn(Path("up\\" + file), file);
-    return OpenUpload(Path("up")) && Connect(LoginTo(LoggingIn() + Listing(kOneFolder) + script));
-  }
-  void PostTimer() { Ftp().Post(WM_TIMER, kKeepAliveTimer); }
-
-  // A step that waits for Go; HasCome tells that the server is there.
-  ScriptedServer::Step Gate() {
-    return [this](ScriptedServer::Stage&) {
-      m_bAtGate = true;
-      for (int i = 0; i < 2000 && !m_bGo; ++i) Sleep(10);
-      return m_bGo.load();
-    };
-  }
-  bool IsAtGate() {
-    return WaitUntil([this] { return m_bAtGate.load(); });
-  }
-  void Go() { m_bGo = true; }
-
-  std::unique_ptr<ScriptedServer> m_server;
-  std::atomic<bool> m_bAtGate = false;
-  std::atomic<bool> m_bGo = false;
-};
+using Dialog = ScriptedDialog;
 
 TEST_F(Dialog, HasTheControlsOfItsTemplate) {
   ASSERT_TRUE(OpenUpload("d:\\maps\\my ortho"));
@@ -230,7 +160,7 @@ TEST_F(Dialog, TellsOfEachFolderThatItCannotEnter) {
   Login login = LoginTo(LoggingIn() + Answering("CWD a", "550 no") + Answering("CWD b", "550 no") +
                         Answering("CWD c", "250") + Listing("") + kLeaving);
   login.folder = "a/b/c";
-  FillIn(login);
+  FillInLogin(login);
   FtpItem(IDC_FTP_CONNECT).Click();
   for (const char* folder : {"a", "b"}) {
     EXPECT_EQ(NextMessage(), (Told{"WARNING. Can't access to '" + std::string(folder) +
@@ -244,7 +174,7 @@ TEST_F(Dialog, TellsOfAServerThatGoesAwayMeanwhile) {
   ASSERT_TRUE(OpenUpload(""));
   Login login = LoginTo(LoggingIn() + Script{Expect("CWD a"), Close()});
   login.folder = "a";
-  FillIn(login);
+  FillInLogin(login);
   FtpItem(IDC_FTP_CONNECT).Click();
   EXPECT_EQ(NextMessage(), (Told{"no response", BoxIcon::kWarning}));
   EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }));
@@ -255,7 +185,7 @@ TEST_F(Dialog, TellsThatThereIsNoServer) {
   for (const std::string& host :
        {"127.0.0.1:" + std::to_string(UnusedPort()), std::string("no.such.host.invalid"), std::string(),
         std::string("127.0.0.1:ftp")}) {
-    FillIn(Login{.host = host});
+    FillInLogin(Login{.host = host});
     FtpItem(IDC_FTP_CONNECT).Click();
     const Told told = NextMessage();
     const int code =
@@ -269,7 +199,7 @@ TEST_F(Dialog, TellsThatThereIsNoServer) {
 
 TEST_F(Dialog, ConnectsOnceHoweverOftenItIsAsked) {
   ASSERT_TRUE(OpenUpload(""));
-  FillIn(LoginTo(Script{Gate()} + LoggingIn() + Listing("") + kLeaving));
+  FillInLogin(LoginTo(Script{Gate()} + LoggingIn() + Listing("") + kLeaving));
   FtpItem(IDC_FTP_CONNECT).Click();
   ASSERT_TRUE(IsAtGate());
   // It answers meanwhile.
@@ -285,7 +215,7 @@ TEST_F(Dialog, ConnectsOnceHoweverOftenItIsAsked) {
 
 TEST_F(Dialog, ClosesWhileAServerIsSilent) {
   ASSERT_TRUE(OpenUpload(""));
-  FillIn(LoginTo({Gate()}));
+  FillInLogin(LoginTo({Gate()}));
   FtpItem(IDC_FTP_CONNECT).Click();
   ASSERT_TRUE(IsAtGate());
   const Window dialog = Ftp();
@@ -431,127 +361,7 @@ TEST_F(Dialog, AsksBeforeItClosesInTheMiddle) {
   EXPECT_TRUE(dialog.WaitUntilGone());
 }
 
-constexpr char kLies[] =
-    "drwxr-xr-x 2 ann ann 4096 Mar 07 2014 .\r\n"
-    "drwxr-xr-x 2 ann ann 4096 Mar 07 2014 ..\r\n"
-    "drwxr-xr-x 2 ann ann 4096 Mar 07 2014 /etc\r\n"
-    "-rw-r--r-- 1 ann ann 9 Mar 07 2014 ../secret\r\n"
-    "-rw-r--r-- 1 ann ann 9 Mar 07 2014 a\\b\r\n"
-    "-rw-r--r-- 1 ann\r\n"
-    "-rw-r--r-- 1 ann ann 9 Mar 07 2014 esc\x1B\r\n";
-
-class Removal : public Dialog {
- protected:
-  void Remove() {
-    ASSERT_TRUE(SelectRow("x"));
-    FtpItem(IDC_FTP_REMOVE).Click();
-    EXPECT_EQ(NextMessage(IDYES),
-              (Told{"Do you want to remove remote folder 'x'?\nYou cannot undo this operation",
-                    BoxIcon::kInformation,
-                    {IDYES, IDNO}}));
-  }
-};
-
-TEST_F(Removal, OfAnEmptyFolderTakesFourCommands) {
-  ASSERT_TRUE(ConnectTo(Answering("CWD x", "250") + Listing("") + Answering("CDUP", "250") +
-                        Answering("RMD x", "250") + Listing("") + kLeaving));
-  Remove();
-  EXPECT_TRUE(WaitUntil([this] { return Rows().empty() && LooksConnected(); }));
-}
-
-TEST_F(Removal, IsDroppedWhenTheAnswerIsNo) {
-  ASSERT_TRUE(ConnectTo(kLeaving));
-  ASSERT_TRUE(SelectRow("x"));
-  FtpItem(IDC_FTP_REMOVE).Click();
-  NextMessage(IDNO);
-  EXPECT_TRUE(LooksConnected());
-}
-
-TEST_F(Removal, NeedsASelectedRow) {
-  ASSERT_TRUE(ConnectTo(Answering("NOOP", "200") + kLeaving));
-  FtpItem(IDC_FTP_REMOVE).Click();
-  PostTimer();
-  EXPECT_FALSE(FindMessageBox(Running()));
-}
-
-TEST_F(Removal, NeverUsesWhatAServerMakesUp) {
-  const std::string lies = kLies;
-  const std::string file = lies + "-rw-r--r-- 1 ann ann 9 Mar 07 2014 plain\r\n";
-  ASSERT_TRUE(ConnectTo(Answering("CWD x", "250") + Listing(file) + Listing(file) +
-                        Answering("DELE plain", "250") + Listing(lies) + Answering("CDUP", "250") +
-                        Answering("RMD x", "250") + Listing("") + kLeaving));
-  Remove();
-  EXPECT_TRUE(WaitUntil([this] { return Rows().empty() && LooksConnected(); }));
-}
-
-TEST_F(Removal, RefusesARowThatIsNoFolderOfThisOne) {
-  ASSERT_TRUE(OpenUpload(""));
-  ASSERT_TRUE(Connect(LoginTo(LoggingIn() + Listing(kLies) + kLeaving)));
-  for (const char* name : {".", "..", "/etc", "../secret"}) {
-    ASSERT_TRUE(SelectRow(name));
-    FtpItem(IDC_FTP_REMOVE).Click();
-    EXPECT_EQ(NextMessage(),
-              (Told{"Unable to remove remote folder '" + std::string(name) + "'", BoxIcon::kWarning}));
-  }
-}
-
-TEST_F(Removal, GivesUpWhatCannotBeDeleted) {
-  const std::string file = "-rw-r--r-- 1 ann ann 9 Mar 07 2014 plain\r\n";
-  ASSERT_TRUE(ConnectTo(Answering("CWD x", "250") + Listing(file) + Listing(file) +
-                        Answering("DELE plain", "550 no") + Listing(file) +
-                        Answering("DELE plain", "550 no") + Answering("CDUP", "250") + Listing(kOneFolder) +
-                        kLeaving));
-  Remove();
-  EXPECT_EQ(NextMessage(), (Told{"Unable to remove remote folder 'x'", BoxIcon::kWarning}));
-  EXPECT_EQ(FtpItem(IDC_FTP_STATUS).Text(), "cannot delete x\\plain");
-  EXPECT_TRUE(LooksConnected());
-}
-
-TEST_F(Removal, TellsOfAFolderThatStays) {
-  ASSERT_TRUE(ConnectTo(Answering("CWD x", "250") + Listing("") + Answering("CDUP", "250") +
-                        Answering("RMD x", "550 no") + Listing(kOneFolder) + kLeaving));
-  Remove();
-  EXPECT_EQ(NextMessage(), (Told{"Unable to remove remote folder 'x'", BoxIcon::kWarning}));
-  EXPECT_TRUE(LooksConnected());
-}
-
-TEST_F(Removal, ShowsWhatItDoes) {
-  const std::string file = "-rw-r--r-- 1 ann ann 9 Mar 07 2014 plain\r\n";
-  ASSERT_TRUE(ConnectTo(Script{Gate()} + Answering("CWD x", "250") + Listing("") + Answering("CDUP", "250") +
-                        Answering("RMD x", "250") + Listing("") + kLeaving));
-  ASSERT_TRUE(IsAtGate());
-  Remove();
-  EXPECT_TRUE(WaitUntil([this] { return FtpItem(IDC_FTP_STATUS).IsVisible(); }));
-  EXPECT_EQ(FtpItem(IDC_FTP_STATUS).Text(), "Start deleting...");
-  EXPECT_FALSE(FtpItem(IDC_FTP_PROGRESS).IsVisible());
-  EXPECT_TRUE(FtpItem(IDC_FTP_ABORT).IsEnabled());
-  Go();
-  EXPECT_TRUE(WaitUntil([this] { return LooksConnected(); }));
-  EXPECT_FALSE(FtpItem(IDC_FTP_STATUS).IsVisible());
-  EXPECT_TRUE(FtpItem(IDC_FTP_PROGRESS).IsVisible());
-}
-
-TEST_F(Removal, EndsWhenTheServerDies) {
-  ASSERT_TRUE(ConnectTo(Answering("CWD x", "250") + Script{AnswerPasv(), Expect("LIST"), Reset()}));
-  Remove();
-  EXPECT_EQ(NextMessage().text, "Unable to remove remote folder 'x'");
-  EXPECT_TRUE(LooksDisconnected());
-}
-
-TEST_F(Removal, StopsWhenTheServerIsSilent) {
-  ASSERT_TRUE(ConnectTo(Answering("CWD x", "250") + Script{AnswerPasv(), Expect("LIST"), Gate()}));
-  Remove();
-  ASSERT_TRUE(IsAtGate());
-  FtpItem(IDC_FTP_ABORT).Click();
-  NextMessage(IDYES);
-  const ULONGLONG start = GetTickCount64();
-  EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }));
-  EXPECT_LT(GetTickCount64() - start, kPromptly);
-  EXPECT_FALSE(FindMessageBox(Running()));
-  Go();
-}
-
-using Index = Dialog;
+using Index = ScriptedDialog;
 
 // The button is hidden, but it is there.
 TEST_F(Index, IsSentInPlaceOfTheOldOne) {

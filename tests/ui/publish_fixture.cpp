@@ -151,7 +151,7 @@ bool PublishTest::CloseUpload() {
   return dialog.WaitUntilGone() && Main().WaitUntilEnabled();
 }
 
-void PublishTest::FillIn(const Login& login) {
+void PublishTest::FillInLogin(const Login& login) {
   FtpItem(IDC_FTP_HOST).SetText(login.host);
   FtpItem(IDC_FTP_REMOTE_FOLDER).SetText(login.folder);
   FtpItem(IDC_FTP_USER_NAME).SetText(login.user);
@@ -161,7 +161,7 @@ void PublishTest::FillIn(const Login& login) {
 }
 
 bool PublishTest::Connect(const Login& login) {
-  FillIn(login);
+  FillInLogin(login);
   FtpItem(IDC_FTP_CONNECT).Click();
   return WaitUntil([this] { return LooksConnected(); });
 }

@@ -55,7 +55,7 @@ class PublishTest : public MosaiconTest {
   Window Ftp() { return Running().Find(kUploadTitle); }
   Window FtpItem(int id) { return Ftp().Item(id); }
 
-  void FillIn(const Login& login);
+  void FillInLogin(const Login& login);
   // Presses Connect; true once the dialog shows that it is connected.
   bool Connect(const Login& login);
   // Whether the dialog has the look of the two states.

@@ -224,7 +224,7 @@ TEST_F(Server, RefusesAWrongPasswordButTakesTheRightOneNext) {
   ASSERT_TRUE(OpenUpload(Path()));
   Login login = ServerLogin();
   login.password = "wrong";
-  FillIn(login);
+  FillInLogin(login);
   FtpItem(IDC_FTP_CONNECT).Click();
   EXPECT_EQ(NextMessage(), (Told{CUT_ERR::GetErrorString(kNetPassRefused), BoxIcon::kWarning}));
   EXPECT_TRUE(LooksDisconnected());
@@ -242,7 +242,7 @@ TEST_F(Server, TellsOfAMissingFolderAndTriesTheNext) {
   ASSERT_TRUE(OpenUpload(Path()));
   Login login = ServerLogin();
   login.folder = "missing/" + RemoteName("second");
-  FillIn(login);
+  FillInLogin(login);
   FtpItem(IDC_FTP_CONNECT).Click();
   EXPECT_EQ(NextMessage(), (Told{"WARNING. Can't access to 'missing' remote folder, specified in web url",
                                  BoxIcon::kWarning}));
