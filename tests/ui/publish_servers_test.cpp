@@ -1,31 +1,13 @@
-// The upload dialog against a real server, which MOSAICON_FTP_HOST, _PORT, _USER, _PASSWORD and _ROOT
-// tell of.
+// The upload dialog against a real server.
 #include <algorithm>
 #include <cstdlib>
 
 #include "net/error_codes.h"
-#include "ui/publish_fixture.h"
+#include "ui/real_server.h"
 
 namespace {
 
 constexpr DWORD kAbortPatience = 2000;  // ms
-
-std::string FromEnvironment(const char* variable) {
-  char value[MAX_PATH] = "";
-  EXPECT_NE(GetEnvironmentVariableA(variable, value, sizeof value), 0U) << variable << " is not set";
-  return value;
-}
-
-Login ServerLogin(bool firewallMode = true) {
-  return {.host = FromEnvironment("MOSAICON_FTP_HOST") + ":" + FromEnvironment("MOSAICON_FTP_PORT"),
-          .user = FromEnvironment("MOSAICON_FTP_USER"),
-          .password = FromEnvironment("MOSAICON_FTP_PASSWORD"),
-          .firewallMode = firewallMode};
-}
-
-std::string Remote(const std::string& name) {
-  return PathFromEnvironment("MOSAICON_FTP_ROOT") + "\\" + name;
-}
 
 using Strings = std::vector<std::string>;
 
