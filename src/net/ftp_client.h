@@ -181,6 +181,9 @@ class CUT_FTPClient : public CUT_WSClient {
   // A reply may still come that belongs to no command: how long to wait for it before the next one,
   // in seconds; negative when there is none.
   std::int32_t m_nLateReplyWait = -1;
+  // The entry asked for last, where the search for a later one begins; null before the first question.
+  const FtpDirEntry* m_pFound = nullptr;
+  std::int32_t m_nFound = 0;
 };
 
 #endif  // MOSAICON_NET_FTP_CLIENT_H_

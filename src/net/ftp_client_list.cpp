@@ -100,10 +100,14 @@ void CUT_FTPClient::ParseDosListLine(FtpDirEntry& entry) {
 
 int CUT_FTPClient::GetDirEntry(int index, FtpDirEntry& entry) {
   if (index < 0 || index >= m_nEntries) return OnError(kNetBadIndex);
-  const FtpDirEntry* found = m_pEntries;
-  for (int i = 0; i < index && found != nullptr; ++i) found = found->next;
-  if (found == nullptr) return OnError(kNetBadIndex);
-  entry = *found;
+  // Callers ask for one entry after the other: from the beginning, that takes the square of the list.
+  if (m_pFound == nullptr || index < m_nFound) {
+    m_pFound = m_pEntries;
+    m_nFound = 0;
+  }
+  for (; m_nFound < index && m_pFound != nullptr; ++m_nFound) m_pFound = m_pFound->next;
+  if (m_pFound == nullptr) return OnError(kNetBadIndex);
+  entry = *m_pFound;
   entry.next = nullptr;
   return OnError(kNetSuccess);
 }
@@ -115,5 +119,6 @@ void CUT_FTPClient::ClearDirList() {
     m_pEntries = next;
   }
   m_pLastEntry = nullptr;
+  m_pFound = nullptr;
   m_nEntries = 0;
 }

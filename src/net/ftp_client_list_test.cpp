@@ -85,6 +85,33 @@ TEST_F(FtpList, ReplacesTheEntries) {
   ExpectInStep();
 }
 
+TEST_F(FtpList, GivesItsEntriesInAnyOrder) {
+  const std::string lines = "01-02-05  09:05AM 1 a\r\n01-02-05  09:05AM 2 b\r\n01-02-05  09:05AM 3 c\r\n";
+  LogInTo(Passive(lines) + Passive("01-02-05  09:05AM 4 d\r\n01-02-05  09:05AM 5 e\r\n") + InStep());
+  EXPECT_EQ(m_client.ListPassive(), kNetSuccess);
+  for (int index : {2, 0, 1, 1, 2, 0}) EXPECT_EQ(Entry(index).size, index + 1);
+  EXPECT_EQ(Entry(2).size, 3);
+  EXPECT_EQ(m_client.ListPassive(), kNetSuccess);
+  EXPECT_EQ(Entry(1).size, 5) << "of the new list";
+  EXPECT_EQ(Entry(0).size, 4);
+  FtpDirEntry entry;
+  EXPECT_EQ(m_client.GetDirEntry(2, entry), kNetBadIndex);
+  ExpectInStep();
+}
+
+TEST_F(FtpList, GivesManyEntriesWithoutDelay) {
+  constexpr int kMany = 40000;
+  std::string lines;
+  for (int i = 0; i < kMany; ++i) lines += "01-02-05  09:05AM " + std::to_string(i) + " x\r\n";
+  LogInTo(Passive(lines) + InStep());
+  ASSERT_EQ(m_client.ListPassive(), kNetSuccess);
+  ASSERT_EQ(m_client.GetDirEntryCount(), kMany);
+  const Stopwatch watch;
+  for (int i = 0; i < kMany; ++i) ASSERT_EQ(Entry(i).size, i);
+  EXPECT_LT(watch.Elapsed(), 500U);
+  ExpectInStep();
+}
+
 TEST_F(FtpList, KeepsLinesThatItDoesNotUnderstand) {
   LogInTo(Passive("TOTALLY new\r\nTotal again\r\n\r\n;\r\nx\ny\r\n") + InStep());
   EXPECT_EQ(m_client.ListPassive(), kNetSuccess);
