@@ -72,7 +72,7 @@ class CUT_FTPClient : public CUT_WSClient {
   virtual int MkDir(const char* directory);
   virtual int RmDir(const char* directory);
   virtual int NoOp();
-  // Replaces the entries. A folder of more than a million of them fails.
+  // Replaces the entries. A folder of more than a million of them fails, and so does a line of megabytes.
   virtual int List();
   virtual int Help(const char* topic);
   // Sends any command; whatever the server answers is a success. Texts of more than 256 characters

@@ -12,6 +12,8 @@ constexpr char kListCommand[] = "LIST\r\n";
 constexpr long kListAcceptSeconds = 15;
 // A server could go on for ever.
 constexpr std::int32_t kMaxEntries = 1000000;
+// Nor is a line in more pieces than these a line.
+constexpr int kMaxLinePieces = 10000;
 
 int CurrentYear() {
   SYSTEMTIME now;
@@ -43,13 +45,14 @@ int CUT_FTPClient::ReceiveListing() {
   ClearDirList();
   if (IsAborted()) return FinishListing(kNetAborted);
   bool isTotalSkipped = false;
-  bool continuesLine = false;
+  int pieces = 0;  // of the line that has not come to its end
   for (;;) {
     const int count = m_data.ReceiveLine(m_szLine, sizeof m_szLine, 0);
     if (count < 1) return FinishListing(kNetSuccess);
     // Of a line that does not fit, the rest is no line of its own.
-    const bool isRest = continuesLine;
-    continuesLine = m_szLine[count - 1] != '\n';
+    const bool isRest = pieces > 0;
+    pieces = m_szLine[count - 1] == '\n' ? 0 : pieces + 1;
+    if (pieces > kMaxLinePieces) return FinishListing(kNetListFailed);
     TrimLineEnd(m_szLine);
     if (!isRest) {
       if (!isTotalSkipped && _strnicmp(m_szLine, "total", 5) == 0) {

@@ -163,6 +163,15 @@ TEST_F(FtpList, IsAbortedBetweenLines) {
   ExpectInStep();
 }
 
+TEST_F(FtpList, GivesUpALineWithoutEnd) {
+  LogInTo(Script{AnswerPasv(), Expect("LIST"), AcceptData(), Say("150"),
+                 SendDataForEver(std::string(1000, 'x')), Say("426")} +
+          InStep());
+  EXPECT_EQ(m_client.ListPassive(), kNetListFailed);
+  EXPECT_EQ(m_client.GetDirEntryCount(), 1);
+  ExpectInStep();
+}
+
 TEST_F(FtpList, IsAbortedBeforeTheFirstLine) {
   LogInTo(Script{AnswerPasv(), Expect("LIST"), AcceptData(), Say("150"), SendData("x\r\n"), ExpectDataLeft(),
                  Say("426")} +
