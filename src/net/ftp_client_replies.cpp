@@ -22,7 +22,13 @@ class ReplyLines : public ReplySource {
       : m_connection(connection),
         m_nSeconds(seconds),
         m_nLineTime(static_cast<ULONGLONG>(std::max(seconds, 1L)) * 1000),
-        m_nStart(GetTickCount64()) {}
+        m_nStart(GetTickCount64()) {
+    // Otherwise one line could take a wait for each of its bytes.
+    m_connection.SetLineDeadline(m_nStart + kReplyPatience * m_nLineTime);
+  }
+  ~ReplyLines() override { m_connection.SetLineDeadline(0); }
+  ReplyLines(const ReplyLines&) = delete;
+  ReplyLines& operator=(const ReplyLines&) = delete;
 
   int NextLine(char* buffer, size_t size) override {
     if (IsEndless()) return 0;

@@ -71,6 +71,20 @@ TEST_F(FtpReplies, GiveUpAReplyWithoutEnd) {
   }
 }
 
+TEST_F(FtpReplies, GiveUpALineThatComesTooSlowly) {
+  const auto trickle = [](ScriptedServer::Stage& stage) {
+    for (int i = 0; i < 150 && stage.control.Say("2"); ++i) Sleep(100);
+    return true;
+  };
+  LogInTo({Expect("CDUP"), trickle});
+  m_client.SetDataTimeouts(1000, 5000);
+  const Stopwatch watch;
+  EXPECT_EQ(m_client.CdUp(), kNetNoResponse);
+  EXPECT_GE(watch.Elapsed(), 3900U) << "no single wait was too long";
+  EXPECT_LT(watch.Elapsed(), 7000U);
+  ExpectPlayed();
+}
+
 TEST_F(FtpReplies, UnderstandThreeDigitsOnly) {
   LogInTo(Script{Expect("CDUP"), Say("250"), Expect("CDUP"), SayRaw("550\n"), Expect("CDUP"), Say("25")} +
           InStep());

@@ -110,6 +110,10 @@ class CUT_WSClient : public CUT_Socket {
   // The dotted address of a name, of which only what follows the last "@" counts. 7 or 35.
   int LookUpAddress(const char* name, char* address, size_t size);
 
+  // From this value of GetTickCount64 on, ReceiveLine stops where it is, as after an abort, however fast
+  // the bytes come. 0: never.
+  void SetLineDeadline(ULONGLONG deadline) { m_nLineDeadline = deadline; }
+
   // ReceiveLine for what must be read, abort or not: an abort ends it only when GetTickCount64 has
   // passed deadline.
   int ReceiveLineDespiteAbort(char* buffer, size_t size, long seconds, ULONGLONG deadline);
@@ -161,6 +165,7 @@ class CUT_WSClient : public CUT_Socket {
   HWND m_hNotifyWindow = nullptr;
   std::int32_t m_nSendTimeout = 30000;  // milliseconds
   std::int32_t m_nReceiveTimeout = 30000;
+  ULONGLONG m_nLineDeadline = 0;
 };
 
 #endif  // MOSAICON_NET_WS_CLIENT_H_

@@ -23,7 +23,11 @@ class CUT_WSClient::Lines : public LineSocket {
   // An abort counts once the deadline has passed.
   Lines(CUT_WSClient& client, ULONGLONG deadline) : m_client(client), m_nDeadline(deadline) {}
 
-  bool IsAborted() override { return m_client.IsAborted() && GetTickCount64() >= m_nDeadline; }
+  bool IsAborted() override {
+    const ULONGLONG lineDeadline = m_client.m_nLineDeadline;
+    if (lineDeadline != 0 && GetTickCount64() >= lineDeadline) return true;
+    return m_client.IsAborted() && GetTickCount64() >= m_nDeadline;
+  }
   bool WaitForData(long seconds) override { return m_client.WaitForReceive(seconds, 0) == 0; }
   int Peek(char* buffer, int count) override {
     if (!m_client.WaitWithListener()) return -1;
