@@ -37,11 +37,14 @@ class ReplyLines : public ReplySource {
       count += ReceiveRest(buffer + count, size - static_cast<size_t>(count));
     }
     m_bWhole = IsWhole(buffer, count, size);
+    m_bEmpty = m_bEmpty && count == 0;
     return count;
   }
 
   // False when the last line has not come to its end.
   bool IsLastWhole() const { return m_bWhole; }
+  // Nothing came at all.
+  bool IsEmpty() const { return m_bEmpty; }
   bool IsEndless() const { return GetTickCount64() - m_nStart >= kReplyPatience * m_nLineTime; }
 
  private:
@@ -61,6 +64,7 @@ class ReplyLines : public ReplySource {
   ULONGLONG m_nLineTime;  // milliseconds
   ULONGLONG m_nStart;
   bool m_bWhole = true;
+  bool m_bEmpty = true;
 };
 
 template <size_t Size>
@@ -84,7 +88,8 @@ int CUT_FTPClient::GetResponseCode(CUT_WSClient& connection, char* text, int siz
   const int received = ReadReply(lines, m_szLine, m_replyLines);
   const int code = lines.IsEndless() ? 0 : received;
   if (code == 0 || !lines.IsLastWhole()) m_nLateReplyWait = std::max(m_nLateReplyWait, 0);
-  if (code == 0) return 0;
+  // A line without a code is no answer, but shows what the server has to say.
+  if (lines.IsEmpty() || lines.IsEndless()) return 0;
   CopyCut(m_szLastReply, m_szLine);
   if (text != nullptr) CopyReplyText(m_szLine, text, size);
   return code;

@@ -101,6 +101,17 @@ TEST_F(FtpReplies, TakeALineWithoutACodeForNoReply) {
   ExpectInStep();
 }
 
+TEST_F(FtpReplies, TellALineWithoutACodeAsTheLastOne) {
+  LogInTo(Script{Expect("CDUP"), Say("gone mad"), Expect("CDUP")} + InStep());
+  EXPECT_EQ(m_client.CdUp(), kNetNoResponse);
+  EXPECT_STREQ(m_client.GetLastReplyText(), "gone mad");
+  m_client.SetDataTimeouts(1000, 1000);
+  EXPECT_EQ(m_client.CdUp(), kNetNoResponse);
+  EXPECT_STREQ(m_client.GetLastReplyText(), "gone mad") << "nothing came, nothing changes";
+  m_client.SetDataTimeouts(5000, 5000);
+  ExpectInStep();
+}
+
 TEST_F(FtpReplies, KeepTheLinesOfTheReply) {
   LogInTo(Script{Expect("HELP"), Say("214-Commands"), Say(" USER"), Say("214 end"), Expect("HELP x"),
                  Say("214 one")} +
