@@ -160,6 +160,7 @@ class CUT_FTPClient : public CUT_WSClient {
   int AskToRestart(CUT_DataSource& source, int& mode);
 
   int ReceiveListing();
+  int ReceiveListingLine(bool& isLast);
   bool AddEntry();
   int FinishListing(int code);
 

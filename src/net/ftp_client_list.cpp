@@ -14,6 +14,7 @@ constexpr long kListAcceptSeconds = 15;
 constexpr std::int32_t kMaxEntries = 1000000;
 // Nor is a line in more pieces than these a line.
 constexpr int kMaxLinePieces = 10000;
+constexpr ULONGLONG kSlowLineMilliseconds = 1000;
 
 int CurrentYear() {
   SYSTEMTIME now;
@@ -46,9 +47,10 @@ int CUT_FTPClient::ReceiveListing() {
   if (IsAborted()) return FinishListing(kNetAborted);
   bool isTotalSkipped = false;
   int pieces = 0;  // of the line that has not come to its end
-  for (;;) {
-    const int count = m_data.ReceiveLine(m_szLine, sizeof m_szLine, 0);
-    if (count < 1) return FinishListing(kNetSuccess);
+  bool isLast = false;
+  while (!isLast) {
+    const int count = ReceiveListingLine(isLast);
+    if (count < 1) break;
     // Of a line that does not fit, the rest is no line of its own.
     const bool isRest = pieces > 0;
     pieces = m_szLine[count - 1] == '\n' ? 0 : pieces + 1;
@@ -63,6 +65,23 @@ int CUT_FTPClient::ReceiveListing() {
     }
     if (IsAborted()) return FinishListing(kNetAborted);
   }
+  return FinishListing(kNetSuccess);
+}
+
+// The next line, or as much of it as fits. When it comes slowly an abort is looked for meanwhile, and
+// then only a part of it may be there. isLast is set when nothing can follow.
+int CUT_FTPClient::ReceiveListingLine(bool& isLast) {
+  int placed = 0;
+  do {
+    m_data.SetLineDeadline(GetTickCount64() + kSlowLineMilliseconds);
+    const int count = m_data.ReceiveLine(m_szLine + placed, sizeof m_szLine - static_cast<size_t>(placed), 0);
+    if (count < 1) {
+      isLast = true;
+      break;
+    }
+    placed += count;
+  } while (m_szLine[placed - 1] != '\n' && placed + 1 < static_cast<int>(sizeof m_szLine) && !IsAborted());
+  return placed;
 }
 
 // False when there are too many.

@@ -1,3 +1,5 @@
+#include <thread>
+
 #include "net/ftp_test.h"
 
 namespace {
@@ -160,6 +162,25 @@ TEST_F(FtpList, IsAbortedBetweenLines) {
   EXPECT_EQ(m_client.ListPassive(), kNetAborted) << "a line without end";
   EXPECT_EQ(m_client.GetDirEntryCount(), 1);
   m_client.abortAfterQuestions = std::numeric_limits<int>::max();
+  ExpectInStep();
+}
+
+TEST_F(FtpList, IsAbortedWithinALineThatComesSlowly) {
+  const auto trickle = [](ScriptedServer::Stage& stage) {
+    for (int i = 0; i < 80 && stage.data.Say("x"); ++i) Sleep(100);
+    return true;
+  };
+  LogInTo(Script{AnswerPasv(), Expect("LIST"), AcceptData(), Say("150"), trickle, CloseData(), Say("426")} +
+          InStep());
+  std::thread later([&] {
+    Sleep(500);
+    m_client.aborted = true;
+  });
+  const Stopwatch watch;
+  EXPECT_EQ(m_client.ListPassive(), kNetAborted);
+  EXPECT_LT(watch.Elapsed(), 4000U);
+  later.join();
+  m_client.aborted = false;
   ExpectInStep();
 }
 
