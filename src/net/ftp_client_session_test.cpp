@@ -149,6 +149,36 @@ TEST_F(FtpSession, ReportsWhereItCouldNotConnect) {
   EXPECT_EQ(m_client.FTPConnect(nullptr, "ann", "secret"), kNetBadAddress);
 }
 
+TEST_F(FtpSession, ConnectsAsFtpDoesUnlessToldOtherwise) {
+  class Client : public CUT_FTPClient {
+   public:
+    int Connect(std::uint16_t port, const char* address, long timeout, int family, int type) override {
+      asked = {port, timeout, family, type};
+      host = address;
+      return kNetNotConnected;
+    }
+    std::vector<long> asked;
+    std::string host;
+  };
+  Client client;
+  EXPECT_EQ(client.FTPConnect("ftp.example", "ann", "secret"), kNetNotConnected);
+  EXPECT_EQ(client.asked, (std::vector<long>{21, 5, AF_INET, SOCK_STREAM}));
+  EXPECT_EQ(client.host, "ftp.example");
+  EXPECT_EQ(client.GetTransferType(), 1);
+  EXPECT_EQ(client.GetTransferMode(), 0);
+  EXPECT_EQ(client.GetStructure(), 0);
+}
+
+TEST_F(FtpSession, ForgetsWhatTheLastServerSaid) {
+  LogInTo(InStep());
+  EXPECT_GT(m_client.GetReplyLineCount(), 0);
+  ExpectInStep();
+  EXPECT_STREQ(m_client.GetLastReplyText(), "200 in step") << "closing forgets nothing";
+  EXPECT_EQ(m_client.FTPConnect(nullptr, "ann", "secret"), kNetBadAddress);
+  EXPECT_EQ(m_client.GetReplyLineCount(), 0);
+  EXPECT_STREQ(m_client.GetLastReplyText(), "");
+}
+
 TEST_F(FtpSession, RefusesBadTextsBeforeAnythingIsSent) {
   LogInTo(InStep());
   const std::string tooLong(260 - 7 + 1, 'x');

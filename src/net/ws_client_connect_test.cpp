@@ -14,6 +14,7 @@ constexpr char kLoopback[] = "127.0.0.1";
 class Client : public Watched<CUT_WSClient> {
  public:
   int CreateSocketHandle(SOCKET& socket, int family, int type, int protocol) override {
+    if (createsDatagram) type = SOCK_DGRAM;
     if (!failsToCreate) return Watched::CreateSocketHandle(socket, family, type, protocol);
     socket = INVALID_SOCKET;
     return OnError(kNetFailed);
@@ -33,6 +34,7 @@ class Client : public Watched<CUT_WSClient> {
   }
 
   bool failsToCreate = false;
+  bool createsDatagram = false;
   bool neverWritable = false;
   std::vector<std::pair<long, long>> waits;
   std::string greeted;
@@ -232,6 +234,16 @@ TEST(Listening, RefusesASecondPortAndATakenOne) {
   EXPECT_EQ(other.Listen(client.GetListeningPort()), kNetNotBound);
   EXPECT_EQ(other.closed, 1);
   EXPECT_EQ(other.Listen(0, 1, AF_INET, inet_addr("192.0.2.1")), kNetNotBound) << "not our address";
+}
+
+TEST(Listening, FailsOnASocketThatCannot) {
+  Client client;
+  client.createsDatagram = true;
+  EXPECT_EQ(client.Listen(0), kNetListenFailed);
+  EXPECT_EQ(client.closed, 1);
+  EXPECT_EQ(client.GetListeningPort(), 0);
+  client.createsDatagram = false;
+  EXPECT_EQ(client.Listen(0), kNetSuccess) << "and can be tried again";
 }
 
 TEST(Listening, IsUndoneByWhatTheGreetingSays) {

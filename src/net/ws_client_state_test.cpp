@@ -26,6 +26,11 @@ class Client : public Watched<CUT_WSClient> {
     shutDown.push_back(how);
     return failsToShutDown ? SOCKET_ERROR : Watched::ShutdownSocket(socket, how);
   }
+  int CloseSocketHandle(SOCKET socket) override {
+    ++closed;
+    const int result = Watched::CloseSocketHandle(socket);
+    return failsToClose ? SOCKET_ERROR : result;
+  }
   void OnNotification1(int low, int high) override { notes.push_back({1, low, high}); }
   void OnNotification2(int high) override { notes.push_back({2, high}); }
   void OnNotification3(int high) override { notes.push_back({3, high}); }
@@ -33,6 +38,8 @@ class Client : public Watched<CUT_WSClient> {
   SOCKET raw = INVALID_SOCKET;
   int failsWith = 0;
   bool failsToShutDown = false;
+  bool failsToClose = false;
+  int closed = 0;
   std::vector<int> shutDown;
   std::vector<std::vector<int>> notes;
 };
@@ -157,11 +164,30 @@ TEST_F(State, IsForgottenEvenWhenClosingFails) {
   EXPECT_EQ(m_client.CloseConnection(), kNetSuccess) << "nothing is open any more";
 }
 
+TEST_F(State, IsForgottenWithItsListeningSocket) {
+  for (bool* failure : {&m_client.failsToShutDown, &m_client.failsToClose}) {
+    ASSERT_EQ(m_client.Listen(0), kNetSuccess);
+    *failure = true;
+    EXPECT_EQ(m_client.CloseConnection(), kNetFailed);
+    *failure = false;
+    EXPECT_EQ(m_client.GetListeningPort(), 0);
+    EXPECT_EQ(m_client.WaitForAccept(0), 1);
+  }
+  EXPECT_EQ(m_client.closed, 3);
+  EXPECT_EQ(m_client.CloseConnection(), kNetSuccess) << "nothing is open any more";
+}
+
 TEST_F(State, OfABrokenConnectionEndsAnAccept) {
-  ASSERT_EQ(m_client.Listen(0), kNetSuccess);
-  m_client.failsToShutDown = true;
-  EXPECT_EQ(m_client.AcceptConnection(), kNetFailed);
-  EXPECT_TRUE(m_peer.IsLeftByPeer());
+  for (bool* failure : {&m_client.failsToShutDown, &m_client.failsToClose}) {
+    ASSERT_EQ(m_client.Listen(0), kNetSuccess);
+    *failure = true;
+    EXPECT_EQ(m_client.AcceptConnection(), kNetFailed);
+    *failure = false;
+    EXPECT_TRUE(m_peer.IsLeftByPeer());
+    m_client.CloseConnection();
+    ASSERT_EQ(m_client.Connect(m_listener.Port(), kLoopback, 5), kNetSuccess);
+    m_peer = m_listener.Accept();
+  }
 }
 
 TEST(Datagrams, GoBothWays) {
@@ -231,6 +257,31 @@ TEST(NotifyWindow, ForwardsItsMessages) {
   const std::vector<std::vector<int>> expected = {{1, 11, 12}, {2, 22}, {3, 32}};
   EXPECT_EQ(client.notes, expected);
   EXPECT_EQ(second.notes, expected);
+}
+
+TEST(Datagrams, AreNotShutDownForAnAccept) {
+  Client client;
+  ASSERT_EQ(client.OpenDatagram(0, 0, nullptr), kNetSuccess);
+  ASSERT_EQ(client.Listen(0), kNetSuccess);
+  const TestSocket peer = ConnectToLoopback(client.GetListeningPort());
+  EXPECT_EQ(client.AcceptConnection(), kNetSuccess);
+  EXPECT_TRUE(client.shutDown.empty());
+  EXPECT_EQ(client.closed, 1);
+}
+
+TEST(NotifyWindow, FailsWhenTheWindowDoes) {
+  const HINSTANCE module = GetModuleHandleA(nullptr);
+  UnregisterClassA("CUT_WSClient", module);
+  WNDCLASSA unwilling = {};
+  unwilling.lpfnWndProc = [](HWND, UINT, WPARAM, LPARAM) -> LRESULT { return FALSE; };
+  unwilling.hInstance = module;
+  unwilling.lpszClassName = "CUT_WSClient";
+  ASSERT_NE(RegisterClassA(&unwilling), 0);
+  Client client;
+  EXPECT_EQ(client.CreateNotifyWindow(module), kNetFailed);
+  EXPECT_EQ(client.codes, std::vector<int>{kNetFailed});
+  ASSERT_TRUE(UnregisterClassA("CUT_WSClient", module));
+  EXPECT_EQ(client.CreateNotifyWindow(module), kNetSuccess);
 }
 
 TEST(NotifyWindow, EndsWithItsClient) {
