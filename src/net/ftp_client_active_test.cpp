@@ -151,6 +151,19 @@ TEST_F(FtpActive, IsAbortedBetweenPortAndUpload) {
   ExpectInStep();
 }
 
+// Only uploads ask before the command.
+TEST_F(FtpActive, IsAbortedAfterTheFirstChunkOfADownload) {
+  LogInTo(Script{AnswerPort(), Expect("RETR x"), Say("150"), ConnectData(), SendData("first"),
+                 ExpectDataLeft(), Say("426")} +
+          InStep());
+  m_client.aborted = true;
+  FakeSource source;
+  EXPECT_EQ(m_client.ReceiveFile(source, "x"), kNetAborted);
+  EXPECT_EQ(source.bytes, "first");
+  m_client.aborted = false;
+  ExpectInStep();
+}
+
 TEST_F(FtpActive, IsAbortedWhileItReceives) {
   LogInTo(Script{AnswerPort(), Expect("RETR x"), Say("150"), ConnectData(),
                  SendDataForEver(std::string(1000, 'x')), Say("426")} +

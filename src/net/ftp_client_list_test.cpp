@@ -81,6 +81,7 @@ TEST_F(FtpList, ReplacesTheEntries) {
   EXPECT_EQ(Names(), Texts{"z"}) << "even without a line end";
   FtpDirEntry entry;
   EXPECT_EQ(m_client.GetDirEntry(1, entry), kNetBadIndex);
+  EXPECT_EQ(m_client.codes.back(), kNetBadIndex);
   EXPECT_EQ(m_client.GetDirEntry(-1, entry), kNetBadIndex);
   m_client.ClearDirList();
   EXPECT_EQ(m_client.GetDirEntry(0, entry), kNetBadIndex);

@@ -125,10 +125,13 @@ TEST_F(FtpReplies, KeepTheLinesOfTheReply) {
   EXPECT_EQ(m_client.GetReplyLine(1, buffer, -1), kNetBufferTooShort);
   EXPECT_EQ(m_client.GetReplyLine(1, nullptr, 6), kNetNullBuffer);
   EXPECT_EQ(m_client.GetReplyLine(3, buffer, 6), kNetBadIndex);
+  EXPECT_EQ(m_client.codes.back(), kNetBadIndex);
   EXPECT_EQ(m_client.GetLastReply(buffer, sizeof buffer), kNetSuccess);
   EXPECT_STREQ(buffer, "214 end");
   EXPECT_EQ(m_client.GetLastReply(buffer, 7), kNetBufferTooShort);
+  EXPECT_EQ(m_client.codes.back(), kNetBufferTooShort);
   EXPECT_EQ(m_client.GetLastReply(nullptr, 7), kNetNullBuffer);
+  EXPECT_EQ(m_client.codes.back(), kNetNullBuffer);
   EXPECT_EQ(m_client.Help("x"), kNetSuccess);
   EXPECT_EQ(m_client.GetReplyLineCount(), 1);
   EXPECT_EQ(m_client.NoOp(), kNetSuccess);

@@ -17,6 +17,11 @@ class Client : public Watched<CUT_WSClient> {
     raw = socket;
     return kNetSuccess;
   }
+  int CreateSocketHandle(SOCKET& socket, int family, int type, int protocol) override {
+    const int code = Watched::CreateSocketHandle(socket, family, type, protocol);
+    created = socket;
+    return code;
+  }
   int RecvRaw(SOCKET socket, char* buffer, int length, int flags) override {
     if (failsWith == 0) return Watched::RecvRaw(socket, buffer, length, flags);
     WSASetLastError(failsWith);
@@ -36,6 +41,7 @@ class Client : public Watched<CUT_WSClient> {
   void OnNotification3(int high) override { notes.push_back({3, high}); }
 
   SOCKET raw = INVALID_SOCKET;
+  SOCKET created = INVALID_SOCKET;
   int failsWith = 0;
   bool failsToShutDown = false;
   bool failsToClose = false;
@@ -44,6 +50,14 @@ class Client : public Watched<CUT_WSClient> {
   std::vector<std::vector<int>> notes;
 };
 
+// The socket's own idea, in milliseconds.
+int TimeOut(SOCKET socket, int option) {
+  int value = -1;
+  int size = sizeof value;
+  getsockopt(socket, SOL_SOCKET, option, reinterpret_cast<char*>(&value), &size);
+  return value;
+}
+
 class State : public testing::Test {
  protected:
   void SetUp() override {
@@ -51,13 +65,7 @@ class State : public testing::Test {
     m_peer = m_listener.Accept();
     ASSERT_TRUE(m_peer.IsOpen());
   }
-  // The socket's own idea, in milliseconds.
-  int Option(int option) const {
-    int value = -1;
-    int size = sizeof value;
-    getsockopt(m_client.raw, SOL_SOCKET, option, reinterpret_cast<char*>(&value), &size);
-    return value;
-  }
+  int Option(int option) const { return TimeOut(m_client.raw, option); }
 
   TestListener m_listener;
   TestSocket m_peer;
@@ -130,6 +138,45 @@ TEST_F(State, KeepsTimeOutsForLaterConnections) {
   ASSERT_EQ(m_client.AcceptConnection(), kNetSuccess);
   EXPECT_EQ(Option(SO_RCVTIMEO), 1234);
   EXPECT_EQ(Option(SO_SNDTIMEO), 5678);
+}
+
+TEST_F(State, KeepsTimeOutsForSocketsOfEveryKind) {
+  ASSERT_EQ(m_client.SetReceiveTimeout(1234), kNetSuccess);
+  ASSERT_EQ(m_client.SetSendTimeout(5678), kNetSuccess);
+  const auto expectKept = [&](int opened, const char* how) {
+    EXPECT_EQ(opened, kNetSuccess) << how;
+    EXPECT_EQ(TimeOut(m_client.created, SO_RCVTIMEO), 1234) << how;
+    EXPECT_EQ(TimeOut(m_client.created, SO_SNDTIMEO), 5678) << how;
+    m_client.CloseConnection();
+  };
+  m_client.CloseConnection();
+  expectKept(m_client.Connect(m_listener.Port(), kLoopback, -1), "blocking");
+  expectKept(m_client.ConnectBound(0, m_listener.Port(), nullptr, kLoopback), "bound");
+  expectKept(m_client.OpenDatagram(0, 9, kLoopback), "datagrams");
+  expectKept(m_client.Listen(0), "listening");
+}
+
+TEST_F(State, TellsEveryFailureToItsHook) {
+  FakeSource source;
+  char address[4];
+  int length = 1;
+  EXPECT_EQ(m_client.codes.back(), kNetSuccess);
+  const auto expectTold = [&](int code, int expected) {
+    EXPECT_EQ(code, expected);
+    EXPECT_EQ(m_client.codes.back(), expected);
+    m_client.codes.push_back(-1);
+  };
+  expectTold(m_client.Connect(1, kLoopback, 5), kNetSocketAlreadyOpen);
+  expectTold(m_client.ConnectBound(0, 1, nullptr, kLoopback), kNetSocketAlreadyOpen);
+  expectTold(m_client.OpenDatagram(0, 9, kLoopback), kNetSocketAlreadyOpen);
+  expectTold(m_client.ReceiveToSource(source, 0, 1, 0), kNetBadMode);
+  expectTold(m_client.LookUpAddress("localhost", address, sizeof address), kNetBufferTooShort);
+  expectTold(m_client.AcceptConnection(), kNetFailed);
+  expectTold(m_client.SendFileByName("no such file"), kNetSocketNotOpen);
+  expectTold(m_client.SendDatagram("x", length), kNetSocketNotOpen);
+  expectTold(m_client.ReceiveDatagram(address, length, 0), kNetSocketNotOpen);
+  expectTold(m_client.DrainInput(), kNetSuccess);
+  expectTold(m_client.Connect(1, "no-such-name.invalid", 5), kNetBadAddress);
 }
 
 TEST(ClosedClient, RefusesSettings) {
