@@ -189,7 +189,9 @@ TEST_F(FtpActive, DoesNotWaitLongForAServerThatDoesNotCome) {
 }
 
 TEST_F(FtpActive, ForgetsWhatAServerSaidThatDidNotCome) {
-  LogInTo(Script{AnswerPort(), Expect("STOR x"), Say("150"), Wait(500), Say("425 cannot")} + InStep());
+  LogInTo(
+      Script{AnswerPort(), Expect("STOR x"), Say("150"), Wait(500), Say("425 cannot"), Say("425 so there")} +
+      InStep());
   FakeSource source("x");
   EXPECT_EQ(m_client.SendFile(source, "x"), kNetDataConnectionFailed);
   const Stopwatch watch;

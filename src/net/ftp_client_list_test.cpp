@@ -1,3 +1,4 @@
+#include <numeric>
 #include <thread>
 
 #include "net/ftp_test.h"
@@ -88,25 +89,39 @@ TEST_F(FtpList, ReplacesTheEntries) {
   ExpectInStep();
 }
 
+// Entries with these sizes.
+std::string Lines(const std::vector<int>& sizes) {
+  std::string lines;
+  for (int size : sizes) lines += "01-02-05  09:05AM " + std::to_string(size) + " x\r\n";
+  return lines;
+}
+
 TEST_F(FtpList, GivesItsEntriesInAnyOrder) {
-  const std::string lines = "01-02-05  09:05AM 1 a\r\n01-02-05  09:05AM 2 b\r\n01-02-05  09:05AM 3 c\r\n";
-  LogInTo(Passive(lines) + Passive("01-02-05  09:05AM 4 d\r\n01-02-05  09:05AM 5 e\r\n") + InStep());
+  LogInTo(Passive(Lines({0, 1, 2, 3, 4})) + InStep());
   EXPECT_EQ(m_client.ListPassive(), kNetSuccess);
-  for (int index : {2, 0, 1, 1, 2, 0}) EXPECT_EQ(Entry(index).size, index + 1);
-  EXPECT_EQ(Entry(2).size, 3);
-  EXPECT_EQ(m_client.ListPassive(), kNetSuccess);
-  EXPECT_EQ(Entry(1).size, 5) << "of the new list";
-  EXPECT_EQ(Entry(0).size, 4);
-  FtpDirEntry entry;
-  EXPECT_EQ(m_client.GetDirEntry(2, entry), kNetBadIndex);
+  for (int index : {2, 0, 1, 1, 4, 3, 4, 0}) EXPECT_EQ(Entry(index).size, index);
+  ExpectInStep();
+}
+
+// The lists have different lengths, so that their entries hardly lie in the same places.
+TEST_F(FtpList, GivesTheEntriesOfTheLastList) {
+  LogInTo(Passive(Lines({1, 2, 3, 4, 5})) + Passive(Lines({11, 12})) + Passive(Lines({21, 22, 23})) +
+          InStep());
+  for (const std::vector<int>& sizes :
+       {std::vector<int>{1, 2, 3, 4, 5}, std::vector<int>{11, 12}, std::vector<int>{21, 22, 23}}) {
+    EXPECT_EQ(m_client.ListPassive(), kNetSuccess);
+    EXPECT_EQ(Entry(0).size, sizes[0]);
+    EXPECT_EQ(Entry(1).size, sizes[1]);
+    EXPECT_EQ(Entry(0).size, sizes[0]);
+  }
   ExpectInStep();
 }
 
 TEST_F(FtpList, GivesManyEntriesWithoutDelay) {
   constexpr int kMany = 40000;
-  std::string lines;
-  for (int i = 0; i < kMany; ++i) lines += "01-02-05  09:05AM " + std::to_string(i) + " x\r\n";
-  LogInTo(Passive(lines) + InStep());
+  std::vector<int> sizes(kMany);
+  std::iota(sizes.begin(), sizes.end(), 0);
+  LogInTo(Passive(Lines(sizes)) + InStep());
   ASSERT_EQ(m_client.ListPassive(), kNetSuccess);
   ASSERT_EQ(m_client.GetDirEntryCount(), kMany);
   const Stopwatch watch;

@@ -73,6 +73,19 @@ TEST_F(FtpTrouble, ReportsADataPortThatIsRefused) {
   EXPECT_LT(watch.Elapsed(), 20000U);
 }
 
+TEST_F(FtpTrouble, WaitsForNoLateReplyOnANewConnection) {
+  LogInTo({AnswerPasvWith(UnusedPort()), Expect("RETR x"), Expect("Quit")});
+  const auto first = std::move(m_server);
+  FakeSource source;
+  EXPECT_NE(m_client.ReceiveFile(source, "x"), kNetSuccess);
+  Serve(Greeting() + Settings() + InStep());
+  const Stopwatch watch;
+  EXPECT_EQ(Connect(), kNetSuccess);
+  EXPECT_LT(watch.Elapsed(), 3000U);
+  ExpectInStep();
+  EXPECT_EQ(first->Finish(), "");
+}
+
 TEST_F(FtpTrouble, WaitsForASlowServer) {
   LogInTo(Script{AnswerPasv(), Expect("RETR x"), Wait(300), AcceptData(), Wait(300), Say("150"), Wait(300),
                  SendData("a"), Wait(300), SendData("b"), Wait(300), CloseData(), Wait(300), Say("226")} +

@@ -13,6 +13,7 @@ class Client : public Watched<CUT_WSClient> {
  public:
   int SendRaw(SOCKET socket, const char* buffer, int length, int flags) override {
     largestSend = std::max(largestSend, length);
+    EXPECT_EQ(flags, 0);
     return Watched::SendRaw(socket, buffer, std::min(length, sendsAtMost), flags);
   }
   int WaitForReceive(long seconds, long microseconds) override {
