@@ -14,6 +14,11 @@ constexpr int kMaxPreliminaryReplies = 16;
 // A reply that is still coming after as many times the wait for one line will never end.
 constexpr int kReplyPatience = 4;
 
+// How long one line may take, which is never nothing.
+ULONGLONG LineMilliseconds(long seconds) {
+  return static_cast<ULONGLONG>(std::max(seconds, 1L)) * 1000;
+}
+
 // The lines of a connection. An abort does not end a reply that is on its way, or the next command
 // would get it; but it limits the wait for all of it to what one line may take.
 class ReplyLines : public ReplySource {
@@ -21,7 +26,7 @@ class ReplyLines : public ReplySource {
   ReplyLines(CUT_WSClient& connection, long seconds)
       : m_connection(connection),
         m_nSeconds(seconds),
-        m_nLineTime(static_cast<ULONGLONG>(std::max(seconds, 1L)) * 1000),
+        m_nLineTime(LineMilliseconds(seconds)),
         m_nStart(GetTickCount64()) {
     // Otherwise one line could take a wait for each of its bytes.
     m_connection.SetLineDeadline(m_nStart + kReplyPatience * m_nLineTime);
@@ -129,7 +134,10 @@ void CUT_FTPClient::ReadLateReplies() {
 
 // False when none came, each reply within seconds.
 bool CUT_FTPClient::SkipToFinalReply(long seconds) {
-  for (int i = 0; i < kMaxPreliminaryReplies && WaitForReceive(seconds, 0) == 0; ++i) {
+  const ULONGLONG start = GetTickCount64();
+  const ULONGLONG patience = kReplyPatience * LineMilliseconds(m_data.GetReceiveTimeout() / 1000);
+  for (int i = 0; i < kMaxPreliminaryReplies && GetTickCount64() - start < patience; ++i) {
+    if (WaitForReceive(seconds, 0) != 0) return false;
     const int code = GetResponseCode(*this);
     if (code < 100 || code > 199) return code != 0;
   }

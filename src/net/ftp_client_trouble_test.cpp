@@ -86,6 +86,21 @@ TEST_F(FtpTrouble, WaitsForNoLateReplyOnANewConnection) {
   EXPECT_EQ(first->Finish(), "");
 }
 
+TEST_F(FtpTrouble, WaitsNoLongerForLateRepliesThanForOthers) {
+  const auto stall = [](ScriptedServer::Stage& stage) {
+    for (int i = 0; i < 15 && stage.control.Say("150 soon\r\n"); ++i) Sleep(900);
+    return true;
+  };
+  LogInTo({AnswerPasvWith(UnusedPort()), Expect("RETR x"), stall});
+  m_client.SetDataTimeouts(1000, 1000);
+  FakeSource source;
+  EXPECT_NE(m_client.ReceiveFile(source, "x"), kNetSuccess);
+  const Stopwatch watch;
+  m_client.NoOp();
+  EXPECT_LT(watch.Elapsed(), 7000U);
+  ExpectPlayed();
+}
+
 TEST_F(FtpTrouble, WaitsForASlowServer) {
   LogInTo(Script{AnswerPasv(), Expect("RETR x"), Wait(300), AcceptData(), Wait(300), Say("150"), Wait(300),
                  SendData("a"), Wait(300), SendData("b"), Wait(300), CloseData(), Wait(300), Say("226")} +
