@@ -5,8 +5,9 @@
 //
 // One thread at a time. Operations return an error code (0: success), every code goes through OnError,
 // and nothing throws. A wait for a reply ends after the data connection's receive time-out. An abort
-// (IsAborted, the progress hooks) is looked for between chunks and between listing lines; the reply
-// that is due by then is still read, so that the next command gets its own.
+// (IsAborted, the progress hooks) is looked for between chunks and between listing lines, and every
+// second or so within a slow one; the reply that is due by then is still read, so that the next command
+// gets its own.
 //
 // Names and other texts are 8-bit and go to the server as they are; null counts as "". One with a CR or
 // LF is refused (137), and so is a command beyond 260 characters (105), before anything is sent.

@@ -136,10 +136,21 @@ TEST_F(FtpCommands, AreNeverCut) {
   for (const std::string& name : {fits + 'x', std::string(1 << 20, 'x')}) {
     EXPECT_EQ(m_client.DeleteFile(name.c_str()), kNetParameterTooLong);
     EXPECT_EQ(m_client.RenameFile("a", name.c_str()), kNetParameterTooLong);
+    EXPECT_EQ(m_client.RenameFile(name.c_str(), "a"), kNetParameterTooLong);
+    // One more character fits behind these.
+    const std::string longer = name + 'x';
+    EXPECT_EQ(m_client.ChDir(longer.c_str()), kNetParameterTooLong);
+    EXPECT_EQ(m_client.MkDir(longer.c_str()), kNetParameterTooLong);
+    EXPECT_EQ(m_client.RmDir(longer.c_str()), kNetParameterTooLong);
     EXPECT_EQ(m_client.Help(name.c_str()), kNetParameterTooLong);
-    EXPECT_EQ(m_client.SendFile(source, name.c_str()), kNetParameterTooLong);
-    EXPECT_EQ(m_client.ReceiveFile(source, name.c_str()), kNetParameterTooLong);
+    for (bool passive : {false, true}) {
+      m_client.SetPassive(passive);
+      EXPECT_EQ(m_client.SendFile(source, name.c_str()), kNetParameterTooLong);
+      EXPECT_EQ(m_client.ReceiveFile(source, name.c_str()), kNetParameterTooLong);
+      EXPECT_EQ(m_client.ResumeReceiveFile(source, name.c_str()), kNetParameterTooLong);
+    }
   }
+  EXPECT_TRUE(source.modes.empty());
   ExpectInStep();
 }
 
