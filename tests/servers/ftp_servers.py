@@ -16,6 +16,7 @@ Windows do. Options of start(), as far as the kind knows them (others raise Valu
     banner      text of the greeting, may have several lines
     anonymous   vsftpd: the login is "ftp", without a password, and may only read
     broken      vsftpd: every session fails at once, with "500 OOPS"
+    login_text  proftpd: what it says after the login, may have several lines
 
 The login may read and write everything below root. Where the test is root, the server works as daemon,
 whom folders of root's do not obey: call adopt() after putting something there, or create it with a umask
@@ -249,6 +250,7 @@ class Vsftpd(FtpServer):
 
 class Proftpd(FtpServer):
     kind = "proftpd"
+    own_options = ("login_text",)
 
     def command(self):
         account = self.account
@@ -270,6 +272,9 @@ class Proftpd(FtpServer):
             lines += [f"TimeoutIdle {self.idle}", f"TimeoutNoTransfer {self.idle}"]
         if self.banner:
             lines.append(f'DisplayConnect "{self.write("banner", self.banner)}"')
+        if self.own.get("login_text"):
+            lines.append("DisplayLogin /login-text")
+            (self.root / "login-text").write_text(self.own["login_text"])
         refused = [] if self.passive else ["PASV", "EPSV"]
         refused += [] if self.active else ["PORT", "EPRT"]
         if refused:
