@@ -87,6 +87,20 @@ TEST_F(State, IsConnectedWhileThePeerIsThere) {
   EXPECT_FALSE(m_client.IsConnected()) << "the peer sends no more";
 }
 
+TEST_F(State, IsReadableWhileThereIsSomethingAndAtTheEnd) {
+  EXPECT_EQ(m_client.WaitReadable(m_client.raw, 0, 0), 1);
+  m_peer.Say("xy");
+  ASSERT_EQ(m_client.WaitReadable(m_client.raw, 5, 0), 0);
+  char byte = 0;
+  EXPECT_EQ(m_client.Receive(&byte, 1, 0), 1);
+  EXPECT_EQ(m_client.WaitReadable(m_client.raw, 0, 0), 0) << "one more is there";
+  EXPECT_EQ(m_client.Receive(&byte, 1, 0), 1);
+  EXPECT_EQ(m_client.WaitReadable(m_client.raw, 0, 0), 1);
+  m_peer.CloseForSending();
+  EXPECT_EQ(m_client.WaitReadable(m_client.raw, 5, 0), 0);
+  EXPECT_EQ(m_client.WaitReadable(INVALID_SOCKET, 0, 0), 1);
+}
+
 TEST_F(State, IsNotConnectedAfterAReset) {
   m_peer.Reset();
   ASSERT_EQ(m_client.WaitForReceive(5, 0), 0);
