@@ -118,9 +118,9 @@ class FtpServer:
         if self._keeper is not None:
             self._keeper.communicate(timeout=PATIENCE)
             self._keeper = None
-        if self.folder is not None:
+        if self.folder is not None and self.folder.exists():
             subprocess.run(as_root(["rm", "-rf", str(self.folder)]), check=True)
-            self.folder = None
+        self.folder = None
 
     def adopt(self):
         """What lies below root becomes the server's, to change and to remove."""
@@ -156,15 +156,18 @@ class FtpServer:
 
     def _start_on_port(self):
         limit = [] if self.file_limit is None else ["prlimit", f"--fsize={self.file_limit}"]
-        command = [PYTHON, "-B", str(HERE / "keeper.py"), *limit, *self.command()]
+        command = [PYTHON, "-B", str(HERE / "keeper.py"), str(self.folder), *limit,
+                   *self.command()]
         with open(self.folder / "log", "a", encoding="utf-8") as log:
             self._keeper = subprocess.Popen(as_root(command) if self.needs_root else command, text=True,
                                             stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=log,
                                             start_new_session=True)
         deadline = time.monotonic() + PATIENCE
-        while self._keeper.poll() is None and time.monotonic() < deadline:
+        while self._keeper.poll() is None:
             if self._answers():
                 return True
+            if time.monotonic() > deadline:
+                raise RuntimeError(f"{self.kind} does not answer: {self.log()}")
             time.sleep(0.02)
         self._keeper.communicate(timeout=PATIENCE)
         self._keeper = None

@@ -2,9 +2,9 @@
 """Runs a command and whatever it starts, and ends all of it with its own input: a server must neither
 outlive the test that started it, nor leave processes behind that have lost their parent.
 
-    keeper.py COMMAND [ARGUMENT...]
+    keeper.py FOLDER COMMAND [ARGUMENT...]
 
-It is a program of its own because servers may need to be root, and only root can end them. On its input
+The folder, with what the server needs, goes with the server. It is a program of its own because servers may need to be root, and only root can end them. On its input
 it takes the line "end sessions", which kills what the command has started but not the command itself,
 and answers with the number of processes killed."""
 
@@ -12,6 +12,7 @@ import ctypes
 import os
 import pathlib
 import select
+import shutil
 import signal
 import subprocess
 import sys
@@ -76,14 +77,14 @@ def main():
         signal.signal(number, lambda *_: sys.exit(1))
     try:
         # Signals stay as Python has them: one that ignores SIGXFSZ is told that a file is full.
-        command = subprocess.Popen(sys.argv[1:], stdin=subprocess.DEVNULL, stdout=sys.stderr,
+        command = subprocess.Popen(sys.argv[2:], stdin=subprocess.DEVNULL, stdout=sys.stderr,
                                    restore_signals=False)
         while True:
             ready, _, _ = select.select([sys.stdin], [], [], 0.2)
             if ready:
                 line = sys.stdin.readline()
                 if not line:
-                    return
+                    break
                 if line == "end sessions\n":
                     print(kill_all(lambda: descendants(command.pid)), flush=True)
             # Ended by itself: the status has to be taken before anybody else takes it.
@@ -92,6 +93,8 @@ def main():
     finally:
         kill_all(lambda: descendants(os.getpid()))
         wait_for_all()
+    # Only the input's end leads here: a server that did not start may be started once more.
+    shutil.rmtree(sys.argv[1], ignore_errors=True)
 
 
 if __name__ == "__main__":
