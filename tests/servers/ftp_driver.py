@@ -79,6 +79,14 @@ class Driver:
         found = [states[socket] for socket in owned if socket in states]
         return len(found), found.count(LISTENING)
 
+    def processor_seconds(self):
+        """What the client has used, with Wine's server."""
+        ticks = 0
+        for pid in self._processes():
+            fields = pathlib.Path(f"/proc/{pid}/stat").read_text().rpartition(")")[2].split()
+            ticks += int(fields[11]) + int(fields[12])
+        return ticks / os.sysconf("SC_CLK_TCK")
+
     @staticmethod
     def _processes():
         mark = f"WINEPREFIX={os.environ['WINEPREFIX']}".encode()
