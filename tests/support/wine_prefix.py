@@ -1,22 +1,36 @@
 """A copy of the Wine prefix for one run of tests, so that other users of it are neither seen nor
-disturbed. There is one place for each kind of tests, in turn: a run that was killed leaves it full, but
-never locked. It lies beside the original, in the same file system: the large files are linked."""
+disturbed. There are a few places for each kind of tests, in turn: a run that was killed leaves its place
+full, but never locked. They lie beside the original, in the same file system: the large files are linked.
+"""
 
 import fcntl
 import os
 import shutil
 import subprocess
+import time
 
 PATIENCE = 120  # seconds until Wine counts as hung
 
 
+def lock_one_of(folders):
+    """Waits until one of them is free. Returns it and the descriptor that holds it."""
+    while True:
+        for folder in folders:
+            folder.mkdir(exist_ok=True)
+            lock = os.open(folder, os.O_RDONLY)
+            try:
+                fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+                return folder, lock
+            except BlockingIOError:
+                os.close(lock)
+        time.sleep(0.2)
+
+
 class WinePrefix:
-    def __init__(self, original, name):
+    def __init__(self, original, name, places=1):
         """Waits for its turn; then WINEPREFIX names the copy."""
-        self.path = original.with_name(f"{original.name}-{name}")
-        self.path.mkdir(exist_ok=True)
-        self._lock = os.open(self.path, os.O_RDONLY)
-        fcntl.flock(self._lock, fcntl.LOCK_EX)
+        names = [name] + [f"{name}-{number}" for number in range(2, places + 1)]
+        self.path, self._lock = lock_one_of([original.with_name(f"{original.name}-{each}") for each in names])
         os.environ["WINEPREFIX"] = str(self.path)
         self.empty()
         shutil.copytree(original, self.path, symlinks=True, dirs_exist_ok=True,

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Runs a Windows program in a Wine prefix of its own: a copy of the one in WINEPREFIX that is thrown
-away afterwards. What the program stores is not found by others, nor what others store by it.
+away afterwards. What the program stores is not found by others, nor what others store by it. It also has
+a screen of its own, on which its windows are in front.
 
     in_own_prefix.py [--dpi DOTS_PER_INCH] PROGRAM [ARGUMENT...]
 
@@ -34,6 +35,27 @@ def configure(prefix, dpi):
     registry.write_text(without_dpi + REGISTRY.format(dpi=dpi))
 
 
+class Screen:
+    """An X server for one run; DISPLAY names it."""
+
+    def __enter__(self):
+        read, write = os.pipe()
+        self._server = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(write), "-screen", "0", "1920x1200x24", "-nolisten", "tcp"],
+            pass_fds=[write], stdin=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        os.close(write)
+        with os.fdopen(read) as answer:
+            number = answer.readline().strip()
+        if not number:
+            sys.exit("Xvfb does not start")
+        os.environ["DISPLAY"] = f":{number}"
+        return self
+
+    def __exit__(self, *_):
+        self._server.terminate()
+        self._server.wait()
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--dpi", type=int, default=96)
@@ -41,12 +63,13 @@ def main():
     parser.add_argument("arguments", nargs=argparse.REMAINDER)
     options = parser.parse_args()
     original = os.environ.get("WINEPREFIX") or sys.exit("WINEPREFIX is not set")
-    prefix = WinePrefix(pathlib.Path(original).resolve(), "ui")
+    prefix = WinePrefix(pathlib.Path(original).resolve(), "ui", places=2)
     try:
         configure(prefix.path, options.dpi)
         os.environ["MOSAICON_UI_RUN"] = uuid.uuid4().hex
-        run = subprocess.run([os.environ.get("WINE", "wine"), options.program, *options.arguments],
-                             check=False)
+        with Screen():
+            run = subprocess.run([os.environ.get("WINE", "wine"), options.program, *options.arguments],
+                                 check=False)
     finally:
         prefix.close()
     return run.returncode
