@@ -1,5 +1,7 @@
 #include "publish/ftp_remote_server.h"
 
+#include "net/error_codes.h"
+#include "publish/file_to_send.h"
 #include "publish/remote_names.h"
 
 bool FtpRemoteServer::IsConnected() {
@@ -32,7 +34,9 @@ int FtpRemoteServer::RemoveFile(const std::string& name) {
 }
 
 int FtpRemoteServer::SendFile(const std::string& localPath, const std::string& name) {
-  return Finish(m_client.SendFileByName(localPath.c_str(), RemotePath(name).c_str()));
+  CFileToSend source(localPath.c_str());
+  const int sent = m_client.SendFile(source, RemotePath(name).c_str());
+  return Finish(sent == kNetSuccess && source.HasFailed() ? m_client.OnError(kNetFailed) : sent);
 }
 
 int FtpRemoteServer::List() {
