@@ -5,8 +5,13 @@ as expected fails the test, and so does one that took too long, left the connect
 socket open.
 
     servers_test.py [KIND...]
+
+Where MOSAICON_FTP_RESULTS names a folder the cells are kept there, for one table of several runs:
+
+    servers_test.py --show FOLDER
 """
 
+import json
 import os
 import pathlib
 import sys
@@ -93,12 +98,29 @@ def unexpected(columns):
                 yield f"{kind}, {mode}, {name}: {cells[name]!r}, expected {expected!r}"
 
 
+def keep(columns, kinds):
+    folder = os.environ.get("MOSAICON_FTP_RESULTS")
+    if not folder:
+        return
+    pathlib.Path(folder).mkdir(parents=True, exist_ok=True)
+    shown = [[kind, mode, {name: show(cell) for name, cell in cells.items()}]
+             for (kind, mode), cells in columns.items()]
+    pathlib.Path(folder, "-".join(kinds) + ".json").write_text(json.dumps(shown))
+
+
+def show_kept(folder):
+    kept = [column for path in sorted(pathlib.Path(folder).glob("*.json"))
+            for column in json.loads(path.read_text())]
+    print(table({(kind, mode): cells for kind, mode, cells in kept}))
+
+
 def main(kinds):
     prefix = WinePrefix(pathlib.Path(os.environ["WINEPREFIX"]).resolve(), f"servers-{kinds[0]}")
     try:
         driver = Driver()
         columns = {(kind, mode): try_server(kind, mode, driver) for kind in kinds for mode in MODES}
         print(table(columns))
+        keep(columns, kinds)
         for (name, kind, mode), (expected, reason) in EXCEPTIONS.items():
             if kind in kinds:
                 print(f"{name}, {kind}, {mode}: {' or '.join(map(show, expected))}, because {reason}")
@@ -113,4 +135,6 @@ def main(kinds):
 
 
 if __name__ == "__main__":
+    if sys.argv[1:2] == ["--show"]:
+        sys.exit(show_kept(sys.argv[2]))
     sys.exit(main(sys.argv[1:] or ftp_servers.KINDS))
