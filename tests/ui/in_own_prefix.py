@@ -63,15 +63,15 @@ def main():
     parser.add_argument("arguments", nargs=argparse.REMAINDER)
     options = parser.parse_args()
     original = os.environ.get("WINEPREFIX") or sys.exit("WINEPREFIX is not set")
-    prefix = WinePrefix(pathlib.Path(original).resolve(), "ui", places=2)
-    try:
-        configure(prefix.path, options.dpi)
-        os.environ["MOSAICON_UI_RUN"] = uuid.uuid4().hex
-        with Screen():
+    with Screen():
+        prefix = WinePrefix(pathlib.Path(original).resolve(), "ui", places=2)
+        try:
+            configure(prefix.path, options.dpi)
+            os.environ["MOSAICON_UI_RUN"] = uuid.uuid4().hex
             run = subprocess.run([os.environ.get("WINE", "wine"), options.program, *options.arguments],
                                  check=False)
-    finally:
-        prefix.close()
+        finally:
+            prefix.close()
     return run.returncode
 
 
