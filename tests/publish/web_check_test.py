@@ -95,6 +95,18 @@ class PageTest(WebCase):
         with self.assertRaises(ValueError):
             self.web.open_page("page.html", "missingFunction()")
 
+    def test_another_host_may_have_a_stand_in(self):
+        self.write("page.html", """<!DOCTYPE html><title>page</title>
+            <script src="http://www.maps.example/api.js"></script><script>Api.show();</script>
+            <script src="http://www.maps.example/other.js"></script>""")
+        api = b"var Api = {show: () => { document.title = 'shown'; }}; // " + b"x" * 300000
+        visit = self.web.open_page("page.html", "document.title",
+                                   {"http://www.maps.example/api.js": ("text/javascript", api)})
+        self.assertEqual(visit.faults(), [])
+        self.assertEqual(visit.value, "shown")
+        self.assertEqual([address for address, _ in visit.failed], ["http://www.maps.example/other.js"])
+        self.assertEqual(len(self.web.open_page("page.html").faults()), 1, "only where it was asked for")
+
     def test_pages_are_visited_afresh(self):
         self.assertNotEqual(self.visit('<img src="none.gif">').faults(), [])
         for _ in range(2):
@@ -157,6 +169,12 @@ class KmlTest(WebCase):
         self.assertEqual(self.broken("0/0.kml", f"{self.PUBLISHED}/set/0/0.kml", "../set/0/0.png"), [])
         self.assertEqual([each.path for each in self.web.requests],
                          ["/set/doc.kml", "/set/0/0.png", "/set/0/0.kml"])
+
+    def test_links_may_go_up_and_down(self):
+        self.assertEqual(self.broken(f"{self.PUBLISHED}/set/../set/./0/0.kml"), [])
+        for link in (f"{self.PUBLISHED}/set/../0/0.kml", f"{self.PUBLISHED}/../set/0/0.kml"):
+            with self.subTest(link):
+                self.assertEqual(len(self.broken(link)), 1)
 
     def test_a_ring_of_links_ends(self):
         self.assertEqual(self.broken("doc.kml", "../set/doc.kml"), [])

@@ -1,6 +1,7 @@
 """A headless Chromium that a test works over its debugging pipe. It reaches 127.0.0.1 and nothing else:
 every other host is unknown to it, whatever network the machine has."""
 
+import base64
 import fcntl
 import json
 import os
@@ -23,6 +24,7 @@ class Chromium:
         self.profile = tempfile.TemporaryDirectory(prefix="mosaicon chromium ", ignore_cleanup_errors=True)
         self.process = None
         self.events = []
+        self.stand_ins = {}
         self.unread = b""
         self.last_id = 0
 
@@ -66,21 +68,26 @@ class Chromium:
         self.process.wait()
         self.profile.cleanup()
 
-    def open_page(self, url, expression="null"):
+    def open_page(self, url, expression="null", stand_ins=None):
         """Loads a page in a tab of its own, waits until it has settled, and returns the events as
-        (method, parameters) pairs, and what the JavaScript expression then yields in it."""
+        (method, parameters) pairs, and what the JavaScript expression, or its promise, then yields in it. stand_ins are
+        what the page gets from addresses that cannot be reached: {address: (content type, bytes)}."""
         target = self.call("Target.createTarget", url="about:blank")["targetId"]
         session = self.call("Target.attachToTarget", targetId=target, flatten=True)["sessionId"]
         for domain in ("Page", "Network", "Runtime", "Log"):
             self.call(f"{domain}.enable", session)
         self.call("Network.setCacheDisabled", session, cacheDisabled=True)
+        self.stand_ins = stand_ins or {}
+        if self.stand_ins:
+            self.call("Fetch.enable", session, patterns=[{"urlPattern": each} for each in self.stand_ins])
         self.events.clear()
         error = self.call("Page.navigate", session, url=url).get("errorText")
         if error:
             raise ConnectionError(f"{url}: {error}")
         self.wait_until_settled(session)
+        answer = self.call("Runtime.evaluate", session, expression=expression, returnByValue=True,
+                           awaitPromise=True)
         events = [(each["method"], each["params"]) for each in self.events if each.get("sessionId") == session]
-        answer = self.call("Runtime.evaluate", session, expression=expression, returnByValue=True)
         if "exceptionDetails" in answer:
             raise ValueError(f"{expression}: {answer['exceptionDetails']}")
         self.call("Target.closeTarget", targetId=target)
@@ -92,27 +99,44 @@ class Chromium:
         while True:
             event = self.receive(QUIET)
             if event:
-                self.events.append(event)
+                self.take(event)
             elif is_settled([each for each in self.events if each.get("sessionId") == session]):
                 return
             if time.monotonic() > deadline:
                 raise TimeoutError("the page does not settle")
 
-    def call(self, method, session=None, **parameters):
+    def take(self, event):
+        """Keeps an event. A request that waits for its stand-in gets it."""
+        if "method" not in event:
+            return
+        self.events.append(event)
+        if event["method"] == "Fetch.requestPaused":
+            content_type, content = self.stand_ins[event["params"]["request"]["url"]]
+            self.send("Fetch.fulfillRequest", event["sessionId"], requestId=event["params"]["requestId"],
+                      responseCode=200, responseHeaders=[{"name": "Content-Type", "value": content_type}],
+                      body=base64.b64encode(content).decode())
+
+    def send(self, method, session=None, **parameters):
         self.last_id += 1
         message = {"id": self.last_id, "method": method, "params": parameters}
         if session:
             message["sessionId"] = session
-        os.write(self.commands, json.dumps(message).encode() + b"\0")
+        data = json.dumps(message).encode() + b"\0"
+        while data:
+            data = data[os.write(self.commands, data):]
+        return self.last_id
+
+    def call(self, method, session=None, **parameters):
+        number = self.send(method, session, **parameters)
         deadline = time.monotonic() + PATIENCE
         while time.monotonic() < deadline:
             answer = self.receive(1)
-            if answer and answer.get("id") == self.last_id:
+            if answer and answer.get("id") == number:
                 if "error" in answer:
                     raise RuntimeError(f"{method}: {answer['error']}")
                 return answer["result"]
             if answer:
-                self.events.append(answer)
+                self.take(answer)
         raise TimeoutError(f"{method} is not answered")
 
     def receive(self, seconds):

@@ -100,13 +100,14 @@ class WebCheck:
         self.server.server_close()
         self.thread.join()
 
-    def open_page(self, path, expression="null"):
+    def open_page(self, path, expression="null", stand_ins=None):
         """Visits a page of the folder; path is relative to it, as in an address. The JavaScript expression
-        may ask for more, once the page is there."""
+        may ask for more, once the page is there. stand_ins are what other hosts would send, as
+        {address: (content type, bytes)}."""
         if not self.browser:
             self.browser = Chromium().__enter__()
         self.requests.clear()
-        events, value = self.browser.open_page(f"{self.origin}/{path}", expression)
+        events, value = self.browser.open_page(f"{self.origin}/{path}", expression, stand_ins)
         return PageVisit(self.origin, list(self.requests), console_messages(events), failed_requests(events),
                          value)
 
@@ -118,6 +119,7 @@ class WebCheck:
         broken, seen, waiting = [], set(), [(f"{published}{path}", "the check")]
         while waiting:
             address, document = waiting.pop()
+            address = without_dots(address)
             if address in seen:
                 continue
             seen.add(address)
@@ -147,6 +149,20 @@ class WebCheck:
                 return (404, b"") if answer.url != address else (answer.status, answer.read())
         except urllib.error.HTTPError as error:
             return error.code, b""
+
+
+def without_dots(address):
+    """As clients do before they ask. urljoin does not, where the link has a host of its own."""
+    parts = urllib.parse.urlsplit(address)
+    if parts.scheme not in ("http", "https"):
+        return address
+    names = []
+    for name in parts.path.split("/")[1:]:
+        if name == "..":
+            names = names[:-1]
+        elif name != ".":
+            names.append(name)
+    return urllib.parse.urlunsplit(parts._replace(path="/" + "/".join(names)))
 
 
 def kml_links(content):
