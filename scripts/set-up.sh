@@ -18,7 +18,7 @@ packages=(
   dpkg-dev tcl sqlite3
   libgdal-dev gdal-bin python3 python3-gdal python3-numpy
   wine wine64 xvfb xauth procps
-  chromium-headless-shell libpam-modules openssl perl python3-pyftpdlib util-linux
+  chromium-headless-shell libjs-leaflet libpam-modules openssl perl python3-pyftpdlib util-linux
 )
 
 # Packages of FTP servers that are not to be on one machine, and the libraries that these want beside what

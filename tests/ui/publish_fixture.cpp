@@ -73,7 +73,24 @@ std::string ReadBytes(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
+std::string TextFromEnvironment(const char* variable) {
+  char value[MAX_PATH] = "";
+  EXPECT_NE(GetEnvironmentVariableA(variable, value, sizeof value), 0U) << variable << " is not set";
+  return value;
+}
+
 }  // namespace
+
+Login ServerLogin(bool firewallMode) {
+  return {.host = TextFromEnvironment("MOSAICON_FTP_HOST") + ":" + TextFromEnvironment("MOSAICON_FTP_PORT"),
+          .user = TextFromEnvironment("MOSAICON_FTP_USER"),
+          .password = TextFromEnvironment("MOSAICON_FTP_PASSWORD"),
+          .firewallMode = firewallMode};
+}
+
+std::string Remote(const std::string& name) {
+  return PathFromEnvironment("MOSAICON_FTP_ROOT") + (name.empty() ? "" : "\\" + name);
+}
 
 std::ostream& operator<<(std::ostream& out, const Row& row) {
   return out << row.name << " of " << row.date;

@@ -19,6 +19,11 @@ struct Login {
   bool ascii = false;
 };
 
+// The server that MOSAICON_FTP_HOST, _PORT, _USER, _PASSWORD and _ROOT tell of: how to log in, and the place
+// of what it calls "/" plus name.
+Login ServerLogin(bool firewallMode = true);
+std::string Remote(const std::string& name = "");
+
 // What a row of the list of remote entries shows.
 struct Row {
   std::string name;
