@@ -5,13 +5,21 @@
 
 KIND and the options are those of ftp_servers.py. The command finds the server by MOSAICON_FTP_HOST,
 MOSAICON_FTP_PORT, MOSAICON_FTP_USER, MOSAICON_FTP_PASSWORD and MOSAICON_FTP_ROOT, the folder that the
-login sees as "/". The command has a umask of 0, so that the server may change what it puts there.
+login sees as "/". The command has a umask of 0, so that the server may change what it puts there, unless
+there is --keep-umask.
+
+With --web, a web server shows the same folder under MOSAICON_WEB_URL. With --tell, all that somebody needs
+who works by hand is printed.
 """
 
 import argparse
+import contextlib
+import functools
+import http.server
 import os
 import subprocess
 import sys
+import threading
 
 from ftp_servers import CLASSES, KINDS
 
@@ -29,8 +37,43 @@ def options_from(arguments):
     parser.add_argument("--no-active", dest="active", action="store_false", default=None)
     parser.add_argument("--anonymous", action="store_true", default=None)
     parser.add_argument("--broken", action="store_true", default=None)
+    parser.add_argument("--web", action="store_true", default=None)
+    parser.add_argument("--tell", action="store_true", default=None)
+    parser.add_argument("--keep-umask", action="store_true", default=None)
     given = vars(parser.parse_args(arguments))
     return {name: value for name, value in given.items() if value is not None}
+
+
+class QuietHandler(http.server.SimpleHTTPRequestHandler):
+    extensions_map = {**http.server.SimpleHTTPRequestHandler.extensions_map,
+                      ".kml": "application/vnd.google-earth.kml+xml"}
+
+    def log_message(self, *_):
+        pass
+
+
+@contextlib.contextmanager
+def web_server(folder):
+    """Yields its address."""
+    handler = functools.partial(QuietHandler, directory=str(folder))
+    with http.server.ThreadingHTTPServer(("127.0.0.1", 0), handler) as server:
+        thread = threading.Thread(target=server.serve_forever)
+        thread.start()
+        try:
+            yield f"http://127.0.0.1:{server.server_port}"
+        finally:
+            server.shutdown()
+            thread.join()
+
+
+def tell(server, web):
+    print(f"== an FTP server is running until the program ends:\n"
+          f"     Host Address  {server.host}:{server.port}\n"
+          f"     Username      {server.user}\n"
+          f"     Password      {server.password}\n"
+          f"     (it keeps its files in {server.root})", flush=True)
+    if web:
+        print(f"== what is published there can be seen under {web}/", flush=True)
 
 
 def main():
@@ -38,9 +81,18 @@ def main():
         sys.exit(__doc__)
     end = sys.argv.index("--")
     options = options_from(sys.argv[1:end])
-    with CLASSES[options.pop("kind")](**options) as server:
-        os.umask(0)
-        command = subprocess.run(sys.argv[end + 1:], env={**os.environ, **server.environment()}, check=False)
+    wants_web, wants_to_know, keeps_umask = (options.pop(name, False) for name in ("web", "tell", "keep_umask"))
+    with contextlib.ExitStack() as stack:
+        server = stack.enter_context(CLASSES[options.pop("kind")](**options))
+        environment = {**os.environ, **server.environment()}
+        web = stack.enter_context(web_server(server.root)) if wants_web else ""
+        if web:
+            environment["MOSAICON_WEB_URL"] = web
+        if wants_to_know:
+            tell(server, web)
+        if not keeps_umask:
+            os.umask(0)
+        command = subprocess.run(sys.argv[end + 1:], env=environment, check=False)
     return command.returncode
 
 

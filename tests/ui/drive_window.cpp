@@ -1,8 +1,15 @@
 // Drives the real window through one job, without anybody at the screen:
 //   drive_window PROGRAM ORTHOPHOTO TARGET REPORT_FILE PICTURE_FOLDER
 // Starts PROGRAM, fills in its form, starts the job, keeps what the report says in REPORT_FILE, and leaves
-// window-working.png, window-report.png and window-done.png in PICTURE_FOLDER, which must exist. Exit code
-// 0: the report says that the orthophoto is OK. 1: standard error says what went wrong. 2: bad arguments.
+// window-working.png, window-report.png and window-done.png in PICTURE_FOLDER, which must exist.
+//
+// When MOSAICON_FTP_HOST, _PORT, _USER and _PASSWORD tell of an FTP server, it also uploads TARGET there,
+// leaves window-upload.png, and prints what the program says and how long it took. An empty ORTHOPHOTO means
+// that there is no job but only that. The job's web address is MOSAICON_WEB_URL, when there is one, and the
+// name of TARGET.
+//
+// Exit code 0: the report says that the orthophoto is OK, and all files were uploaded. 1: standard error says
+// what went wrong. 2: bad arguments.
 #include <windows.h>
 
 // After windows.h.
@@ -22,6 +29,7 @@ namespace {
 constexpr char kMainTitle[] = "Kovel Software - Mosaicon";
 constexpr char kUserDataTitle[] = "User Data";
 constexpr char kReportTitle[] = "Process Completed";
+constexpr char kUploadTitle[] = "FTP Upload";
 constexpr char kMapTitle[] = "Sample";
 constexpr DWORD kStartPatience = 120000;  // ms; the first start of Wine is slow
 constexpr DWORD kJobPatience = 1800000;   // ms
@@ -44,6 +52,12 @@ struct Arguments {
   std::string pictureFolder;
 };
 
+std::string FromEnvironment(const char* variable) {
+  char value[MAX_PATH] = "";
+  GetEnvironmentVariableA(variable, value, sizeof value);
+  return value;
+}
+
 // One run; each step returns false when the run must not go on, having said why.
 class Drive {
  public:
@@ -57,6 +71,11 @@ class Drive {
   bool FillInForm();
   bool WatchJob();
   bool TakeReport();
+  bool PhotographMain();
+  bool RunJob();
+  bool OpenUpload();
+  bool Connect();
+  bool UploadTarget();
   bool Leave();
   bool Photograph(const Window& window, const char* name);
   bool Keep(const Picture& picture, const char* name);
@@ -66,11 +85,21 @@ class Drive {
   Program m_program;
   Window m_main;
   Window m_report;
+  Window m_upload;
 };
 
 bool Drive::Run() {
   if (!m_program.IsStarted()) return Fail("the program " + m_arguments.program + " could not be started");
-  return Open() && FillInForm() && WatchJob() && TakeReport() && Leave();
+  if (!Open()) return false;
+  if (!m_arguments.orthophoto.empty() && !RunJob()) return false;
+  if (!FromEnvironment("MOSAICON_FTP_HOST").empty() && !(OpenUpload() && Connect() && UploadTarget())) {
+    return false;
+  }
+  return Leave();
+}
+
+bool Drive::RunJob() {
+  return FillInForm() && WatchJob() && TakeReport() && PhotographMain();
 }
 
 // Every message box is in the way, and says why.
@@ -105,7 +134,14 @@ bool Drive::FillInUserData(const Window& form) {
   return form.WaitUntilGone();
 }
 
+// The click comes first: it leaves the field of the orthophoto, which is looked at then.
 bool Drive::FillInForm() {
+  const std::string web = FromEnvironment("MOSAICON_WEB_URL");
+  if (!web.empty()) {
+    if (!m_main.Item(IDC_WEB_OUTPUT).Check(true)) return Fail("the box of the web address cannot be ticked");
+    m_main.Item(IDC_TARGET_URL)
+        .SetText(web + "/" + m_arguments.target.substr(m_arguments.target.rfind('\\') + 1));
+  }
   m_main.Item(IDC_ORTHOPHOTO).SetText(m_arguments.orthophoto);
   m_main.Item(IDC_MAP_TITLE).SetText(kMapTitle);
   m_main.Item(IDC_TARGET_FOLDER).SetText(m_arguments.target);
@@ -155,10 +191,48 @@ bool Drive::TakeReport() {
   return Fail("the report does not say that " + m_arguments.orthophoto + " is OK:\n" + log);
 }
 
-bool Drive::Leave() {
-  if (!m_main.WaitUntilEnabled() || !Photograph(m_main, "window-done.png")) {
-    return Fail("no picture of the window after the job could be taken");
+bool Drive::PhotographMain() {
+  return (m_main.WaitUntilEnabled() && Photograph(m_main, "window-done.png")) ||
+         Fail("no picture of the window after the job could be taken");
+}
+
+bool Drive::OpenUpload() {
+  m_main.Item(IDC_TARGET_FOLDER).SetText(m_arguments.target);
+  m_main.Item(IDC_UPLOAD).Click();
+  m_upload = m_program.WaitFor(kUploadTitle);
+  return m_upload.Item(IDC_FTP_CONNECT).WaitUntilEnabled() || Fail("the upload dialog did not open");
+}
+
+bool Drive::Connect() {
+  m_upload.Item(IDC_FTP_HOST)
+      .SetText(FromEnvironment("MOSAICON_FTP_HOST") + ":" + FromEnvironment("MOSAICON_FTP_PORT"));
+  m_upload.Item(IDC_FTP_USER_NAME).SetText(FromEnvironment("MOSAICON_FTP_USER"));
+  m_upload.Item(IDC_FTP_PASSWORD).SetText(FromEnvironment("MOSAICON_FTP_PASSWORD"));
+  if (!m_upload.Item(IDC_FTP_FIREWALL_MODE).Check(true)) return Fail("Firewall Mode cannot be ticked");
+  m_upload.Item(IDC_FTP_CONNECT).Click();
+  const Window upload = m_upload.Item(IDC_FTP_UPLOAD);
+  WaitUntil([&] { return upload.IsEnabled() || FindMessageBox(m_program); }, kSmallPatience);
+  return upload.IsEnabled() || Fail("the upload dialog did not connect");
+}
+
+bool Drive::UploadTarget() {
+  const ULONGLONG start = GetTickCount64();
+  m_upload.Item(IDC_FTP_UPLOAD).Click();
+  const MessageBoxWindow box = WaitForMessageBox(m_program, kJobPatience);
+  const auto seconds = static_cast<double>(GetTickCount64() - start) / 1000;
+  // All others say more, or something else.
+  if (!box || box.Text().find_first_not_of("0123456789") != box.Text().find(" file uploaded")) {
+    return Fail("the upload failed");
   }
+  std::printf("%s in %.1f seconds\n", box.Text().c_str(), seconds);
+  std::fflush(stdout);
+  if (!box.Answer(IDOK) || !m_upload.Item(IDOK).WaitUntilEnabled()) return Fail("the upload did not end");
+  if (!Photograph(m_upload, "window-upload.png")) return Fail("no picture of the upload could be taken");
+  m_upload.Item(IDOK).Click();
+  return (m_upload.WaitUntilGone() && m_main.WaitUntilEnabled()) || Fail("the upload dialog did not close");
+}
+
+bool Drive::Leave() {
   m_main.Item(IDC_EXIT).Click();
   if (!m_program.WaitForEnd(kSmallPatience)) return Fail("the program did not end");
   return m_program.ExitCode() == 0 || Fail("the program did not end well");

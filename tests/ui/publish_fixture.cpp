@@ -73,13 +73,13 @@ std::string ReadBytes(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
+}  // namespace
+
 std::string TextFromEnvironment(const char* variable) {
   char value[MAX_PATH] = "";
   EXPECT_NE(GetEnvironmentVariableA(variable, value, sizeof value), 0U) << variable << " is not set";
   return value;
 }
-
-}  // namespace
 
 Login ServerLogin(bool firewallMode) {
   return {.host = TextFromEnvironment("MOSAICON_FTP_HOST") + ":" + TextFromEnvironment("MOSAICON_FTP_PORT"),

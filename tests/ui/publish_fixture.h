@@ -19,6 +19,8 @@ struct Login {
   bool ascii = false;
 };
 
+std::string TextFromEnvironment(const char* variable);
+
 // The server that MOSAICON_FTP_HOST, _PORT, _USER, _PASSWORD and _ROOT tell of: how to log in, and the place
 // of what it calls "/" plus name.
 Login ServerLogin(bool firewallMode = true);

@@ -18,11 +18,7 @@ constexpr int kHeight = 500;
 
 class Web : public PublishTest {
  protected:
-  static std::string Url() {
-    char url[MAX_PATH] = "";
-    EXPECT_NE(GetEnvironmentVariableA("MOSAICON_WEB_URL", url, sizeof url), 0U);
-    return url;
-  }
+  static std::string Url() { return TextFromEnvironment("MOSAICON_WEB_URL"); }
 
   // The button is hidden, but works.
   void UpdateIndex() {
