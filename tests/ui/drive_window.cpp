@@ -218,7 +218,9 @@ bool Drive::Connect() {
 bool Drive::UploadTarget() {
   const ULONGLONG start = GetTickCount64();
   m_upload.Item(IDC_FTP_UPLOAD).Click();
-  const MessageBoxWindow box = WaitForMessageBox(m_program, kJobPatience);
+  // The window is not asked meanwhile: it would have to answer. A message box takes it its input.
+  WaitUntil([&] { return !m_upload.IsEnabled() || !m_program.IsRunning(); }, kJobPatience);
+  const MessageBoxWindow box = WaitForMessageBox(m_program);
   const auto seconds = static_cast<double>(GetTickCount64() - start) / 1000;
   // All others say more, or something else.
   if (!box || box.Text().find_first_not_of("0123456789") != box.Text().find(" file uploaded")) {
