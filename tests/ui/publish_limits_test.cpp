@@ -2,7 +2,7 @@
 // beyond a million bytes.
 #include "net/error_codes.h"
 #include "net/ftp_client.h"
-#include "ui/real_server.h"
+#include "ui/publish_fixture.h"
 
 namespace {
 
@@ -15,7 +15,7 @@ TEST_F(Limits, OfTimeDoNotEndAnIdleConnection) {
   ASSERT_TRUE(Connect(ServerLogin()));
   // A connection on which nobody says anything, to see that the server means it.
   CUT_FTPClient silent;
-  silent.SetControlPort(std::stoi(FromEnvironment("MOSAICON_FTP_PORT")));
+  silent.SetControlPort(std::stoi(TextFromEnvironment("MOSAICON_FTP_PORT")));
   ASSERT_EQ(silent.FTPConnect("127.0.0.1", ServerLogin().user.c_str(), ServerLogin().password.c_str()),
             kNetSuccess);
   Sleep(2 * kIdleTime);

@@ -3,7 +3,7 @@
 #include <cstdlib>
 
 #include "net/error_codes.h"
-#include "ui/real_server.h"
+#include "ui/publish_fixture.h"
 
 namespace {
 
@@ -19,7 +19,7 @@ std::string EveryByte(size_t size) {
 
 // A symbolic link as the server's system makes it, in the server's folder.
 bool MakeLink(const std::string& target, const std::string& link) {
-  const std::string path = FromEnvironment("MOSAICON_FTP_ROOT") + "/" + link;
+  const std::string path = TextFromEnvironment("MOSAICON_FTP_ROOT") + "/" + link;
   return std::system(("start /wait /unix /bin/ln -s " + target + " " + path).c_str()) == 0;
 }
 
