@@ -68,6 +68,7 @@ class CFtpUploadFolderDlg : public CDialogEx, private PublishHost {
   bool Remove(const std::string& name);
   void BeginOperation(Operation operation);
   void EndOperation(Operation operation);
+  void ShowCaption();
   void ShowUploadReport(int uploaded, int total);
 
   // PublishHost
@@ -111,6 +112,8 @@ class CFtpUploadFolderDlg : public CDialogEx, private PublishHost {
   bool m_bAsking = false;      // whether to stop it
   bool m_bCloseAsked = false;  // when the server is done with
   CWaitCursor* m_pWaitCursor = nullptr;
+  bool m_bCaptionStale = false;  // the progress bar shows an older one
+  ULONGLONG m_nCaptionShown = 0;
 };
 
 #endif  // MOSAICON_PUBLISH_FTP_UPLOAD_FOLDER_DLG_H_

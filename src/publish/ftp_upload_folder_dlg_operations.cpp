@@ -16,7 +16,8 @@
 
 namespace {
 
-constexpr int kCommonApplicationData = 35;  // CSIDL_COMMON_APPDATA
+constexpr ULONGLONG kCaptionMilliseconds = 100;  // painting takes its time
+constexpr int kCommonApplicationData = 35;       // CSIDL_COMMON_APPDATA
 
 // Locked while an operation runs.
 constexpr int kLockedControls[] = {
@@ -176,6 +177,7 @@ void CFtpUploadFolderDlg::EndOperation(Operation operation) {
   m_bOperation = false;
   SetProgressPosition(0);
   SetProgressCaption("");
+  ShowCaption();
   EnableWindow(GetDlgItem(IDC_FTP_ABORT), FALSE);
   EnableControls(kLockedControls, true);
   if (operation != Operation::kIndex) EnableWindow(m_check.GetSafeHwnd(), TRUE);
@@ -194,6 +196,7 @@ bool CFtpUploadFolderDlg::IsAborted() {
 
 // Costs nothing when there is nothing to do: an upload of small files asks after each of them.
 void CFtpUploadFolderDlg::PumpMessages() {
+  if (m_bCaptionStale && GetTickCount64() - m_nCaptionShown >= kCaptionMilliseconds) ShowCaption();
   if (HIWORD(GetQueueStatus(QS_ALLINPUT)) != 0) KVT_PumpMessages();
 }
 
@@ -211,6 +214,14 @@ int CFtpUploadFolderDlg::ProgressPosition() {
 
 void CFtpUploadFolderDlg::SetProgressCaption(const std::string& caption) {
   m_progress.SetCaption(caption);
+  m_bCaptionStale = true;
+}
+
+// A position that is set may have painted the bar before its caption came.
+void CFtpUploadFolderDlg::ShowCaption() {
+  InvalidateRect(m_progress.GetSafeHwnd(), nullptr, FALSE);
+  m_bCaptionStale = false;
+  m_nCaptionShown = GetTickCount64();
 }
 
 void CFtpUploadFolderDlg::SetStatus(const std::string& text) {

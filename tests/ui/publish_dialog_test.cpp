@@ -1,6 +1,9 @@
 // The upload dialog by itself, and with servers that do not behave: each test says what its server hears
 // and answers.
+#include <set>
+
 #include "net/error_codes.h"
+#include "ui/screenshot.h"
 #include "ui/scripted_dialog.h"
 
 // After windows.h.
@@ -8,7 +11,16 @@
 
 namespace {
 
-using Dialog = ScriptedDialog;
+// The frame, the bar and the room for it, and then the text with its smoothed edges.
+constexpr size_t kColoursWithText = 6;
+
+class Dialog : public ScriptedDialog {
+ protected:
+  size_t ColoursOfTheBar() {
+    const Picture picture = TakePicture(FtpItem(IDC_FTP_PROGRESS).Place());
+    return std::set<uint32_t>(picture.pixels.begin(), picture.pixels.end()).size();
+  }
+};
 
 TEST_F(Dialog, HasTheControlsOfItsTemplate) {
   ASSERT_TRUE(OpenUpload("d:\\maps\\my ortho"));
@@ -322,6 +334,22 @@ TEST_F(Dialog, ReportsAServerThatDiesInTheMiddle) {
   EXPECT_EQ(NextMessage(), (Told{"Only 1 file are uploaded correctly (3 total)", BoxIcon::kWarning}));
   EXPECT_TRUE(LooksDisconnected());
   EXPECT_TRUE(Rows().empty());
+}
+
+TEST_F(Dialog, ShowsOnTheBarWhichFileWasLast) {
+  ASSERT_TRUE(ConnectTo(Answering("CWD up", "550 no") + Answering("MKD up", "257") +
+                            Answering("CWD up", "250") + Receiving("a") +
+                            Script{AnswerPasv(), Expect("STOR b"), AcceptData(), Say("150"), Gate(),
+                                   HearData(), CloseData(), Say("226")} +
+                            Answering("CDUP", "250") + Listing("") + kLeaving,
+                        {"a", "b"}));
+  EXPECT_LT(ColoursOfTheBar(), kColoursWithText);
+  FtpItem(IDC_FTP_UPLOAD).Click();
+  ASSERT_TRUE(IsAtGate());
+  EXPECT_TRUE(WaitUntil([this] { return ColoursOfTheBar() >= kColoursWithText; }));
+  Go();
+  EXPECT_EQ(NextMessage().text, "2 file uploaded");
+  EXPECT_TRUE(WaitUntil([this] { return ColoursOfTheBar() < kColoursWithText; }));
 }
 
 TEST_F(Dialog, StopsWhenAServerIsSilentInTheMiddle) {
