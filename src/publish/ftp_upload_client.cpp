@@ -11,6 +11,11 @@ CFtpUploadClient::CFtpUploadClient(PublishHost& host) : m_host(host) {
   SetWaitListener(this);
 }
 
+// The base class says goodbye when nobody can listen any more.
+CFtpUploadClient::~CFtpUploadClient() {
+  SetWaitListener(nullptr);
+}
+
 int CFtpUploadClient::OnSendProgress(long /*bytes*/) {
   return !IsAborted();
 }

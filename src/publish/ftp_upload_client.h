@@ -14,6 +14,7 @@ class CFtpUploadClient : public CUT_FTPClient, private WaitListener {
  public:
   // host must outlive it.
   explicit CFtpUploadClient(PublishHost& host);
+  ~CFtpUploadClient() override;
 
   int OnSendProgress(long bytes) override;
   int IsAborted() override;

@@ -21,7 +21,8 @@ constexpr UINT kKeepAliveMilliseconds = 20000;
 // Short texts stand on the stack, which crash reports hold.
 class Password {
  public:
-  explicit Password(std::string text) : m_text(std::move(text)) {}
+  // Leaves nothing in text.
+  explicit Password(std::string&& text) : m_text(text) { Wipe(text.data(), text.size()); }
   ~Password() { Wipe(m_text.data(), m_text.size()); }
   Password(const Password&) = delete;
   Password& operator=(const Password&) = delete;
