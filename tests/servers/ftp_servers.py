@@ -43,6 +43,8 @@ CACHE = pathlib.Path(os.environ.get("XDG_CACHE_HOME") or pathlib.Path.home() / "
 INSTALLED = CACHE / "ftp-servers"
 HOST = "127.0.0.1"
 PATIENCE = 20  # seconds until a server counts as hung
+# Some disks need ten seconds and more to remove ten thousand files.
+REMOVAL_PATIENCE = 180
 TRIES = 5  # another program may take the port that was free
 UMASK = "022"
 PYTHON = "/usr/bin/python3"  # has what is installed as packages
@@ -116,7 +118,7 @@ class FtpServer:
     def close(self):
         """The server ends, with all its sessions, and what was temporary goes."""
         if self._keeper is not None:
-            self._keeper.communicate(timeout=PATIENCE)
+            self._keeper.communicate(timeout=REMOVAL_PATIENCE)
             self._keeper = None
         if self.folder is not None and self.folder.exists():
             subprocess.run(as_root(["rm", "-rf", str(self.folder)]), check=True)
