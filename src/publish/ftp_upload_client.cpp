@@ -16,14 +16,17 @@ CFtpUploadClient::~CFtpUploadClient() {
   SetWaitListener(nullptr);
 }
 
-int CFtpUploadClient::OnSendProgress(long /*bytes*/) {
-  return !IsAborted();
-}
-
 // Asked between chunks and between lines of a listing, which may come by the thousand.
 int CFtpUploadClient::IsAborted() {
   PumpNowAndThen();
-  return m_host.IsAborted() ? 1 : 0;
+  return IsStopAsked() ? 1 : 0;
+}
+
+// Every abort has its own time to wait for an answer.
+bool CFtpUploadClient::IsStopAsked() {
+  const bool isAsked = m_host.IsAborted();
+  if (!isAsked) m_nAbortedSince = 0;
+  return isAsked;
 }
 
 void CFtpUploadClient::Reset() {
@@ -33,10 +36,7 @@ void CFtpUploadClient::Reset() {
 bool CFtpUploadClient::OnWait() {
   m_nLastPump = GetTickCount64();
   m_host.PumpMessages();
-  if (!m_host.IsAborted()) {
-    m_nAbortedSince = 0;
-    return true;
-  }
+  if (!IsStopAsked()) return true;
   const ULONGLONG now = GetTickCount64();
   if (m_nAbortedSince == 0) m_nAbortedSince = now;
   if (now - m_nAbortedSince < kAnswerMilliseconds) return true;

@@ -16,7 +16,6 @@ class CFtpUploadClient : public CUT_FTPClient, private WaitListener {
   explicit CFtpUploadClient(PublishHost& host);
   ~CFtpUploadClient() override;
 
-  int OnSendProgress(long bytes) override;
   int IsAborted() override;
 
   // True once a wait was given up; false again after a new connection.
@@ -25,6 +24,7 @@ class CFtpUploadClient : public CUT_FTPClient, private WaitListener {
 
  private:
   bool OnWait() override;
+  bool IsStopAsked();
   void PumpNowAndThen();
 
   PublishHost& m_host;

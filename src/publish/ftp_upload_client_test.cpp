@@ -1,0 +1,54 @@
+#include "publish/ftp_upload_client.h"
+
+#include <gtest/gtest.h>
+
+#include "net/error_codes.h"
+#include "net/scripted_server.h"
+#include "publish/fake_publish_host.h"
+
+namespace {
+
+class UploadClient : public testing::Test {
+ protected:
+  void LogInTo(const ScriptedServer::Script& script) {
+    m_server = std::make_unique<ScriptedServer>(
+        ScriptedServer::Script{Say("220"), Expect("USER ann"), Say("230"), Expect("TYPE A"), Say("200"),
+                               Expect("MODE S"), Say("200"), Expect("STRU F"), Say("200")} +
+        script);
+    m_client.SetControlPort(m_server->Port());
+    ASSERT_EQ(m_client.FTPConnect("127.0.0.1", "ann", "secret"), kNetSuccess);
+  }
+
+  FakePublishHost m_host;
+  CFtpUploadClient m_client{m_host};
+  std::unique_ptr<ScriptedServer> m_server;
+};
+
+TEST_F(UploadClient, GivesASilentServerSomeTimeAfterAnAbort) {
+  LogInTo({Expect("CWD a"), ExpectEnd()});
+  m_host.aborted = true;
+  const ULONGLONG start = GetTickCount64();
+  EXPECT_EQ(m_client.ChDir("a"), kNetNoResponse);
+  EXPECT_TRUE(m_client.HasGivenUp());
+  EXPECT_GE(GetTickCount64() - start, 900U);
+  EXPECT_LT(GetTickCount64() - start, 2000U);
+  m_client.CloseConnection();
+  EXPECT_EQ(m_server->Finish(), "");
+}
+
+TEST_F(UploadClient, GivesEveryAbortItsTime) {
+  LogInTo({Expect("CWD a"), Wait(300), Say("250"), Expect("NOOP"), Say("200"), Expect("CWD b"), Wait(300),
+           Say("250"), Expect("Quit"), ExpectEnd()});
+  m_host.aborted = true;
+  EXPECT_EQ(m_client.ChDir("a"), kNetSuccess);
+  m_host.aborted = false;
+  EXPECT_EQ(m_client.NoOp(), kNetSuccess);
+  Sleep(1500);
+  m_host.aborted = true;
+  EXPECT_EQ(m_client.ChDir("b"), kNetSuccess);
+  EXPECT_FALSE(m_client.HasGivenUp());
+  m_client.FTPClose();
+  EXPECT_EQ(m_server->Finish(), "");
+}
+
+}  // namespace
