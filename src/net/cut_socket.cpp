@@ -23,8 +23,7 @@ int CUT_Socket::SendRaw(SOCKET socket, const char* buffer, int length, int flags
 }
 
 bool CUT_Socket::HasPendingData(SOCKET socket) {
-  u_long pending = 0;
-  return ioctlsocket(socket, FIONREAD, &pending) == 0 && pending > 0;
+  return HasPendingBytes(socket);
 }
 
 int CUT_Socket::WaitReadable(SOCKET socket, long seconds, long microseconds) {

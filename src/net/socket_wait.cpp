@@ -7,11 +7,6 @@ namespace {
 constexpr long long kSlice = 20000;  // microseconds
 constexpr long long kMicroseconds = 1000000;
 
-bool HasBytes(SOCKET socket) {
-  u_long pending = 0;
-  return ioctlsocket(socket, FIONREAD, &pending) == 0 && pending > 0;
-}
-
 bool WaitOnce(SOCKET socket, SocketEvent event, long seconds, long microseconds) {
   fd_set sockets;
   FD_ZERO(&sockets);
@@ -24,10 +19,15 @@ bool WaitOnce(SOCKET socket, SocketEvent event, long seconds, long microseconds)
 
 }  // namespace
 
+bool HasPendingBytes(SOCKET socket) {
+  u_long pending = 0;
+  return ioctlsocket(socket, FIONREAD, &pending) == 0 && pending > 0;
+}
+
 bool WaitForSocket(SOCKET socket, SocketEvent event, long seconds, long microseconds,
                    WaitListener* listener) {
   // Most of the time there is something already, and asking for that is much cheaper than a select.
-  if (event == SocketEvent::kReadable && HasBytes(socket)) return true;
+  if (event == SocketEvent::kReadable && HasPendingBytes(socket)) return true;
   if (listener == nullptr || seconds < 0) return WaitOnce(socket, event, seconds, microseconds);
   const ULONGLONG start = GetTickCount64();
   const long long whole = seconds * kMicroseconds + microseconds;

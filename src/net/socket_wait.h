@@ -13,6 +13,9 @@ class WaitListener {
   virtual bool OnWait() = 0;
 };
 
+// True when bytes have arrived that nobody has received.
+bool HasPendingBytes(SOCKET socket);
+
 enum class SocketEvent { kReadable, kWritable };
 
 // True when it came within the time. listener may be null.
