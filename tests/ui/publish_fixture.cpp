@@ -35,36 +35,30 @@ class RemoteMemory {
   void* m_pMemory;
 };
 
-std::string RowText(HANDLE process, const Window& list, int row, int column) {
-  const RemoteMemory memory(process, sizeof(LVITEMA) + kTextSize);
-  LVITEMA item = {};
-  item.iSubItem = column;
+// The text that a list view fills into item when it gets message.
+template <class Item>
+std::string AskForText(HANDLE process, const Window& list, UINT message, int index, Item item) {
+  const RemoteMemory memory(process, sizeof item + kTextSize);
   item.pszText = memory.Address() + sizeof item;
   item.cchTextMax = kTextSize;
   memory.Write(&item, sizeof item);
   char text[kTextSize] = "";
-  if (list.Send(LVM_GETITEMTEXTA, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(memory.Address())) ==
-      0) {
+  if (list.Send(message, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(memory.Address())) == 0)
     return "";
-  }
   memory.Read(sizeof item, text, kTextSize - 1);
   return text;
 }
 
+std::string RowText(HANDLE process, const Window& list, int row, int column) {
+  LVITEMA item = {};
+  item.iSubItem = column;
+  return AskForText(process, list, LVM_GETITEMTEXTA, row, item);
+}
+
 std::string Heading(HANDLE process, const Window& list, int column) {
-  const RemoteMemory memory(process, sizeof(LVCOLUMNA) + kTextSize);
   LVCOLUMNA item = {};
   item.mask = LVCF_TEXT;
-  item.pszText = memory.Address() + sizeof item;
-  item.cchTextMax = kTextSize;
-  memory.Write(&item, sizeof item);
-  char text[kTextSize] = "";
-  if (list.Send(LVM_GETCOLUMNA, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(memory.Address())) ==
-      0) {
-    return "";
-  }
-  memory.Read(sizeof item, text, kTextSize - 1);
-  return text;
+  return AskForText(process, list, LVM_GETCOLUMNA, column, item);
 }
 
 std::string ReadBytes(const std::filesystem::path& path) {
