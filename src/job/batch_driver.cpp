@@ -47,8 +47,8 @@ bool IsSamePath(const std::string& left, const std::string& right) {
 BatchDriver::BatchDriver(JobHost& host, ToolRunner& runner, JobFiles& files, ProcessEnvironment& environment,
                          const std::string& programPath)
     : m_host(host),
-      m_runner(runner),
-      m_files(files),
+      m_runner(runner, host),
+      m_files(files, host),
       m_environment(environment),
       m_tools(MakeToolPaths(programPath)) {}
 
@@ -62,14 +62,17 @@ JobResult BatchDriver::StartJob(const JobSettings& settings, std::vector<CTifDat
   m_bOverwriteConfirmed = false;
   m_vOutputFolders.clear();
   m_vMapNames.clear();
+  const JobResult result = RunJob();
+  return m_host.IsClosed() ? JobResult::kClosed : result;
+}
 
+JobResult BatchDriver::RunJob() {
   if (!ValidateAndSaveSettings(m_settings, m_vOrthophotos.size(), m_host)) return JobResult::kBadSettings;
   if (!CheckTools(m_tools, m_files, m_host) || !SetToolEnvironment(m_tools, m_environment, m_host)) {
     return JobResult::kToolsMissing;
   }
   if (!Prepare()) return JobResult::kTargetMissing;
   ProcessAll();
-  if (IsGone()) return JobResult::kClosed;
   Report();
   return JobResult::kReported;
 }
@@ -83,13 +86,13 @@ bool BatchDriver::Prepare() {
   if (m_files.CreateFolder(m_settings.targetFolder)) return true;
   m_host.ShowMessage(MessageIcon::kWarning, "Unable to create folder " + m_settings.targetFolder +
                                                 " or parent folder doesn't exist");
-  if (!IsGone()) m_host.SetBusy(false);
+  m_host.SetBusy(false);
   return false;
 }
 
 void BatchDriver::ProcessAll() {
   for (size_t i = 0; i < m_vOrthophotos.size(); ++i) {
-    if (IsGone() || m_host.IsAborted()) return;
+    if (m_host.IsAborted()) return;
     if (ProcessOne(m_vOrthophotos[i], i, m_vOrthophotos.size()) == Next::kEndJob) return;
   }
 }
@@ -117,13 +120,10 @@ BatchDriver::Next BatchDriver::ProcessOne(const CTifData& data, size_t index, si
     Log(data.m_strFileName + " skipped");
     return Next::kContinue;
   }
-  if (data.m_strTargetEPSG != data.m_strSourceEPSG) {
-    const bool reprojected = Reproject(data, request.inputPath, request.sourceEPSG);
-    if (IsGone()) return Next::kEndJob;
-    if (!reprojected) {
-      Log("unable to apply translation to " + data.m_strFileName);
-      return Next::kContinue;
-    }
+  if (data.m_strTargetEPSG != data.m_strSourceEPSG &&
+      !Reproject(data, request.inputPath, request.sourceEPSG)) {
+    Log("unable to apply translation to " + data.m_strFileName);
+    return Next::kContinue;
   }
   const auto arguments = FormatTilingArguments(request);
   if (!arguments) {
@@ -134,10 +134,8 @@ BatchDriver::Next BatchDriver::ProcessOne(const CTifData& data, size_t index, si
                           output.mapName + " -");
   m_host.SetProgressPosition(0);
   m_runner.RunTiler(m_tools.interpreter, *arguments);
-  if (IsGone()) return Next::kEndJob;
 
   FinishViewers(output);
-  if (IsGone()) return Next::kEndJob;
   FinishKml(output);
   m_files.MakePreview(data.m_strFileName, FileIn(output.normalised, output.mapName, "jpg"));
   Log(data.m_strFileName + ": OK");
@@ -167,7 +165,6 @@ bool BatchDriver::ConfirmOverwrite(const CTifData& data) {
   if (!m_bOverwriteConfirmed) {
     const Answer answer =
         m_host.AskYesNoCancel("Folders are not empty. All content will be overwritten.\nContinue?");
-    if (IsGone()) return false;
     if (answer == Answer::kCancel) {
       m_host.SetAborted(true);
       return false;
@@ -199,7 +196,7 @@ bool BatchDriver::Reproject(const CTifData& data, std::string& inputPath, std::s
   m_files.Delete(warped);
   if (m_files.Exists(translated) || m_files.Exists(warped)) return false;
   m_runner.RunTranslator(m_tools.translator, *translateArguments);
-  if (IsGone() || !m_files.Exists(translated)) return false;
+  if (!m_files.Exists(translated)) return false;
   m_runner.RunWarper(m_tools.warper, *warpArguments);
   inputPath = warped;
   sourceEPSG = data.m_strTargetEPSG;
@@ -228,7 +225,6 @@ void BatchDriver::FinishViewers(const Output& output) {
       m_host.NavigatePreview(m_tools.folder + "\\tutorial.html");
     }
   }
-  if (IsGone()) return;
   m_host.PumpMessages();
   m_files.Delete(FileIn(output.normalised, "openlayers", "html"));
 }
@@ -252,7 +248,7 @@ void BatchDriver::Report() {
   m_host.SetProgressLabel("");
   m_host.SetProgressPosition(0);
   m_host.ShowReport(report);
-  if (!IsGone()) m_host.SetAborted(false);
+  m_host.SetAborted(false);
 }
 
 void BatchDriver::Log(const std::string& text) {

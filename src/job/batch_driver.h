@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "job/guarded_host.h"
 #include "job/job_files.h"
 #include "job/job_host.h"
 #include "job/job_settings.h"
@@ -20,7 +21,7 @@ enum class JobResult {
   kToolsMissing,   // or the environment could not be set; the user was told
   kTargetMissing,  // the target folder could not be made; the user was told
   kReported,       // the orthophotos were processed, or the user aborted
-  kClosed,         // the host was closed meanwhile, or a job is running already
+  kClosed,         // the host was closed meanwhile, or a job is running already; nothing more was done
 };
 
 class BatchDriver {
@@ -51,6 +52,7 @@ class BatchDriver {
     std::string normalised;  // folder, with a final backslash
   };
 
+  JobResult RunJob();
   bool Prepare();
   void ProcessAll();
   Next ProcessOne(const CTifData& data, size_t index, size_t count);
@@ -64,12 +66,11 @@ class BatchDriver {
 
   // Adds "- <text>" as a line.
   void Log(const std::string& text);
-  // True when the job must end at once, because the host is gone.
-  bool IsGone() const { return m_host.IsClosed(); }
 
-  JobHost& m_host;
-  ToolRunner& m_runner;
-  JobFiles& m_files;
+  // The only way to the world: every call of them may come too late.
+  GuardedHost m_host;
+  GuardedRunner m_runner;
+  GuardedFiles m_files;
   ProcessEnvironment& m_environment;
   const ToolPaths m_tools;
 

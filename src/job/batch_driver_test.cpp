@@ -347,24 +347,70 @@ TEST_F(Driver, IgnoresASecondStart) {
   EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n");
 }
 
-// The fake host fails the test when it is called after it was closed.
-TEST_F(Driver, EndsWithoutAnotherCallWhenTheHostIsClosed) {
-  m_files.paths.insert("D:\\out\\maps\\tile_0\\googlemaps.html");
-  m_settings.googleApiKey = "KEY";
-  for (const char* moment : {"preview:", "pump", "report", kQuestion, "warning:", "information:"}) {
+// Runs one job again and again, closed one call later each time. The fake host fails the test when it
+// is called after it was closed.
+class ClosedDriver : public Driver {
+ protected:
+  void SetUp() override {
+    Driver::SetUp();
+    m_settings.webOutput = true;
+    m_settings.targetUrl = "host/maps";
+    m_settings.googleApiKey = "KEY";
+    m_runner.onRun = [this](const std::string& tool, const std::string&) {
+      if (tool == "translate") m_files.paths.insert("D:\\in\\a.vrt");
+      if (tool == "tile") m_files.paths.insert("D:\\out\\maps\\tile_0\\googlemaps.html");
+    };
+  }
+
+  // The host closes itself in the call with this number; never with 0.
+  JobResult RunClosedAt(int call) {
+    m_files.paths = m_atStart;
     m_events.clear();
     m_host.closed = false;
-    m_files.matches.clear();
-    m_files.unwritable.clear();
-    if (std::string(moment) == kQuestion) Fill("D:\\out\\maps\\tile_0");
-    if (std::string(moment) == "warning:") m_files.unwritable.insert("D:\\out\\maps");
-    if (std::string(moment) == "information:") m_settings.targetFolder = "d:\\";
-    m_host.onEvent = [&](const std::string& event) {
-      if (event.rfind(moment, 0) == 0) m_host.closed = true;
-    };
-    Start({MakeData("a"), MakeData("b")});
-    EXPECT_TRUE(m_host.closed) << moment;
+    m_host.calls = 0;
+    m_host.closingCall = call;
+    return Start({MakeData("a", "EPSG:3003"), MakeData("b")});
   }
+
+  void ExpectNothingAfterClosingAtAnyCall(JobResult undisturbed) {
+    m_atStart = m_files.paths;
+    EXPECT_EQ(RunClosedAt(0), undisturbed);
+    const int count = m_host.calls;
+    ASSERT_GT(count, 0);
+    for (int call = 1; call <= count; ++call) {
+      EXPECT_EQ(RunClosedAt(call), JobResult::kClosed) << call;
+      EXPECT_EQ(m_host.calls, call);
+      EXPECT_EQ(m_events.size(), m_host.eventsAtClosing)
+          << m_events[m_host.eventsAtClosing] << " after call " << call << " of " << count;
+    }
+  }
+
+  std::set<std::string> m_atStart;
+};
+
+TEST_F(ClosedDriver, DoesNothingMoreAtAnyMomentOfAJob) {
+  ExpectNothingAfterClosingAtAnyCall(JobResult::kReported);
+  EXPECT_GT(m_host.calls, 20) << "a whole job: the last one was closed in its last call";
+}
+
+TEST_F(ClosedDriver, DoesNothingMoreWhenItWasAskedAboutOverwriting) {
+  Fill("D:\\out\\maps\\tile_0");
+  Fill("D:\\out\\maps\\tile_1");
+  for (const Answer answer : {Answer::kYes, Answer::kNo, Answer::kCancel}) {
+    m_host.answer = answer;
+    ExpectNothingAfterClosingAtAnyCall(JobResult::kReported);
+  }
+}
+
+TEST_F(ClosedDriver, DoesNothingMoreWhenAMessageIsShown) {
+  m_files.unwritable.insert("D:\\out\\maps");
+  ExpectNothingAfterClosingAtAnyCall(JobResult::kTargetMissing);
+  m_environment.refused = "PATH";
+  ExpectNothingAfterClosingAtAnyCall(JobResult::kToolsMissing);
+  m_files.paths.clear();
+  ExpectNothingAfterClosingAtAnyCall(JobResult::kToolsMissing);
+  m_settings.targetFolder = "d:\\";
+  ExpectNothingAfterClosingAtAnyCall(JobResult::kBadSettings);
 }
 
 TEST_F(Driver, EndsWithoutAnotherCallWhenTheHostIsClosedWhileAToolRuns) {

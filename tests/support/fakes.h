@@ -43,21 +43,38 @@ class FakeHost : public JobHost {
     Note("report");
     report = shown;
   }
-  bool IsAborted() const override { return aborted; }
-  void SetAborted(bool flag) override { aborted = flag; }
+  bool IsAborted() const override {
+    Count("IsAborted");
+    return aborted;
+  }
+  void SetAborted(bool flag) override {
+    Count("SetAborted");
+    aborted = flag;
+  }
   bool IsClosed() const override { return closed; }
 
   Answer answer = Answer::kYes;
   bool aborted = false;
-  bool closed = false;
+  mutable bool closed = false;
   JobReport report;
   // Runs after each event is noted: what a user does at that moment.
   std::function<void(const std::string& event)> onEvent;
 
+  // Every call but IsClosed counts. The host closes itself in the one with this number, if not 0.
+  mutable int calls = 0;
+  int closingCall = 0;
+  mutable size_t eventsAtClosing = 0;
+
  private:
+  void Count(const std::string& call) const {
+    EXPECT_FALSE(closed) << "the host is gone: " << call;
+    if (++calls != closingCall) return;
+    closed = true;
+    eventsAtClosing = m_events.size();
+  }
   void Note(const std::string& event) {
-    EXPECT_FALSE(closed) << "the host is gone: " << event;
     m_events.push_back(event);
+    Count(event);
     if (onEvent) onEvent(event);
   }
   Events& m_events;

@@ -1,0 +1,102 @@
+#include "job/guarded_host.h"
+
+void GuardedHost::ShowMessage(MessageIcon icon, const std::string& text) {
+  if (!IsClosed()) m_host.ShowMessage(icon, text);
+}
+
+void GuardedHost::WriteBackTargetUrl(const std::string& url) {
+  if (!IsClosed()) m_host.WriteBackTargetUrl(url);
+}
+
+void GuardedHost::WriteBackMapTitle(const std::string& title) {
+  if (!IsClosed()) m_host.WriteBackMapTitle(title);
+}
+
+void GuardedHost::WriteBackTargetFolder(const std::string& folder) {
+  if (!IsClosed()) m_host.WriteBackTargetFolder(folder);
+}
+
+Answer GuardedHost::AskYesNoCancel(const std::string& text) {
+  return IsClosed() ? Answer::kCancel : m_host.AskYesNoCancel(text);
+}
+
+void GuardedHost::SetBusy(bool busy) {
+  if (!IsClosed()) m_host.SetBusy(busy);
+}
+
+void GuardedHost::SetProgressLabel(const std::string& text) {
+  if (!IsClosed()) m_host.SetProgressLabel(text);
+}
+
+void GuardedHost::SetProgressRange(int lower, int upper) {
+  if (!IsClosed()) m_host.SetProgressRange(lower, upper);
+}
+
+void GuardedHost::SetProgressPosition(int percent) {
+  if (!IsClosed()) m_host.SetProgressPosition(percent);
+}
+
+void GuardedHost::NavigatePreview(const std::string& page) {
+  if (!IsClosed()) m_host.NavigatePreview(page);
+}
+
+void GuardedHost::PumpMessages() {
+  if (!IsClosed()) m_host.PumpMessages();
+}
+
+void GuardedHost::ShowReport(const JobReport& report) {
+  if (!IsClosed()) m_host.ShowReport(report);
+}
+
+bool GuardedHost::IsAborted() const {
+  return IsClosed() || m_host.IsAborted();
+}
+
+void GuardedHost::SetAborted(bool aborted) {
+  if (!IsClosed()) m_host.SetAborted(aborted);
+}
+
+void GuardedRunner::RunTranslator(const std::string& toolPath, const std::string& commandLine) {
+  if (!m_host.IsClosed()) m_runner.RunTranslator(toolPath, commandLine);
+}
+
+void GuardedRunner::RunWarper(const std::string& toolPath, const std::string& commandLine) {
+  if (!m_host.IsClosed()) m_runner.RunWarper(toolPath, commandLine);
+}
+
+void GuardedRunner::RunTiler(const std::string& toolPath, const std::string& commandLine) {
+  if (!m_host.IsClosed()) m_runner.RunTiler(toolPath, commandLine);
+}
+
+bool GuardedFiles::Exists(const std::string& path) {
+  return IsOpen() && m_files.Exists(path);
+}
+
+std::vector<FoundFile> GuardedFiles::Find(const std::string& pattern) {
+  return IsOpen() ? m_files.Find(pattern) : std::vector<FoundFile>();
+}
+
+bool GuardedFiles::CreateFolder(const std::string& path) {
+  return IsOpen() && m_files.CreateFolder(path);
+}
+
+bool GuardedFiles::Delete(const std::string& path) {
+  return IsOpen() && m_files.Delete(path);
+}
+
+bool GuardedFiles::Rename(const std::string& source, const std::string& target) {
+  return IsOpen() && m_files.Rename(source, target);
+}
+
+bool GuardedFiles::Copy(const std::string& source, const std::string& target) {
+  return IsOpen() && m_files.Copy(source, target);
+}
+
+bool GuardedFiles::RewriteLinks(const std::string& kml, const std::string& baseUrl,
+                                const std::string& subFolder) {
+  return IsOpen() && m_files.RewriteLinks(kml, baseUrl, subFolder);
+}
+
+bool GuardedFiles::MakePreview(const std::string& orthophoto, const std::string& picture) {
+  return IsOpen() && m_files.MakePreview(orthophoto, picture);
+}

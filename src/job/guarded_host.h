@@ -1,0 +1,75 @@
+// What a job works with in place of the host, the tools and the files that it was given. Any call to
+// the host may close it, and a job that is deep in its work cannot look after each one: once the host
+// is closed nothing passes here any more, and the job comes to its end without doing anything. No
+// window that is gone is called, no tool is started and no file is touched behind the user's back.
+//
+// Portable, the thread that runs the job. The things guarded must outlive their guards.
+#ifndef MOSAICON_JOB_GUARDED_HOST_H_
+#define MOSAICON_JOB_GUARDED_HOST_H_
+
+#include "job/job_files.h"
+#include "job/job_host.h"
+#include "job/tool_runner.h"
+
+// Once closed it shows nothing, answers "Cancel" and says that the job is aborted.
+class GuardedHost : public JobHost {
+ public:
+  explicit GuardedHost(JobHost& host) : m_host(host) {}
+
+  void ShowMessage(MessageIcon icon, const std::string& text) override;
+  void WriteBackTargetUrl(const std::string& url) override;
+  void WriteBackMapTitle(const std::string& title) override;
+  void WriteBackTargetFolder(const std::string& folder) override;
+  Answer AskYesNoCancel(const std::string& text) override;
+  void SetBusy(bool busy) override;
+  void SetProgressLabel(const std::string& text) override;
+  void SetProgressRange(int lower, int upper) override;
+  void SetProgressPosition(int percent) override;
+  void NavigatePreview(const std::string& page) override;
+  void PumpMessages() override;
+  void ShowReport(const JobReport& report) override;
+  bool IsAborted() const override;
+  void SetAborted(bool aborted) override;
+  bool IsClosed() const override { return m_host.IsClosed(); }
+
+ private:
+  JobHost& m_host;
+};
+
+// Once the host is closed it runs nothing.
+class GuardedRunner : public ToolRunner {
+ public:
+  GuardedRunner(ToolRunner& runner, const JobHost& host) : m_runner(runner), m_host(host) {}
+
+  void RunTranslator(const std::string& toolPath, const std::string& commandLine) override;
+  void RunWarper(const std::string& toolPath, const std::string& commandLine) override;
+  void RunTiler(const std::string& toolPath, const std::string& commandLine) override;
+
+ private:
+  ToolRunner& m_runner;
+  const JobHost& m_host;
+};
+
+// Once the host is closed it finds nothing and every change fails.
+class GuardedFiles : public JobFiles {
+ public:
+  GuardedFiles(JobFiles& files, const JobHost& host) : m_files(files), m_host(host) {}
+
+  bool Exists(const std::string& path) override;
+  std::vector<FoundFile> Find(const std::string& pattern) override;
+  bool CreateFolder(const std::string& path) override;
+  bool Delete(const std::string& path) override;
+  bool Rename(const std::string& source, const std::string& target) override;
+  bool Copy(const std::string& source, const std::string& target) override;
+  bool RewriteLinks(const std::string& kml, const std::string& baseUrl,
+                    const std::string& subFolder) override;
+  bool MakePreview(const std::string& orthophoto, const std::string& picture) override;
+
+ private:
+  bool IsOpen() const { return !m_host.IsClosed(); }
+
+  JobFiles& m_files;
+  const JobHost& m_host;
+};
+
+#endif  // MOSAICON_JOB_GUARDED_HOST_H_
