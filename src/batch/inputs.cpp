@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr DWORD kPathBuffer = 4096;
-
 // Says of which file a message speaks: the window's messages do not need to.
 class NamedMessages : public MessageSink, public SkippedFileObserver {
  public:
@@ -51,16 +49,10 @@ void Accept(std::vector<CTifData>& scanned, BatchInputs& result, MessageSink& me
 
 }  // namespace
 
-std::string MakeFullPath(const std::string& path) {
-  char full[kPathBuffer];
-  const DWORD length = GetFullPathNameA(path.c_str(), kPathBuffer, full, nullptr);
-  return length > 0 && length < kPathBuffer ? std::string(full, length) : path;
-}
-
 BatchInputs GatherInputs(const std::vector<std::string>& inputs, JobFiles& files, MessageSink& messages) {
   BatchInputs result;
   for (const std::string& input : inputs) {
-    const std::string path = MakeFullPath(input);
+    const std::string path = files.FullPath(input);
     if (!files.Exists(path)) {
       ++result.refused;
       messages.ShowMessage(MessageIcon::kWarning,

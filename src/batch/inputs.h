@@ -18,7 +18,4 @@ struct BatchInputs {
 // the current directory.
 BatchInputs GatherInputs(const std::vector<std::string>& inputs, JobFiles& files, MessageSink& messages);
 
-// The full form of a path; the path itself when it has none.
-std::string MakeFullPath(const std::string& path);
-
 #endif  // MOSAICON_BATCH_INPUTS_H_

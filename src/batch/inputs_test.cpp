@@ -75,8 +75,10 @@ TEST_F(Inputs, RefuseAccentedNamesOneByOne) {
 }
 
 TEST_F(Inputs, AreMadeAbsolute) {
-  EXPECT_EQ(MakeFullPath("C:\\a\\..\\b/c"), "C:\\b\\c");
-  EXPECT_EQ(MakeFullPath("x").substr(1, 2), ":\\");
+  Make("a.tif");
+  const BatchInputs inputs = Gather({m_folder.Path("none\\..\\.//a.tif")});
+  ASSERT_EQ(inputs.orthophotos.size(), 1U);
+  EXPECT_EQ(inputs.orthophotos[0].m_strFileName, m_folder.Path("a.tif"));
 }
 
 }  // namespace

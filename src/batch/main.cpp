@@ -76,7 +76,7 @@ JobSettings MakeSettings(const BatchArguments& arguments, const std::vector<CTif
   settings.transparency = arguments.transparency;
   settings.resampling = arguments.resampling;
   settings.mapTitle = arguments.title;
-  settings.targetFolder = MakeFullPath(arguments.target);
+  settings.targetFolder = arguments.target;
   return settings;
 }
 

@@ -67,7 +67,9 @@ JobResult BatchDriver::StartJob(const JobSettings& settings, std::vector<CTifDat
 }
 
 JobResult BatchDriver::RunJob() {
-  if (!ValidateAndSaveSettings(m_settings, m_vOrthophotos.size(), m_host)) return JobResult::kBadSettings;
+  if (!ValidateAndSaveSettings(m_settings, m_vOrthophotos.size(), m_files, m_host)) {
+    return JobResult::kBadSettings;
+  }
   if (!CheckTools(m_tools, m_files, m_host) || !SetToolEnvironment(m_tools, m_environment, m_host)) {
     return JobResult::kToolsMissing;
   }

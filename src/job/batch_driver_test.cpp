@@ -117,6 +117,25 @@ TEST_F(Driver, NumbersFoldersTitlesAndLinksOfSeveralFiles) {
   EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n- D:\\in\\b.tif: OK\r\n- D:\\in\\c.tif: OK\r\n");
 }
 
+// A "\" before the quote that ends an argument would make the quote a part of it.
+TEST_F(Driver, GivesTheScriptOneFormOfTheTargetFolder) {
+  for (const char* typed : {"D:\\out\\maps\\\\", "D:/out/maps", "D:\\out\\\\maps/", "maps"}) {
+    m_events.clear();
+    m_files.fullPaths = {{"maps", "D:\\out\\maps"}};
+    m_settings.targetFolder = typed;
+    Start({MakeData("a")});
+    EXPECT_EQ(
+        CountEvents(TileCall("EPSG:32632", "-t \"title\"", "../", "", "D:\\in\\a.tif", "D:\\out\\maps")), 1U)
+        << typed;
+    Start({MakeData("a"), MakeData("b")});
+    EXPECT_EQ(CountEvents(TileCall("EPSG:32632", "-t \"title_1\"", "../../maps", "", "D:\\in\\b.tif",
+                                   "D:\\out\\maps\\tile_1")),
+              1U)
+        << typed;
+    EXPECT_EQ(m_host.report.copyHint, "Copy 'D:\\out\\maps' folder and its content");
+  }
+}
+
 TEST_F(Driver, RewritesTheLinksOfASingleFileWithoutSubFolder) {
   m_settings.webOutput = true;
   m_settings.targetUrl = "host/maps";

@@ -55,6 +55,7 @@ class GuardedFiles : public JobFiles {
  public:
   GuardedFiles(JobFiles& files, const JobHost& host) : m_files(files), m_host(host) {}
 
+  std::string FullPath(const std::string& path) override { return m_files.FullPath(path); }
   bool Exists(const std::string& path) override;
   std::vector<FoundFile> Find(const std::string& pattern) override;
   bool CreateFolder(const std::string& path) override;

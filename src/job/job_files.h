@@ -12,6 +12,9 @@
 class JobFiles {
  public:
   virtual ~JobFiles() = default;
+  // The path from the root on, with "\" between its components and without "." and ".."; as the system
+  // understands it now, so relative to the current directory. The path itself when it has no such form.
+  virtual std::string FullPath(const std::string& path) = 0;
   // True when exactly this path exists, as a file or a folder.
   virtual bool Exists(const std::string& path) = 0;
   // Everything that matches a pattern such as "d:\maps\*.tif", by the system's rules and in its order.

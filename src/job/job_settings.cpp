@@ -61,23 +61,23 @@ bool CheckTargetUrl(JobSettings& settings, JobForm& form) {
   return true;
 }
 
-// Drops one final backslash and replaces the spaces of the last component.
-std::string NormaliseFolder(std::string folder) {
-  if (folder.back() == '\\') folder.pop_back();
-  std::vector<std::string> components;
-  KVT_ParseString(folder, '\\', components);
-  components.back() = ReplaceSpaces(components.back());
-  std::string result = components[0];
-  for (size_t i = 1; i < components.size(); ++i) result += "\\" + components[i];
-  return result;
+// Replaces the spaces of the last component of a path.
+std::string ReplaceSpacesInName(const std::string& path) {
+  const size_t name = path.rfind('\\') + 1;
+  return path.substr(0, name) + ReplaceSpaces(path.substr(name));
 }
 
-bool CheckTargetFolder(JobSettings& settings, JobForm& form) {
-  if (settings.targetFolder.empty()) return Refuse(form, "Select the target folder");
-  if (settings.targetFolder.size() <= kRootFolderLength) {
+bool CheckTargetFolder(JobSettings& settings, JobFiles& files, JobForm& form) {
+  const std::string typed = Unquote(settings.targetFolder);
+  if (typed.empty()) return Refuse(form, "Select the target folder");
+  // Twice: the system drops a space at the end, and "." may stand for a name that has some.
+  const std::string named = ReplaceSpacesInName(KVT_OptimizePath(typed, 0));
+  const std::string folder = ReplaceSpacesInName(files.FullPath(named));
+  // A root can be written in longer ways, such as "c:\\\\" and "c:\\.".
+  if (std::min(typed.size(), folder.size()) <= kRootFolderLength) {
     return Refuse(form, "Root folders (e.g. c:\\) are not allowed! ");
   }
-  settings.targetFolder = NormaliseFolder(settings.targetFolder);
+  settings.targetFolder = folder;
   form.WriteBackTargetFolder(settings.targetFolder);
   Save("TargetFolder", settings.targetFolder);
   return true;
@@ -95,6 +95,11 @@ bool HasAccents(const std::string& text) {
   return text.find_first_of("\xE0\xE8\xE9\xEC\xF2\xF9") != std::string::npos;
 }
 
+std::string Unquote(const std::string& path) {
+  const bool quoted = path.size() >= 2 && path.front() == '"' && path.back() == '"';
+  return quoted ? path.substr(1, path.size() - 2) : path;
+}
+
 JobSettings RestoreSettings() {
   JobSettings settings;
   settings.targetUrl = Load("TargetURL", "");
@@ -108,7 +113,7 @@ JobSettings RestoreSettings() {
   return settings;
 }
 
-bool ValidateAndSaveSettings(JobSettings& settings, size_t orthophotos, JobForm& form) {
+bool ValidateAndSaveSettings(JobSettings& settings, size_t orthophotos, JobFiles& files, JobForm& form) {
   if (settings.inputPath.empty() || orthophotos == 0) {
     return Refuse(form, "Select the input orthophoto path");
   }
@@ -126,5 +131,5 @@ bool ValidateAndSaveSettings(JobSettings& settings, size_t orthophotos, JobForm&
   settings.mapTitle = ReplaceSpaces(settings.mapTitle);
   form.WriteBackMapTitle(settings.mapTitle);
   Save("MapTitle", settings.mapTitle);
-  return CheckTargetFolder(settings, form);
+  return CheckTargetFolder(settings, files, form);
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "job/job_files.h"
 #include "job/job_host.h"
 
 struct JobSettings {
@@ -17,7 +18,7 @@ struct JobSettings {
   uint32_t transparency = 0;  // R + 256 * G + 65536 * B
   int resampling = 0;         // index into ResamplingModes; stored, not used by the tools
   std::string mapTitle;       // may be empty
-  std::string targetFolder;
+  std::string targetFolder;   // checked: a full path without a final separator
 };
 
 // "average", "near", ... in the order of the list that the user chooses from.
@@ -27,13 +28,17 @@ const std::vector<std::string>& ResamplingModes();
 // Only these six: upper-case letters pass.
 bool HasAccents(const std::string& text);
 
+// A path as it is meant: without the quotes that the shell puts around it when it is copied as a path.
+std::string Unquote(const std::string& path);
+
 // What was stored by the last job. Black is the transparent colour at every start, and web output is
 // off, whatever was stored; a stored resampling mode that is no index of the list counts as 0.
 JobSettings RestoreSettings();
 
 // Checks the settings one after the other and saves each as it passes, so that a later failure keeps
 // what was saved before. Normalised values are written back to settings and to the form. The first
-// failure is shown and ends it with false. orthophotos is the number of usable inputs.
-bool ValidateAndSaveSettings(JobSettings& settings, size_t orthophotos, JobForm& form);
+// failure is shown and ends it with false. orthophotos is the number of usable inputs; files tells
+// where the target folder really is.
+bool ValidateAndSaveSettings(JobSettings& settings, size_t orthophotos, JobFiles& files, JobForm& form);
 
 #endif  // MOSAICON_JOB_JOB_SETTINGS_H_

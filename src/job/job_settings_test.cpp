@@ -23,7 +23,9 @@ class Settings : public testing::Test {
     m_settings.targetFolder = "d:\\out";
   }
 
-  bool Validate(size_t orthophotos = 1) { return ValidateAndSaveSettings(m_settings, orthophotos, m_host); }
+  bool Validate(size_t orthophotos = 1) {
+    return ValidateAndSaveSettings(m_settings, orthophotos, m_files, m_host);
+  }
 
   void ExpectRefused(const std::string& message) {
     m_events.clear();
@@ -34,6 +36,7 @@ class Settings : public testing::Test {
 
   Events m_events;
   FakeHost m_host{m_events};
+  FakeFiles m_files{m_events};
   JobSettings m_settings;
 };
 
@@ -97,9 +100,14 @@ TEST_F(Settings, ForgetTheUrlOfAJobWithoutWebOutput) {
 TEST_F(Settings, RefuseRootFolders) {
   m_settings.targetFolder = "";
   ExpectRefused("Select the target folder");
-  for (const char* root : {"d:\\", "d:", "d", "\\a\\"}) {
+  m_settings.targetFolder = "\"\"";
+  ExpectRefused("Select the target folder");
+  m_files.fullPaths = {{"d:\\.", "d:\\"}, {"d:\\maps\\..", "d:\\"}, {"\\", "d:\\"}, {"d:", "d:\\work"}};
+  for (const char* root : {"d:\\", "d:", "d", "\\a\\", "d:\\\\", "d:/", "d:////", "d:\\.", "d:/./",
+                           "d:\\maps\\..", "\\\\\\\\", "\"d:\\\""}) {
     m_settings.targetFolder = root;
     ExpectRefused("Root folders (e.g. c:\\) are not allowed! ");
+    EXPECT_EQ(m_settings.targetFolder, root) << "left as it was";
   }
   EXPECT_EQ(Stored("TargetFolder"), "(none)");
 }
@@ -112,9 +120,16 @@ TEST_F(Settings, NormaliseOnlyTheLastComponentOfTheFolder) {
   const Case cases[] = {{"d:\\a", "d:\\a"},
                         {"d:\\my maps\\", "d:\\my_maps"},
                         {"d:\\old dir\\new maps", "d:\\old dir\\new_maps"},
-                        {"d:\\a\\\\", "d:\\a\\"},
+                        {"d:\\a\\\\", "d:\\a"},
+                        {"d:\\old dir\\\\new maps\\\\", "d:\\old dir\\new_maps"},
+                        {"d:/old dir/new maps/", "d:\\old dir\\new_maps"},
+                        {"d:\\a\tb\\c\td", "d:\\a\tb\\c\td"},
+                        {"d:\\maps ", "d:\\maps_"},
+                        {"\"d:\\my maps\"", "d:\\my_maps"},
                         {"\\\\server\\my share\\x y", "\\\\server\\my share\\x_y"},
-                        {"maps of mine", "maps_of_mine"}};
+                        {"maps of mine", "d:\\my work\\maps_of_mine"},
+                        {"d:\\my maps\\.", "d:\\my_maps"}};
+  m_files.fullPaths = {{"maps_of_mine", "d:\\my work\\maps_of_mine"}, {"d:\\my maps\\.", "d:\\my maps"}};
   for (const Case& each : cases) {
     m_events.clear();
     m_settings.targetFolder = each.typed;
@@ -125,12 +140,22 @@ TEST_F(Settings, NormaliseOnlyTheLastComponentOfTheFolder) {
   }
 }
 
-TEST_F(Settings, ReplaceSpacesInTheTitle) {
+TEST(Unquote, TakesOnePairOfQuotesAway) {
+  EXPECT_EQ(Unquote("\"d:\\my maps\\a.tif\""), "d:\\my maps\\a.tif");
+  EXPECT_EQ(Unquote("d:\\a.tif"), "d:\\a.tif");
+  EXPECT_EQ(Unquote("\"\""), "");
+  for (const char* odd : {"\"", "\"d:\\a", "d:\\a\"", ""}) EXPECT_EQ(Unquote(odd), odd);
+}
+
+TEST_F(Settings, ReplaceOnlySpacesInTheTitle) {
   m_settings.mapTitle = "My map 1";
   EXPECT_TRUE(Validate());
   EXPECT_EQ(m_settings.mapTitle, "My_map_1");
   EXPECT_EQ(Stored("MapTitle"), "My_map_1");
   EXPECT_EQ(m_events.front(), "title := My_map_1");
+  m_settings.mapTitle = " \x80-\xA0 ";
+  EXPECT_TRUE(Validate());
+  EXPECT_EQ(m_settings.mapTitle, "_\x80-\xA0_");
 }
 
 TEST_F(Settings, StayStoredWhenALaterCheckFails) {

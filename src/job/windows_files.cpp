@@ -8,9 +8,15 @@
 namespace {
 
 constexpr DWORD kMaxVariable = 32767;
-constexpr DWORD kMaxProgramPath = 4096;
+constexpr DWORD kMaxPath = 4096;
 
 }  // namespace
+
+std::string WindowsFiles::FullPath(const std::string& path) {
+  char full[kMaxPath];
+  const DWORD length = GetFullPathNameA(path.c_str(), kMaxPath, full, nullptr);
+  return length > 0 && length < kMaxPath ? std::string(full, length) : path;
+}
 
 bool WindowsFiles::Exists(const std::string& path) {
   return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
@@ -61,7 +67,7 @@ bool WindowsEnvironment::Set(const std::string& name, const std::string& value) 
 }
 
 std::string GetProgramPath() {
-  char path[kMaxProgramPath];
-  const DWORD length = GetModuleFileNameA(nullptr, path, kMaxProgramPath);
-  return length < kMaxProgramPath ? std::string(path, length) : std::string();
+  char path[kMaxPath];
+  const DWORD length = GetModuleFileNameA(nullptr, path, kMaxPath);
+  return length < kMaxPath ? std::string(path, length) : std::string();
 }

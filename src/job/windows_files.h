@@ -6,6 +6,7 @@
 
 class WindowsFiles : public JobFiles {
  public:
+  std::string FullPath(const std::string& path) override;
   bool Exists(const std::string& path) override;
   std::vector<FoundFile> Find(const std::string& pattern) override;
   bool CreateFolder(const std::string& path) override;

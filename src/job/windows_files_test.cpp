@@ -44,6 +44,23 @@ TEST_F(Files, AreNotFoundInAMissingFolder) {
   EXPECT_EQ(FindNames("*.*"), (Names{".", ".."}));
 }
 
+TEST_F(Files, HaveOneFullPath) {
+  EXPECT_EQ(m_files.FullPath("C:\\a\\..\\b/c"), "C:\\b\\c");
+  EXPECT_EQ(m_files.FullPath("C:\\."), "C:\\");
+  EXPECT_EQ(m_files.FullPath("C:\\\\"), "C:\\");
+  EXPECT_EQ(m_files.FullPath("\\\\server\\share\\a b"), "\\\\server\\share\\a b");
+  EXPECT_EQ(m_files.FullPath(""), "");
+  const std::string tooLong(5000, 'x');
+  EXPECT_EQ(m_files.FullPath(tooLong), tooLong);
+
+  char before[MAX_PATH];
+  ASSERT_GT(GetCurrentDirectoryA(sizeof before, before), 0U);
+  ASSERT_TRUE(SetCurrentDirectoryA(m_folder.Path().c_str()));
+  EXPECT_EQ(m_files.FullPath("maps"), m_folder.Path("maps"));
+  EXPECT_EQ(m_files.FullPath("..").size(), m_folder.Path().rfind('\\'));
+  SetCurrentDirectoryA(before);
+}
+
 TEST_F(Files, ExistOnlyUnderTheirExactPath) {
   WriteFile(m_folder.Path("a.tif"), "x");
   EXPECT_TRUE(m_files.Exists(m_folder.Path("a.tif")));

@@ -85,6 +85,10 @@ class FakeFiles : public JobFiles {
  public:
   explicit FakeFiles(Events& events) : m_events(events) {}
 
+  std::string FullPath(const std::string& path) override {
+    const auto found = fullPaths.find(path);
+    return found != fullPaths.end() ? found->second : path;
+  }
   bool Exists(const std::string& path) override { return paths.count(path) > 0; }
   std::vector<FoundFile> Find(const std::string& pattern) override {
     patterns.push_back(pattern);
@@ -118,6 +122,7 @@ class FakeFiles : public JobFiles {
   }
 
   std::set<std::string> paths;
+  std::map<std::string, std::string> fullPaths;
   std::set<std::string> unwritable;
   std::map<std::string, std::vector<FoundFile>> matches;
   std::vector<std::string> patterns;
