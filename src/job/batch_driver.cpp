@@ -1,10 +1,10 @@
 #include "job/batch_driver.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "job/bounded_text.h"
 #include "job/command_lines.h"
+#include "job/intermediates.h"
 #include "kvtools/flag_guard.h"
 #include "kvtools/kvtools.h"
 #include "kvtools/split_path.h"
@@ -31,15 +31,6 @@ size_t CountEntries(JobFiles& files, const std::string& folder) {
     if (file.name != "." && file.name != "..") ++count;
   }
   return count;
-}
-
-// Whether two full paths name one file, as far as their letters tell.
-bool IsSamePath(const std::string& left, const std::string& right) {
-  const auto fold = [](char letter) {
-    return letter >= 'A' && letter <= 'Z' ? letter - 'A' + 'a' : letter + 0;
-  };
-  return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                    [&fold](char a, char b) { return fold(a) == fold(b); });
 }
 
 }  // namespace
@@ -73,6 +64,7 @@ JobResult BatchDriver::RunJob() {
   if (!CheckTools(m_tools, m_files, m_host) || !SetToolEnvironment(m_tools, m_environment, m_host)) {
     return JobResult::kToolsMissing;
   }
+  m_files.Protect(m_vOrthophotos);
   if (!Prepare()) return JobResult::kTargetMissing;
   ProcessAll();
   Report();
@@ -139,7 +131,7 @@ BatchDriver::Next BatchDriver::ProcessOne(const CTifData& data, size_t index, si
 
   FinishViewers(output);
   FinishKml(output);
-  m_files.MakePreview(data.m_strFileName, FileIn(output.normalised, output.mapName, "jpg"));
+  m_files.MakePreview(data.m_strFileName, NamePicture(output));
   Log(data.m_strFileName + ": OK");
   return Next::kContinue;
 }
@@ -186,34 +178,42 @@ bool BatchDriver::ConfirmOverwrite(const CTifData& data) {
 // Georeferences the orthophoto anew by its corners and warps it into its UTM zone, both as virtual
 // rasters beside it. On success the two outputs name what the tiling script gets.
 bool BatchDriver::Reproject(const CTifData& data, std::string& inputPath, std::string& sourceEPSG) {
-  const std::string translated = NameIntermediate(data.m_strFileName, nullptr);
-  const std::string warped = NameIntermediate(translated, "2");
+  const std::string translated = NameIntermediate(
+      data.m_strFileName, nullptr, [&data](const std::string& xml) { return IsTranslationOf(data, xml); });
+  const std::string warped = NameIntermediate(
+      translated, "2", [&translated](const std::string& xml) { return IsWarpOf(translated, xml); });
   const auto translateArguments = FormatTranslateArguments(data, translated);
   const auto warpArguments = FormatWarpArguments(data.m_strTargetEPSG, translated, warped);
   if (!translateArguments || !warpArguments) return false;
 
-  // What an earlier job left would pass for the result of this one, and the warper does not write
-  // over an existing file.
-  m_files.Delete(translated);
-  m_files.Delete(warped);
-  if (m_files.Exists(translated) || m_files.Exists(warped)) return false;
+  // What an earlier job left would pass for the result of this one.
+  if (!Remove(translated)) return false;
   m_runner.RunTranslator(m_tools.translator, *translateArguments);
   if (!m_files.Exists(translated)) return false;
+  // The warper does not write over an existing file.
+  if (!Remove(warped)) return false;
   m_runner.RunWarper(m_tools.warper, *warpArguments);
   inputPath = warped;
   sourceEPSG = data.m_strTargetEPSG;
   return true;
 }
 
-// The virtual raster beside a file, with a suffix to its name; never one of the orthophotos of this
-// job, which may be virtual rasters themselves and must not be written over.
-std::string BatchDriver::NameIntermediate(const std::string& path, const char* suffix) const {
+// A name for the virtual raster that is made of a file, beside it: the first one that is free, or taken
+// by what isOurs knows as the work of an earlier job, and never one of the orthophotos.
+std::string BatchDriver::NameIntermediate(const std::string& path, const char* suffix,
+                                          const std::function<bool(const std::string& xml)>& isOurs) {
   std::string name = KVT_TranslatePath(path, nullptr, "vrt", suffix);
-  const auto isOrthophoto = [&name](const CTifData& data) { return IsSamePath(data.m_strFileName, name); };
-  while (std::any_of(m_vOrthophotos.begin(), m_vOrthophotos.end(), isOrthophoto)) {
+  while (m_files.Exists(name)) {
+    const auto xml = m_files.Read(name, kMaxIntermediate);
+    if (xml && isOurs(*xml) && !m_files.IsProtected(name)) break;
     name = KVT_TranslatePath(name, nullptr, nullptr, "2");
   }
   return name;
+}
+
+bool BatchDriver::Remove(const std::string& path) {
+  m_files.Delete(path);
+  return !m_files.Exists(path);
 }
 
 // Shows the map page, which needs a key, or the tutorial; the other viewer page never stays.
@@ -236,8 +236,15 @@ void BatchDriver::FinishKml(const Output& output) {
   m_files.Rename(FileIn(output.normalised, "doc", "kml"), local);
   if (m_settings.targetUrl.empty()) return;
   const std::string web = FileIn(output.normalised, "googleearth_web", "kml");
-  m_files.Copy(local, web);
-  m_files.RewriteLinks(web, m_settings.targetUrl, output.webFolder);
+  // A copy of an earlier job has its absolute links already.
+  if (m_files.Copy(local, web)) m_files.RewriteLinks(web, m_settings.targetUrl, output.webFolder);
+}
+
+// The picture is called as the map is, unless that is an orthophoto.
+std::string BatchDriver::NamePicture(const Output& output) {
+  std::string name = FileIn(output.normalised, output.mapName, "jpg");
+  while (m_files.IsProtected(name)) name = KVT_TranslatePath(name, nullptr, nullptr, "2");
+  return name;
 }
 
 void BatchDriver::Report() {

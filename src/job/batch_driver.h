@@ -4,6 +4,7 @@
 #ifndef MOSAICON_JOB_BATCH_DRIVER_H_
 #define MOSAICON_JOB_BATCH_DRIVER_H_
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -59,9 +60,12 @@ class BatchDriver {
   bool NameOutput(size_t index, size_t count, Output& output);
   bool ConfirmOverwrite(const CTifData& data);
   bool Reproject(const CTifData& data, std::string& inputPath, std::string& sourceEPSG);
-  std::string NameIntermediate(const std::string& path, const char* suffix) const;
+  std::string NameIntermediate(const std::string& path, const char* suffix,
+                               const std::function<bool(const std::string& xml)>& isOurs);
+  bool Remove(const std::string& path);
   void FinishViewers(const Output& output);
   void FinishKml(const Output& output);
+  std::string NamePicture(const Output& output);
   void Report();
 
   // Adds "- <text>" as a line.

@@ -4,74 +4,9 @@
 
 #include <algorithm>
 
-#include "kvtools/kvtools.h"
-#include "support/fakes.h"
+#include "job/driver_fixture.h"
 
 namespace {
-
-constexpr char kTools[] = "C:\\App\\gdal2tiles\\";
-constexpr char kQuestion[] = "ask: Folders are not empty. All content will be overwritten.\nContinue?";
-
-CTifData MakeData(const std::string& name, const std::string& source = "EPSG:32632",
-                  const std::string& target = "EPSG:32632") {
-  CTifData data;
-  data.m_strFileName = "D:\\in\\" + name + ".tif";
-  data.m_vCorners = {
-      {0, 0, 9, 45, 1, 2}, {0, 20, 9, 44, 3, 4}, {10, 0, 10, 45, 5, 6}, {10, 20, 10, 44, 7, 8}};
-  data.m_strSourceEPSG = source;
-  data.m_strTargetEPSG = target;
-  return data;
-}
-
-std::string TileCall(const std::string& epsg, const std::string& title, const std::string& url,
-                     const std::string& key, const std::string& input, const std::string& output) {
-  return std::string("tile ") + kTools + "python.exe \"" + kTools + "gdal2tiles.py\" -a 0 -s " + epsg +
-         " -p mercator " + title + "  -k -u " + url + " " + key + " \"" + input + "\" \"" + output + "\"";
-}
-
-class Driver : public testing::Test {
- protected:
-  void SetUp() override {
-    KVT_SetProfileProduct("Mosaicon Test");
-    for (const char* tool : {"gdal2tiles.py", "gdal_translate.exe", "gdalwarp.exe", "python.exe"}) {
-      m_files.paths.insert(std::string(kTools) + tool);
-    }
-    m_settings.inputPath = "D:\\in\\a.tif";
-    m_settings.mapTitle = "title";
-    m_settings.targetFolder = "D:\\out\\maps";
-  }
-
-  JobResult Start(const std::vector<CTifData>& orthophotos) {
-    return m_driver.StartJob(m_settings, orthophotos);
-  }
-
-  // Makes a folder look as if an earlier job had written into it.
-  void Fill(const std::string& folder) {
-    m_files.matches[folder + "\\*.*"] = {
-        {folder + "\\.", ".", true}, {folder + "\\..", "..", true}, {folder + "\\doc.kml", "doc.kml", false}};
-  }
-
-  // The events that are no part of what a test is about.
-  Events Without(const std::vector<std::string>& prefixes) const {
-    Events kept;
-    for (const std::string& event : m_events) {
-      bool dropped = false;
-      for (const std::string& prefix : prefixes) dropped = dropped || event.rfind(prefix, 0) == 0;
-      if (!dropped) kept.push_back(event);
-    }
-    return kept;
-  }
-
-  size_t CountEvents(const std::string& prefix) const { return m_events.size() - Without({prefix}).size(); }
-
-  Events m_events;
-  FakeHost m_host{m_events};
-  FakeFiles m_files{m_events};
-  FakeRunner m_runner{m_events};
-  FakeEnvironment m_environment;
-  JobSettings m_settings;
-  BatchDriver m_driver{m_host, m_runner, m_files, m_environment, "C:\\App\\Mosaicon.exe"};
-};
 
 TEST_F(Driver, TilesAFileInItsOwnZoneDirectly) {
   EXPECT_EQ(Start({MakeData("a")}), JobResult::kReported);
@@ -182,35 +117,13 @@ TEST_F(Driver, ReprojectsAFileOfAnotherReference) {
   EXPECT_EQ(CountEvents("picture D:\\in\\a.tif"), 1U) << "the picture shows the orthophoto itself";
 }
 
-TEST_F(Driver, DoesNotTakeWhatAnEarlierJobLeftForTheTranslation) {
-  m_files.paths.insert("D:\\in\\a.vrt");
-  m_files.paths.insert("D:\\in\\a2.vrt");
-  Start({MakeData("a", "EPSG:3003")});
-  EXPECT_EQ(CountEvents("warp"), 0U);
-  EXPECT_EQ(m_host.report.log, "- unable to apply translation to D:\\in\\a.tif\r\n");
-  EXPECT_EQ(m_files.paths.count("D:\\in\\a2.vrt"), 0U) << "the warper would refuse to write over it";
-}
-
-TEST_F(Driver, NeverWritesOverAnOrthophotoOfTheJob) {
-  CTifData virtualRaster = MakeData("a", "EPSG:3003");
-  virtualRaster.m_strFileName = "D:\\in\\a.VRT";
-  CTifData other = MakeData("b", "EPSG:3003");
-  other.m_strFileName = "D:\\in\\a22.vrt";
-  m_runner.onRun = [&](const std::string& tool, const std::string& commandLine) {
-    const size_t end = commandLine.rfind('"');
-    const size_t begin = commandLine.rfind('"', end - 1) + 1;
-    if (tool == "translate") m_files.paths.insert(commandLine.substr(begin, end - begin));
-  };
-  m_files.paths.insert(virtualRaster.m_strFileName);
-  m_files.paths.insert(other.m_strFileName);
-  Start({virtualRaster, other});
-  EXPECT_EQ(m_files.paths.count("D:\\in\\a.VRT"), 1U);
-  EXPECT_EQ(m_files.paths.count("D:\\in\\a22.vrt"), 1U);
-  const Events warps = Without({"title", "folder", "busy", "range", "position", "create", "label", "pump",
-                                "delete", "rename", "picture", "idle", "report", "translate", "tile"});
-  ASSERT_EQ(warps.size(), 2U);
-  EXPECT_NE(warps[0].find("\"D:\\in\\a2.vrt\" \"D:\\in\\a222.vrt\""), std::string::npos) << warps[0];
-  EXPECT_NE(warps[1].find("\"D:\\in\\a222.vrt\" \"D:\\in\\a2222.vrt\""), std::string::npos) << warps[1];
+TEST_F(Driver, RewritesNoLinksWithoutAFreshCopy) {
+  m_settings.webOutput = true;
+  m_settings.targetUrl = "host/maps";
+  m_files.uncopied.insert("D:\\out\\maps\\googleearth_loc.kml");
+  Start({MakeData("a")});
+  EXPECT_EQ(CountEvents("copy"), 1U);
+  EXPECT_EQ(CountEvents("links"), 0U) << "those of an earlier job have their addresses already";
 }
 
 TEST_F(Driver, ComparesReferencesLetterByLetter) {
@@ -364,85 +277,6 @@ TEST_F(Driver, IgnoresASecondStart) {
   EXPECT_EQ(Start({MakeData("a")}), JobResult::kReported);
   EXPECT_EQ(second, JobResult::kClosed);
   EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n");
-}
-
-// Runs one job again and again, closed one call later each time. The fake host fails the test when it
-// is called after it was closed.
-class ClosedDriver : public Driver {
- protected:
-  void SetUp() override {
-    Driver::SetUp();
-    m_settings.webOutput = true;
-    m_settings.targetUrl = "host/maps";
-    m_settings.googleApiKey = "KEY";
-    m_runner.onRun = [this](const std::string& tool, const std::string&) {
-      if (tool == "translate") m_files.paths.insert("D:\\in\\a.vrt");
-      if (tool == "tile") m_files.paths.insert("D:\\out\\maps\\tile_0\\googlemaps.html");
-    };
-  }
-
-  // The host closes itself in the call with this number; never with 0.
-  JobResult RunClosedAt(int call) {
-    m_files.paths = m_atStart;
-    m_events.clear();
-    m_host.closed = false;
-    m_host.calls = 0;
-    m_host.closingCall = call;
-    return Start({MakeData("a", "EPSG:3003"), MakeData("b")});
-  }
-
-  void ExpectNothingAfterClosingAtAnyCall(JobResult undisturbed) {
-    m_atStart = m_files.paths;
-    EXPECT_EQ(RunClosedAt(0), undisturbed);
-    const int count = m_host.calls;
-    ASSERT_GT(count, 0);
-    for (int call = 1; call <= count; ++call) {
-      EXPECT_EQ(RunClosedAt(call), JobResult::kClosed) << call;
-      EXPECT_EQ(m_host.calls, call);
-      EXPECT_EQ(m_events.size(), m_host.eventsAtClosing)
-          << m_events[m_host.eventsAtClosing] << " after call " << call << " of " << count;
-    }
-  }
-
-  std::set<std::string> m_atStart;
-};
-
-TEST_F(ClosedDriver, DoesNothingMoreAtAnyMomentOfAJob) {
-  ExpectNothingAfterClosingAtAnyCall(JobResult::kReported);
-  EXPECT_GT(m_host.calls, 20) << "a whole job: the last one was closed in its last call";
-}
-
-TEST_F(ClosedDriver, DoesNothingMoreWhenItWasAskedAboutOverwriting) {
-  Fill("D:\\out\\maps\\tile_0");
-  Fill("D:\\out\\maps\\tile_1");
-  for (const Answer answer : {Answer::kYes, Answer::kNo, Answer::kCancel}) {
-    m_host.answer = answer;
-    ExpectNothingAfterClosingAtAnyCall(JobResult::kReported);
-  }
-}
-
-TEST_F(ClosedDriver, DoesNothingMoreWhenAMessageIsShown) {
-  m_files.unwritable.insert("D:\\out\\maps");
-  ExpectNothingAfterClosingAtAnyCall(JobResult::kTargetMissing);
-  m_environment.refused = "PATH";
-  ExpectNothingAfterClosingAtAnyCall(JobResult::kToolsMissing);
-  m_files.paths.clear();
-  ExpectNothingAfterClosingAtAnyCall(JobResult::kToolsMissing);
-  m_settings.targetFolder = "d:\\";
-  ExpectNothingAfterClosingAtAnyCall(JobResult::kBadSettings);
-}
-
-TEST_F(Driver, EndsWithoutAnotherCallWhenTheHostIsClosedWhileAToolRuns) {
-  for (const char* tool : {"translate", "warp", "tile"}) {
-    m_events.clear();
-    m_host.closed = false;
-    m_runner.onRun = [&](const std::string& name, const std::string&) {
-      m_files.paths.insert("D:\\in\\a.vrt");
-      if (name == tool) m_host.closed = true;
-    };
-    EXPECT_EQ(Start({MakeData("a", "EPSG:3003"), MakeData("b")}), JobResult::kClosed) << tool;
-    EXPECT_EQ(m_events.back().rfind(tool, 0), 0U) << "nothing is done after it: " << m_events.back();
-  }
 }
 
 }  // namespace

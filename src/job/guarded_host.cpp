@@ -68,6 +68,24 @@ void GuardedRunner::RunTiler(const std::string& toolPath, const std::string& com
   if (!m_host.IsClosed()) m_runner.RunTiler(toolPath, commandLine);
 }
 
+void GuardedFiles::Protect(const std::vector<CTifData>& orthophotos) {
+  m_protected.clear();
+  for (const CTifData& data : orthophotos) m_protected.insert(Identity(data.m_strFileName));
+  m_protected.erase("");
+}
+
+bool GuardedFiles::IsProtected(const std::string& path) {
+  return m_protected.count(Identity(path)) > 0;
+}
+
+std::string GuardedFiles::Identity(const std::string& path) {
+  return IsOpen() ? m_files.Identity(path) : std::string();
+}
+
+std::optional<std::string> GuardedFiles::Read(const std::string& path, size_t maxBytes) {
+  return IsOpen() ? m_files.Read(path, maxBytes) : std::nullopt;
+}
+
 bool GuardedFiles::Exists(const std::string& path) {
   return IsOpen() && m_files.Exists(path);
 }
@@ -81,22 +99,22 @@ bool GuardedFiles::CreateFolder(const std::string& path) {
 }
 
 bool GuardedFiles::Delete(const std::string& path) {
-  return IsOpen() && m_files.Delete(path);
+  return MayChange(path) && m_files.Delete(path);
 }
 
 bool GuardedFiles::Rename(const std::string& source, const std::string& target) {
-  return IsOpen() && m_files.Rename(source, target);
+  return MayChange(source) && m_files.Rename(source, target);
 }
 
 bool GuardedFiles::Copy(const std::string& source, const std::string& target) {
-  return IsOpen() && m_files.Copy(source, target);
+  return MayChange(target) && m_files.Copy(source, target);
 }
 
 bool GuardedFiles::RewriteLinks(const std::string& kml, const std::string& baseUrl,
                                 const std::string& subFolder) {
-  return IsOpen() && m_files.RewriteLinks(kml, baseUrl, subFolder);
+  return MayChange(kml) && m_files.RewriteLinks(kml, baseUrl, subFolder);
 }
 
 bool GuardedFiles::MakePreview(const std::string& orthophoto, const std::string& picture) {
-  return IsOpen() && m_files.MakePreview(orthophoto, picture);
+  return MayChange(picture) && m_files.MakePreview(orthophoto, picture);
 }

@@ -7,8 +7,11 @@
 #ifndef MOSAICON_JOB_GUARDED_HOST_H_
 #define MOSAICON_JOB_GUARDED_HOST_H_
 
+#include <set>
+
 #include "job/job_files.h"
 #include "job/job_host.h"
+#include "job/tif_data.h"
 #include "job/tool_runner.h"
 
 // Once closed it shows nothing, answers "Cancel" and says that the job is aborted.
@@ -50,12 +53,19 @@ class GuardedRunner : public ToolRunner {
   const JobHost& m_host;
 };
 
-// Once the host is closed it finds nothing and every change fails.
+// Once the host is closed it finds nothing and every change fails. A change of a protected file fails
+// at any time.
 class GuardedFiles : public JobFiles {
  public:
   GuardedFiles(JobFiles& files, const JobHost& host) : m_files(files), m_host(host) {}
 
+  // From now on these files, and only these, are protected, whatever path leads to them.
+  void Protect(const std::vector<CTifData>& orthophotos);
+  bool IsProtected(const std::string& path);
+
   std::string FullPath(const std::string& path) override { return m_files.FullPath(path); }
+  std::string Identity(const std::string& path) override;
+  std::optional<std::string> Read(const std::string& path, size_t maxBytes) override;
   bool Exists(const std::string& path) override;
   std::vector<FoundFile> Find(const std::string& pattern) override;
   bool CreateFolder(const std::string& path) override;
@@ -68,9 +78,11 @@ class GuardedFiles : public JobFiles {
 
  private:
   bool IsOpen() const { return !m_host.IsClosed(); }
+  bool MayChange(const std::string& path) { return IsOpen() && !IsProtected(path); }
 
   JobFiles& m_files;
   const JobHost& m_host;
+  std::set<std::string> m_protected;  // identities
 };
 
 #endif  // MOSAICON_JOB_GUARDED_HOST_H_

@@ -15,6 +15,11 @@ class JobFiles {
   // The path from the root on, with "\" between its components and without "." and ".."; as the system
   // understands it now, so relative to the current directory. The path itself when it has no such form.
   virtual std::string FullPath(const std::string& path) = 0;
+  // The same text for all the ways to name one existing file or folder, another for any other; empty
+  // when there is no such thing.
+  virtual std::string Identity(const std::string& path) = 0;
+  // What a file holds; nullopt when it cannot be read or has more bytes than that.
+  virtual std::optional<std::string> Read(const std::string& path, size_t maxBytes) = 0;
   // True when exactly this path exists, as a file or a folder.
   virtual bool Exists(const std::string& path) = 0;
   // Everything that matches a pattern such as "d:\maps\*.tif", by the system's rules and in its order.

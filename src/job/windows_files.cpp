@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <fstream>
+
 #include "job/kml_links.h"
 #include "job/preview_image.h"
 
@@ -10,12 +12,39 @@ namespace {
 constexpr DWORD kMaxVariable = 32767;
 constexpr DWORD kMaxPath = 4096;
 
+// Without regard to case, as the file system sees names.
+std::string Fold(std::string path) {
+  CharLowerBuffA(path.data(), static_cast<DWORD>(path.size()));
+  return path;
+}
+
 }  // namespace
 
 std::string WindowsFiles::FullPath(const std::string& path) {
   char full[kMaxPath];
   const DWORD length = GetFullPathNameA(path.c_str(), kMaxPath, full, nullptr);
   return length > 0 && length < kMaxPath ? std::string(full, length) : path;
+}
+
+// Sees through short names, links, substituted and mapped drives. Where the system cannot, on some
+// network or memory disks, the full path has to do.
+std::string WindowsFiles::Identity(const std::string& path) {
+  const HANDLE file = CreateFileA(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                  nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return Exists(path) ? Fold(FullPath(path)) : std::string();
+  char final[kMaxPath];
+  const DWORD length = GetFinalPathNameByHandleA(file, final, kMaxPath, FILE_NAME_NORMALIZED);
+  CloseHandle(file);
+  return Fold(length > 0 && length < kMaxPath ? std::string(final, length) : FullPath(path));
+}
+
+std::optional<std::string> WindowsFiles::Read(const std::string& path, size_t maxBytes) {
+  std::ifstream file(path, std::ios::binary);
+  std::string text(maxBytes + 1, '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  if (!file.eof()) return std::nullopt;
+  text.resize(static_cast<size_t>(file.gcount()));
+  return text;
 }
 
 bool WindowsFiles::Exists(const std::string& path) {

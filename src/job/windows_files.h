@@ -7,6 +7,8 @@
 class WindowsFiles : public JobFiles {
  public:
   std::string FullPath(const std::string& path) override;
+  std::string Identity(const std::string& path) override;
+  std::optional<std::string> Read(const std::string& path, size_t maxBytes) override;
   bool Exists(const std::string& path) override;
   std::vector<FoundFile> Find(const std::string& pattern) override;
   bool CreateFolder(const std::string& path) override;

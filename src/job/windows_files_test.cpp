@@ -61,6 +61,32 @@ TEST_F(Files, HaveOneFullPath) {
   SetCurrentDirectoryA(before);
 }
 
+TEST_F(Files, HaveOneIdentityWhateverPathLeadsToThem) {
+  WriteFile(m_folder.Path("a long name.tif"), "x");
+  WriteFile(m_folder.Path("b.tif"), "x");
+  const std::string identity = m_files.Identity(m_folder.Path("a long name.tif"));
+  EXPECT_NE(identity, "");
+  EXPECT_NE(identity, m_files.Identity(m_folder.Path("b.tif")));
+  EXPECT_EQ(identity, m_files.Identity(m_folder.Path("A Long Name.TIF")));
+  EXPECT_EQ(identity, m_files.Identity(m_folder.Path("none\\..\\.\\a long name.tif")));
+  char shortPath[MAX_PATH];
+  ASSERT_GT(GetShortPathNameA(m_folder.Path("a long name.tif").c_str(), shortPath, MAX_PATH), 0U);
+  EXPECT_EQ(identity, m_files.Identity(shortPath));
+  EXPECT_EQ(m_files.Identity(m_folder.Path()), m_files.Identity(m_folder.Path() + "\\"));
+  EXPECT_EQ(m_files.Identity(m_folder.Path("none.tif")), "");
+  EXPECT_EQ(m_files.Identity(""), "");
+}
+
+TEST_F(Files, AreReadUpToALimit) {
+  WriteFile(m_folder.Path("a"), std::string("x\r\n\0\x1Ay", 6));
+  EXPECT_EQ(m_files.Read(m_folder.Path("a"), 6), std::string("x\r\n\0\x1Ay", 6));
+  EXPECT_EQ(m_files.Read(m_folder.Path("a"), 5), std::nullopt);
+  WriteFile(m_folder.Path("empty"), "");
+  EXPECT_EQ(m_files.Read(m_folder.Path("empty"), 5), "");
+  EXPECT_EQ(m_files.Read(m_folder.Path("none"), 5), std::nullopt);
+  EXPECT_EQ(m_files.Read(m_folder.Path(), 5), std::nullopt);
+}
+
 TEST_F(Files, ExistOnlyUnderTheirExactPath) {
   WriteFile(m_folder.Path("a.tif"), "x");
   EXPECT_TRUE(m_files.Exists(m_folder.Path("a.tif")));

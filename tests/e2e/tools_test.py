@@ -1,5 +1,6 @@
 """Tools that are missing, refuse to work, or do nothing."""
 
+import shutil
 import unittest
 
 from batch_support import STAGE, BatchTest, link_or_copy, start_wine, windows_path
@@ -84,11 +85,15 @@ class ToolThatDoesNothing(ToolsTest):
         self.assertEqual([call[0] for call in self.calls()], [TRANSLATOR])
 
     def test_translator_when_an_older_file_is_there(self):
+        self.assertEqual(self.run_job().code, 0)
+        self.assertTrue((self.folder / "grid.vrt").exists())
+        shutil.rmtree(self.job.target)
         self.replace_tool(self.stage, TRANSLATOR)
-        (self.folder / "grid.vrt").write_text("older")
         run = self.run_job()
         reason = "gdal_translate could not write " + windows_path(self.folder / "grid.vrt")
         self.assert_failed(run, (self.grid, reason))
+        self.assertFalse((self.folder / "grid.vrt").exists())
+        self.assertTrue((self.folder / "grid2.vrt").exists(), "nothing was written in its place")
         self.assertFalse((self.job.folder(0) / "googleearth_loc.kml").exists())
 
     def test_warper(self):

@@ -89,6 +89,16 @@ class FakeFiles : public JobFiles {
     const auto found = fullPaths.find(path);
     return found != fullPaths.end() ? found->second : path;
   }
+  std::string Identity(const std::string& path) override {
+    const auto found = identities.find(path);
+    if (found != identities.end()) return found->second;
+    return Exists(path) ? path : "";
+  }
+  std::optional<std::string> Read(const std::string& path, size_t maxBytes) override {
+    const auto found = contents.find(path);
+    if (!Exists(path) || found == contents.end() || found->second.size() > maxBytes) return std::nullopt;
+    return found->second;
+  }
   bool Exists(const std::string& path) override { return paths.count(path) > 0; }
   std::vector<FoundFile> Find(const std::string& pattern) override {
     patterns.push_back(pattern);
@@ -101,7 +111,7 @@ class FakeFiles : public JobFiles {
   }
   bool Delete(const std::string& path) override {
     m_events.push_back("delete " + path);
-    return paths.erase(path) > 0;
+    return undeletable.count(path) == 0 && paths.erase(path) > 0;
   }
   bool Rename(const std::string& source, const std::string& target) override {
     m_events.push_back("rename " + source + " -> " + target);
@@ -109,7 +119,7 @@ class FakeFiles : public JobFiles {
   }
   bool Copy(const std::string& source, const std::string& target) override {
     m_events.push_back("copy " + source + " -> " + target);
-    return true;
+    return uncopied.count(source) == 0;
   }
   bool RewriteLinks(const std::string& kml, const std::string& baseUrl,
                     const std::string& subFolder) override {
@@ -123,7 +133,11 @@ class FakeFiles : public JobFiles {
 
   std::set<std::string> paths;
   std::map<std::string, std::string> fullPaths;
+  std::map<std::string, std::string> identities;  // where it is not the path itself
+  std::map<std::string, std::string> contents;
   std::set<std::string> unwritable;
+  std::set<std::string> undeletable;
+  std::set<std::string> uncopied;
   std::map<std::string, std::vector<FoundFile>> matches;
   std::vector<std::string> patterns;
 

@@ -1,0 +1,190 @@
+// What a job writes, and what it must never write over.
+#include "job/driver_fixture.h"
+
+namespace {
+
+// Virtual rasters beside the orthophotos, and tools that write them.
+class Reprojection : public Driver {
+ protected:
+  void SetUp() override {
+    Driver::SetUp();
+    m_runner.onRun = [this](const std::string& tool, const std::string& commandLine) {
+      const size_t end = commandLine.rfind('"');
+      const size_t begin = commandLine.rfind('"', end - 1) + 1;
+      if (tool != "tile") Put(commandLine.substr(begin, end - begin), "written by " + tool);
+    };
+  }
+
+  void Put(const std::string& path, const std::string& text) {
+    m_files.paths.insert(path);
+    m_files.contents[path] = text;
+  }
+  void StartWith(const std::string& name) { Start({MakeData(name, "EPSG:3003")}); }
+
+  // As the tools write them.
+  static std::string TranslationOf(const std::string& file) {
+    return "<VRTDataset><GCPList><GCP Pixel=\"0\" Line=\"0\"/><GCP Pixel=\"0\" Line=\"20\"/>"
+           "<GCP Pixel=\"10\" Line=\"0\"/><GCP Pixel=\"10\" "
+           "Line=\"20\"/></GCPList><VRTRasterBand><SimpleSource>"
+           "<SourceFilename relativeToVRT=\"1\">" +
+           file + "</SourceFilename></SimpleSource></VRTRasterBand></VRTDataset>";
+  }
+  static std::string WarpOf(const std::string& file) {
+    return "<VRTDataset subClass=\"VRTWarpedDataset\"><GDALWarpOptions><SourceDataset relativeToVRT=\"1\">" +
+           file + "</SourceDataset></GDALWarpOptions></VRTDataset>";
+  }
+
+  // The file that the tiling script got, and the files that the tools were told to write, in order.
+  std::vector<std::string> MadeFiles() const {
+    std::vector<std::string> made;
+    for (const std::string& event : m_events) {
+      if (event.rfind("translate ", 0) != 0 && event.rfind("warp ", 0) != 0) continue;
+      const size_t end = event.rfind('"');
+      const size_t begin = event.rfind('"', end - 1) + 1;
+      made.push_back(event.substr(begin, end - begin));
+    }
+    return made;
+  }
+};
+
+TEST_F(Reprojection, DoesNotTakeWhatAnEarlierJobLeftForTheTranslation) {
+  Put("D:\\in\\a.vrt", TranslationOf("a.tif"));
+  Put("D:\\in\\a2.vrt", WarpOf("a.vrt"));
+  m_runner.onRun = nullptr;
+  StartWith("a");
+  EXPECT_EQ(MadeFiles(), std::vector<std::string>{"D:\\in\\a.vrt"});
+  EXPECT_EQ(m_host.report.log, "- unable to apply translation to D:\\in\\a.tif\r\n");
+  EXPECT_EQ(m_files.paths.count("D:\\in\\a.vrt"), 0U);
+  EXPECT_EQ(m_files.contents["D:\\in\\a2.vrt"], WarpOf("a.vrt")) << "not replaced, so not deleted";
+  EXPECT_EQ(m_files.paths.count("D:\\in\\a2.vrt"), 1U);
+}
+
+TEST_F(Reprojection, ReplacesWhatAnEarlierJobLeft) {
+  Put("D:\\in\\a.vrt", TranslationOf("a.tif"));
+  Put("D:\\in\\a2.vrt", WarpOf("a.vrt"));
+  StartWith("a");
+  EXPECT_EQ(MadeFiles(), (std::vector<std::string>{"D:\\in\\a.vrt", "D:\\in\\a2.vrt"}));
+  EXPECT_EQ(m_files.contents["D:\\in\\a2.vrt"], "written by warp");
+  const Events order = Without({"title", "folder", "busy", "range", "position", "create", "label", "pump",
+                                "rename", "picture", "idle", "report"});
+  ASSERT_EQ(order.size(), 6U);
+  EXPECT_EQ(order[0], "delete D:\\in\\a.vrt");
+  EXPECT_EQ(order[1].rfind("translate", 0), 0U);
+  EXPECT_EQ(order[2], "delete D:\\in\\a2.vrt") << "the warper does not write over a file";
+  EXPECT_EQ(order[3].rfind("warp", 0), 0U);
+}
+
+TEST_F(Reprojection, LeavesVirtualRastersOfTheUserAlone) {
+  struct Case {
+    const char* path;
+    std::string text;
+    std::vector<std::string> made;
+  };
+  const std::vector<std::string> renamed = {"D:\\in\\a2.vrt", "D:\\in\\a22.vrt"};
+  const Case cases[] = {
+      {"D:\\in\\a.vrt", "older", renamed},
+      {"D:\\in\\a.vrt", TranslationOf("b.tif"), renamed},
+      {"D:\\in\\a.vrt", WarpOf("a.vrt"), renamed},
+      {"D:\\in\\a.vrt", TranslationOf("a.tif") + std::string(1 << 20, ' '), renamed},
+      {"D:\\in\\a2.vrt", "mosaic", {"D:\\in\\a.vrt", "D:\\in\\a22.vrt"}},
+      {"D:\\in\\a2.vrt", WarpOf("b.vrt"), {"D:\\in\\a.vrt", "D:\\in\\a22.vrt"}},
+      {"D:\\in\\a2.vrt", TranslationOf("a.tif"), {"D:\\in\\a.vrt", "D:\\in\\a22.vrt"}},
+  };
+  for (const Case& each : cases) {
+    m_events.clear();
+    for (const char* name : {"a.vrt", "a2.vrt", "a22.vrt"})
+      m_files.paths.erase(std::string("D:\\in\\") + name);
+    Put(each.path, each.text);
+    StartWith("a");
+    EXPECT_EQ(MadeFiles(), each.made) << each.text.substr(0, 200);
+    EXPECT_EQ(m_files.contents[each.path], each.text);
+    EXPECT_EQ(CountEvents(std::string("delete ") + each.path), 0U);
+    EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n");
+  }
+}
+
+TEST_F(Reprojection, NeverWritesOverAnOrthophotoOfTheJob) {
+  // Even if it looks like the work of an earlier job, and is written in another way.
+  CTifData virtualRaster = MakeData("a", "EPSG:3003");
+  virtualRaster.m_strFileName = "\\\\HOST\\in\\a.vrt";
+  Put(virtualRaster.m_strFileName, TranslationOf("a.tif"));
+  Put("D:\\in\\a.vrt", TranslationOf("a.tif"));
+  for (const char* path : {"\\\\HOST\\in\\a.vrt", "D:\\in\\a.vrt"}) m_files.identities[path] = "the file";
+  Start({MakeData("a", "EPSG:3003"), virtualRaster});
+  EXPECT_EQ(MadeFiles(), (std::vector<std::string>{"D:\\in\\a2.vrt", "D:\\in\\a22.vrt",
+                                                   "\\\\HOST\\in\\a2.vrt", "\\\\HOST\\in\\a22.vrt"}));
+  EXPECT_EQ(m_files.contents["D:\\in\\a.vrt"], TranslationOf("a.tif"));
+}
+
+TEST_F(Reprojection, IsNotTriedWhenAnOldFileCannotBeDeleted) {
+  Put("D:\\in\\a.vrt", TranslationOf("a.tif"));
+  m_files.undeletable.insert("D:\\in\\a.vrt");
+  StartWith("a");
+  EXPECT_EQ(MadeFiles(), std::vector<std::string>());
+  EXPECT_EQ(m_host.report.log, "- unable to apply translation to D:\\in\\a.tif\r\n");
+
+  m_events.clear();
+  m_files.undeletable = {"D:\\in\\a2.vrt"};
+  Put("D:\\in\\a2.vrt", WarpOf("a.vrt"));
+  StartWith("a");
+  EXPECT_EQ(MadeFiles(), std::vector<std::string>{"D:\\in\\a.vrt"});
+  EXPECT_EQ(CountEvents("tile"), 0U);
+  EXPECT_EQ(m_host.report.log, "- unable to apply translation to D:\\in\\a.tif\r\n");
+}
+
+// The warped file has a longer name than the orthophoto.
+TEST_F(Reprojection, EndsWhenOnlyItsResultMakesTheCommandLineTooLong) {
+  size_t tooLong = 0;
+  for (size_t length = 3900; length < 4000; ++length) {
+    m_events.clear();
+    m_files.paths.erase("D:\\in\\a.vrt");
+    m_files.paths.erase("D:\\in\\a2.vrt");
+    m_settings.mapTitle = std::string(length, 't');
+    StartWith("a");
+    if (CountEvents("warp") == 0 || CountEvents("tile") > 0) continue;
+    ++tooLong;
+    EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif skipped\r\n");
+  }
+  EXPECT_EQ(tooLong, 2U) << "its name and its reference are longer by a letter each";
+}
+
+TEST_F(Driver, NeverPutsThePictureOverAnOrthophoto) {
+  CTifData harbour = MakeData("a");
+  harbour.m_strFileName = "D:\\out\\maps\\title.jpg";
+  CTifData other = MakeData("b");
+  other.m_strFileName = "E:\\title.jpg";
+  m_files.paths.insert({harbour.m_strFileName, other.m_strFileName});
+  Start({harbour});
+  EXPECT_EQ(CountEvents("picture D:\\out\\maps\\title.jpg -> D:\\out\\maps\\title2.jpg"), 1U);
+  EXPECT_EQ(m_host.report.log, "- D:\\out\\maps\\title.jpg: OK\r\n");
+
+  m_events.clear();
+  Start({other});
+  EXPECT_EQ(CountEvents("picture E:\\title.jpg -> D:\\out\\maps\\title.jpg"), 1U)
+      << "no orthophoto of this job";
+
+  m_events.clear();
+  m_files.paths.insert("D:\\out\\maps\\title2.jpg");
+  m_files.identities = {{"D:\\out\\maps\\title.jpg", "one"}, {"E:\\title.jpg", "one"}};
+  Start({other});
+  EXPECT_EQ(CountEvents("picture E:\\title.jpg -> D:\\out\\maps\\title2.jpg"), 1U)
+      << "the same file by another way";
+}
+
+TEST_F(Driver, ChangesNoOrthophotoWhateverItIsCalled) {
+  m_settings.webOutput = true;
+  m_settings.targetUrl = "host/maps";
+  std::vector<CTifData> orthophotos;
+  for (const char* name : {"googlemaps.html", "openlayers.html", "doc.kml", "googleearth_web.kml"}) {
+    orthophotos.push_back(MakeData("a"));
+    orthophotos.back().m_strFileName = std::string("D:\\out\\maps\\tile_0\\") + name;
+    m_files.paths.insert(orthophotos.back().m_strFileName);
+  }
+  Start(orthophotos);
+  for (const char* change : {"delete", "rename", "copy", "links"}) {
+    EXPECT_EQ(CountEvents(std::string(change) + " D:\\out\\maps\\tile_0\\"), 0U) << change;
+  }
+  EXPECT_GT(CountEvents("rename D:\\out\\maps\\tile_1\\"), 0U);
+}
+
+}  // namespace
