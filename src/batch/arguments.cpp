@@ -41,22 +41,16 @@ std::string ReadOverwrite(const std::string& value, std::optional<bool>& overwri
   return "";
 }
 
-bool HasAnyOf(const std::string& text, const char* characters) {
-  return text.find_first_of(characters) != std::string::npos ||
-         std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < 0x20; });
-}
-
-// The title becomes part of a file name and of a command line.
 std::string ReadTitle(const std::string& value, std::string& title) {
-  if (HasAnyOf(value, "\\/:*?\"<>|")) return "--title must not contain any of \\ / : * ? \" < > |";
   title = value;
-  return "";
+  const std::string problem = FindTitleProblem(value);
+  return problem.empty() ? "" : "--title " + problem;
 }
 
 std::string ReadGoogleKey(const std::string& value, std::string& key) {
-  if (HasAnyOf(value, " \"")) return "--google-key must not contain blanks or quotes";
   key = value;
-  return "";
+  const std::string problem = FindGoogleKeyProblem(value);
+  return problem.empty() ? "" : "--google-key " + problem;
 }
 
 std::string ReadUrl(const std::string& value, std::optional<std::string>& url) {

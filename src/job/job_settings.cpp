@@ -26,7 +26,7 @@ void SaveByte(const char* key, uint32_t value) {
   Save(key, std::to_string(value & 0xFF));
 }
 
-bool Refuse(MessageSink& messages, const char* text) {
+bool Refuse(MessageSink& messages, const std::string& text) {
   messages.ShowMessage(MessageIcon::kInformation, text);
   return false;
 }
@@ -83,6 +83,14 @@ bool CheckTargetFolder(JobSettings& settings, JobFiles& files, JobForm& form) {
   return true;
 }
 
+// What no other check has looked at and no tool could be given.
+bool CheckCommandTexts(const JobSettings& settings, JobForm& form) {
+  const std::string title = FindTitleProblem(settings.mapTitle);
+  if (!title.empty()) return Refuse(form, "The map title " + title);
+  const std::string key = FindGoogleKeyProblem(settings.googleApiKey);
+  return key.empty() || Refuse(form, "The Google API key " + key);
+}
+
 }  // namespace
 
 const std::vector<std::string>& ResamplingModes() {
@@ -95,9 +103,22 @@ bool HasAccents(const std::string& text) {
   return text.find_first_of("\xE0\xE8\xE9\xEC\xF2\xF9") != std::string::npos;
 }
 
+bool HasAnyOf(const std::string& text, const char* characters) {
+  return text.find_first_of(characters) != std::string::npos ||
+         std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < 0x20; });
+}
+
 std::string Unquote(const std::string& path) {
   const bool quoted = path.size() >= 2 && path.front() == '"' && path.back() == '"';
   return quoted ? path.substr(1, path.size() - 2) : path;
+}
+
+std::string FindTitleProblem(const std::string& title) {
+  return HasAnyOf(title, "\\/:*?\"<>|") ? "must not contain any of \\ / : * ? \" < > |" : "";
+}
+
+std::string FindGoogleKeyProblem(const std::string& key) {
+  return HasAnyOf(key, " \"") ? "must not contain blanks or quotes" : "";
 }
 
 JobSettings RestoreSettings() {
@@ -131,5 +152,5 @@ bool ValidateAndSaveSettings(JobSettings& settings, size_t orthophotos, JobFiles
   settings.mapTitle = ReplaceSpaces(settings.mapTitle);
   form.WriteBackMapTitle(settings.mapTitle);
   Save("MapTitle", settings.mapTitle);
-  return CheckTargetFolder(settings, files, form);
+  return CheckTargetFolder(settings, files, form) && CheckCommandTexts(settings, form);
 }

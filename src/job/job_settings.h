@@ -28,8 +28,16 @@ const std::vector<std::string>& ResamplingModes();
 // Only these six: upper-case letters pass.
 bool HasAccents(const std::string& text);
 
+// True when text holds one of these characters, or any control character.
+bool HasAnyOf(const std::string& text, const char* characters);
+
 // A path as it is meant: without the quotes that the shell puts around it when it is copied as a path.
 std::string Unquote(const std::string& path);
+
+// What is wrong with a map title, which becomes part of a file name and of a command line, or with a
+// Google API key, which becomes part of a command line: "must not contain ...", or an empty text.
+std::string FindTitleProblem(const std::string& title);
+std::string FindGoogleKeyProblem(const std::string& key);
 
 // What was stored by the last job. Black is the transparent colour at every start, and web output is
 // off, whatever was stored; a stored resampling mode that is no index of the list counts as 0.

@@ -90,6 +90,21 @@ TEST_F(Settings, PutHttpBeforeAUrlThatHasNone) {
   }
 }
 
+TEST_F(Settings, LookForAccentsOnlyWhereTheyDoHarm) {
+  m_settings.targetUrl = "http://host/citt\xE0";
+  m_settings.mapTitle = "perch\xE9";
+  m_settings.targetFolder = "d:\\pi\xF9";
+  EXPECT_TRUE(Validate()) << "the address is not used";
+  EXPECT_EQ(m_settings.mapTitle, "perch\xE9");
+  EXPECT_EQ(m_settings.targetFolder, "d:\\pi\xF9");
+}
+
+TEST_F(Settings, ComeBackAsLongAsTheyMayBe) {
+  m_settings.googleApiKey = std::string(5000, 'k');
+  EXPECT_TRUE(Validate());
+  EXPECT_EQ(RestoreSettings().googleApiKey, std::string(4095, 'k'));
+}
+
 TEST_F(Settings, ForgetTheUrlOfAJobWithoutWebOutput) {
   m_settings.targetUrl = "http://host/x";
   EXPECT_TRUE(Validate());
@@ -156,6 +171,42 @@ TEST_F(Settings, ReplaceOnlySpacesInTheTitle) {
   m_settings.mapTitle = " \x80-\xA0 ";
   EXPECT_TRUE(Validate());
   EXPECT_EQ(m_settings.mapTitle, "_\x80-\xA0_");
+}
+
+TEST_F(Settings, RefuseTitlesThatNoFileNameAndNoCommandCanHold) {
+  for (const char* title : {"a\\b", "map\\", "Area 1/2", "a:b", "a*", "a?", "6\" pipe", "<a", "a>", "a|b",
+                            "a\tb", "a\nb", "\x01", "\x1F"}) {
+    m_settings.mapTitle = title;
+    ExpectRefused("The map title must not contain any of \\ / : * ? \" < > |");
+  }
+  for (const char* title :
+       {"", "My map 1", "-a & b'-", "100 %", "#1", "citt\xE0", "\x7F", "a.b", ".", "(a)"}) {
+    m_settings.mapTitle = title;
+    EXPECT_TRUE(Validate()) << title;
+  }
+}
+
+TEST_F(Settings, RefuseKeysThatNoCommandCanHold) {
+  for (const char* key : {"my key", " KEY", "KEY ", "a\"b", "a\tb", "a\n"}) {
+    m_settings.googleApiKey = key;
+    ExpectRefused("The Google API key must not contain blanks or quotes");
+  }
+  for (const char* key : {"", "AIza-Sy_0", "a\\", "a/b=c"}) {
+    m_settings.googleApiKey = key;
+    EXPECT_TRUE(Validate()) << key;
+  }
+}
+
+TEST_F(Settings, AreCheckedForTheToolsLast) {
+  m_settings.mapTitle = "a/b c";
+  m_settings.googleApiKey = "my key";
+  EXPECT_FALSE(Validate());
+  EXPECT_EQ(m_events, (Events{"title := a/b_c", "folder := d:\\out",
+                              "information: The map title must not contain any of \\ / : * ? \" < > |"}));
+  EXPECT_EQ(Stored("MapTitle"), "a/b_c");
+  EXPECT_EQ(Stored("TargetFolder"), "d:\\out");
+  m_settings.targetFolder = "d:\\";
+  ExpectRefused("Root folders (e.g. c:\\) are not allowed! ");
 }
 
 TEST_F(Settings, StayStoredWhenALaterCheckFails) {
