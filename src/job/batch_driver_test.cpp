@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <thread>
 
 #include "job/driver_fixture.h"
 
@@ -21,8 +24,24 @@ TEST_F(Driver, TilesAFileInItsOwnZoneDirectly) {
   EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n");
   EXPECT_EQ(m_host.report.copyHint, "Copy 'D:\\out\\maps' folder and its content");
   EXPECT_EQ(m_host.report.webHint, "To '../' web space");
-  EXPECT_EQ(m_host.report.elapsed, "00:00:00");
   EXPECT_EQ(m_files.patterns, std::vector<std::string>{"D:\\out\\maps\\*.*"});
+}
+
+TEST_F(Driver, TellsHowLongTheJobTook) {
+  const auto pause = [] { std::this_thread::sleep_for(std::chrono::milliseconds(1100)); };
+  KVT_StartTimer();
+  pause();
+  m_runner.onRun = [&](const std::string&, const std::string&) { pause(); };
+  const auto start = std::chrono::steady_clock::now();
+  Start({MakeData("a")});
+  const std::chrono::duration<double> most = std::chrono::steady_clock::now() - start;
+  int hours = -1;
+  int minutes = -1;
+  int seconds = -1;
+  ASSERT_EQ(std::sscanf(m_host.report.elapsed.c_str(), "%2d:%2d:%2d", &hours, &minutes, &seconds), 3);
+  const int told = 3600 * hours + 60 * minutes + seconds;
+  EXPECT_GE(told, 1);
+  EXPECT_LE(told, most.count());
 }
 
 TEST_F(Driver, NumbersFoldersTitlesAndLinksOfSeveralFiles) {
@@ -138,6 +157,14 @@ TEST_F(Driver, GoesOnAfterATranslationWithoutOutput) {
   EXPECT_EQ(m_host.report.log, "- unable to apply translation to D:\\in\\a.tif\r\n- D:\\in\\b.tif: OK\r\n");
 }
 
+TEST_F(Driver, SkipsAFileWithMoreThanFourCorners) {
+  CTifData broken = MakeData("a");
+  broken.m_vCorners.push_back(broken.m_vCorners.front());
+  Start({broken});
+  EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif skipped\r\n");
+  EXPECT_EQ(CountEvents("tile"), 0U);
+}
+
 TEST_F(Driver, SkipsAFileWithoutFourCorners) {
   CTifData broken = MakeData("a");
   broken.m_vCorners.pop_back();
@@ -183,11 +210,34 @@ TEST_F(Driver, AsksOnceBeforeOverwriting) {
   EXPECT_EQ(CountEvents("delete"), 2U) << "only the two pages called openlayers.html";
 }
 
+TEST_F(Driver, TakesAFolderForFullWhenItHoldsAnything) {
+  struct Case {
+    std::vector<FoundFile> entries;
+    size_t questions;
+  };
+  const std::string folder = "D:\\out\\maps";
+  const FoundFile self = {folder + "\\.", ".", true};
+  const FoundFile parent = {folder + "\\..", "..", true};
+  const Case cases[] = {{{}, 0},
+                        {{self, parent}, 0},
+                        {{self, parent, {folder + "\\0", "0", true}}, 1},
+                        {{{folder + "\\...", "...", true}}, 1},
+                        {{{folder + "\\.hidden", ".hidden", false}}, 1}};
+  for (const Case& each : cases) {
+    m_events.clear();
+    m_files.matches[folder + "\\*.*"] = each.entries;
+    Start({MakeData("a")});
+    EXPECT_EQ(CountEvents(kQuestion), each.questions) << each.entries.size();
+  }
+}
+
 TEST_F(Driver, AsksAgainInTheNextJob) {
   Fill("D:\\out\\maps");
   Start({MakeData("a")});
   Start({MakeData("a")});
   EXPECT_EQ(CountEvents(kQuestion), 2U);
+  EXPECT_EQ(m_driver.OutputFolders(), std::vector<std::string>{"D:\\out\\maps"}) << "of the last job alone";
+  EXPECT_EQ(m_driver.MapNames(), std::vector<std::string>{"title"});
   EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: previous process result deleted\r\n- D:\\in\\a.tif: OK\r\n");
 }
 

@@ -73,14 +73,24 @@ TEST(TranslateArguments, TieTheFourCornersToTheTargetReference) {
 
 TEST(TranslateArguments, AreRefusedWhenTooLong) {
   CTifData data = MakeData();
-  data.m_strFileName = std::string(5000, 'x');
+  data.m_strFileName += std::string(4095 - FormatTranslateArguments(data, "a.vrt")->size(), 'x');
+  ASSERT_TRUE(FormatTranslateArguments(data, "a.vrt"));
+  EXPECT_EQ(FormatTranslateArguments(data, "a.vrt")->size(), 4095U);
+  data.m_strFileName += 'x';
   EXPECT_FALSE(FormatTranslateArguments(data, "a.vrt"));
 }
 
 TEST(WarpArguments, NameReferenceInputAndOutput) {
   EXPECT_EQ(FormatWarpArguments("EPSG:32632", "D:\\maps\\a.vrt", "D:\\maps\\a2.vrt"),
             " -of VRT -t_srs EPSG:32632 \"D:\\maps\\a.vrt\" \"D:\\maps\\a2.vrt\"");
-  EXPECT_FALSE(FormatWarpArguments("EPSG:32632", std::string(4095, 'x'), "a"));
+}
+
+TEST(WarpArguments, AreRefusedWhenTooLong) {
+  std::string path = "x";
+  path += std::string(4095 - FormatWarpArguments("EPSG:32632", path, "a")->size(), 'x');
+  ASSERT_TRUE(FormatWarpArguments("EPSG:32632", path, "a"));
+  EXPECT_EQ(FormatWarpArguments("EPSG:32632", path, "a")->size(), 4095U);
+  EXPECT_FALSE(FormatWarpArguments("EPSG:32632", path + 'x', "a"));
 }
 
 }  // namespace

@@ -31,6 +31,8 @@ TEST(ProgressChunk, TakesTheSecondFieldAsAFraction) {
       {"x -0.5 y", -50},
       {"x abc y", 0},
       {"x 0.5abc y", 50},
+      {"x nan y", 0},
+      {"x -nan y", 0},
       {"", 0},
       {"x", 0},
       {"x 0.5", 0},
@@ -50,6 +52,7 @@ TEST(ProgressChunk, EndsAtTheFirstZeroByte) {
 
 TEST(ProgressChunk, DoesNotNeedATerminator) {
   EXPECT_EQ(Parse("x 0.5 " + std::string(kProgressChunk, 'y')), 50);
+  EXPECT_EQ(Parse("x 0.5" + std::string(kProgressChunk - 6, '0') + " "), 50) << "to the last byte";
   EXPECT_EQ(Parse(std::string(kProgressChunk, '1')), 0);
   EXPECT_EQ(Parse("x " + std::string(kProgressChunk - 2, '1')), 0);
 }

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
+#include <string>
 
 #include "kvtools/kvtools.h"
 
@@ -45,18 +47,52 @@ TEST(SysDate, IsTheDateAloneWhenAsked) {
   EXPECT_EQ(date, before.substr(0, 10));
 }
 
+// A place where it is never the same time as in Greenwich, nor the same day for most of the day.
+class FarAway {
+ public:
+  FarAway() { Set("TZ=FAR-11"); }
+  ~FarAway() { Set(m_strBefore.c_str()); }
+  FarAway(const FarAway&) = delete;
+  FarAway& operator=(const FarAway&) = delete;
+
+ private:
+  static void Set(const char* setting) {
+#ifdef _WIN32
+    _putenv(setting);
+    _tzset();
+#else
+    const std::string text = setting;
+    const std::string value = text.substr(text.find('=') + 1);
+    if (value.empty()) {
+      unsetenv("TZ");
+    } else {
+      setenv("TZ", value.c_str(), 1);
+    }
+    tzset();
+#endif
+  }
+  const std::string m_strBefore =
+      std::string("TZ=") + (std::getenv("TZ") != nullptr ? std::getenv("TZ") : "");
+};
+
 TEST(SysDate, IsTheSameForEveryPlaceWhenAsked) {
+  const FarAway there;
   std::string before;
   std::string text;
+  std::string local;
+  std::string date;
   char expected[32];
   do {
     before = KVT_GetCurrentSysDate(0, 1);
     const std::time_t now = std::time(nullptr);
     ASSERT_GT(std::strftime(expected, sizeof expected, "%Y-%m-%d %H:%M", std::gmtime(&now)), 0U);
+    local = KVT_GetCurrentSysDate(0, 0);
+    date = KVT_GetCurrentSysDate(1, 1);
     text = KVT_GetCurrentSysDate(0, 1);
   } while (before != text);
   EXPECT_EQ(text, expected);
-  EXPECT_EQ(KVT_GetCurrentSysDate(1, 1).size(), 10U);
+  EXPECT_NE(local, expected) << "it is eleven hours later there";
+  EXPECT_EQ(date, text.substr(0, 10));
 }
 
 }  // namespace
