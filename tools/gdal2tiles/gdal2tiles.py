@@ -91,7 +91,9 @@ def main(argv):
         code = EXIT_STOPPED if isinstance(error, Stopped) else EXIT_FAILED
         reason = reason_of(error)
         traceback.print_exc()
+    signal.signal(signal.SIGTERM, signal.SIG_IGN)  # too late to stop anything
     console.log_result(reason)
+    records.close()
     return code
 
 

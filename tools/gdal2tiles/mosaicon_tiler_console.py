@@ -8,17 +8,25 @@ The log is MOSAICON_TILER_LOG when that is set, else gdal2tiles.log in
   others:  ${XDG_STATE_HOME:-~/.local/state}/mosaicon
 It is appended to. The one in the standard place is moved to <name>.old when it
 has grown past 1 MiB; a log that the caller named is the caller's to keep short.
-A log that cannot be opened never stops a run; its text is lost then.
+A log that cannot be opened or written never stops a run; its text is lost then.
 """
 
 import datetime
+import io
 import os
 import platform
+import queue
 import sys
+import threading
 
 from mosaicon_tiler_arguments import without_key
 
 MAXIMUM_LOG_SIZE = 1024 * 1024
+
+# The reader can end a run only when a record arrives, so none may be far off.
+HEARTBEAT_SECONDS = 2.0
+# The reader looks every five seconds; a pipe that is still full then is not read at all.
+LAST_RECORD_SECONDS = 10.0
 
 
 def log_path():
@@ -54,6 +62,16 @@ def _open_log():
         return os.open(os.devnull, os.O_WRONLY)
 
 
+class _LogFile(io.FileIO):
+    """What cannot be written, on a full disk for example, is lost without a word."""
+
+    def write(self, data):
+        try:
+            return super().write(data)
+        except OSError:
+            return len(data)
+
+
 def redirect_to_log():
     """Points descriptors 1 and 2, and Python's streams, at the log. For worker processes too."""
     log = _open_log()
@@ -63,8 +81,11 @@ def redirect_to_log():
     if log > 2:
         os.close(log)
     # Line by line, and any text at all: a log must not raise encoding errors.
-    sys.stdout = sys.stderr = open(
-        2, "w", buffering=1, encoding="utf-8", errors="backslashreplace", closefd=False
+    sys.stdout = sys.stderr = io.TextIOWrapper(
+        io.BufferedWriter(_LogFile(2, "w", closefd=False)),
+        encoding="utf-8",
+        errors="backslashreplace",
+        line_buffering=True,
     )
 
 
@@ -112,32 +133,56 @@ def log_result(reason):
 
 
 class ProgressRecords:
-    """Writes "Progress 0.37 done" whenever the whole per cent changes, and never goes back."""
+    """Writes "Progress 0.37 done" whenever the whole per cent changes, and never goes back.
 
-    def __init__(self, descriptor):
-        self._descriptor = descriptor
+    A thread of its own does the writing. It repeats the last record when there
+    was none for two seconds, from the very beginning to the end: the tiler is
+    silent for long while it opens a large image and between large tiles. And
+    it is the only one to wait when nobody empties the pipe: the tiles are
+    still wanted.
+    """
+
+    def __init__(self, descriptor, heartbeat=HEARTBEAT_SECONDS):
         self._percent = -1
+        self._queue = queue.SimpleQueue()
+        self._writer = threading.Thread(
+            target=self._write_all, args=(descriptor, heartbeat), daemon=True
+        )
+        self._writer.start()
 
     def start(self):
-        self._write(0)
+        self._put(0)
 
     def report(self, done, total):
-        """Tells whether a record was written. 1.00 is left to finish()."""
+        """Tells whether there was a new record. 1.00 is left to finish()."""
         percent = min(99, done * 100 // total) if total > 0 else 0
         if percent <= self._percent:
             return False
-        self._write(percent)
+        self._put(percent)
         return True
 
     def finish(self):
         """Call it once, and only when everything succeeded."""
-        self._write(100)
+        self._put(100)
 
-    def _write(self, percent):
+    def close(self):
+        """Returns when all records are written, or after some seconds when nobody reads them."""
+        self._queue.put(None)
+        self._writer.join(LAST_RECORD_SECONDS)
+
+    def _put(self, percent):
         self._percent = percent
-        if self._descriptor is None:
-            return
-        try:
-            os.write(self._descriptor, b"Progress %.2f done\n" % (percent / 100))
-        except OSError:
-            self._descriptor = None  # nobody reads any more; the tiles are still wanted
+        self._queue.put(percent)
+
+    def _write_all(self, descriptor, heartbeat):
+        percent = 0
+        while percent is not None and descriptor is not None:
+            try:
+                percent = self._queue.get(timeout=heartbeat)
+            except queue.Empty:
+                pass  # the last one again
+            if percent is not None:
+                try:
+                    os.write(descriptor, b"Progress %.2f done\n" % (percent / 100))
+                except OSError:
+                    return  # nobody reads any more

@@ -1,7 +1,9 @@
 """The parts of the tiling script that need no tiles: log, arguments, files, worker pool."""
 
+import contextlib
 import functools
 import os
+import shutil
 import tempfile
 import time
 import unittest
@@ -72,6 +74,20 @@ class Log(TilerTestCase):
         self.assertEqual(self.code, 0)
         self.assertEqual(self.records[-1], "Progress 1.00 done")
 
+    @unittest.skipUnless(os.path.exists("/dev/full"), "needs a device that is always full")
+    def test_log_that_cannot_be_written_does_not_stop_the_run(self):
+        self.environment["MOSAICON_TILER_LOG"] = "/dev/full"
+        for processes in ("1", "2"):
+            with self.subTest(processes):
+                self.environment["MOSAICON_TILER_PROCESSES"] = processes
+                self.run_script(self.arguments(self.raster(solid((1, 2, 3)))))
+                self.assertEqual(self.code, 0)
+                self.assertEqual(self.records[-1], "Progress 1.00 done")
+                self.assertIn("doc.kml", self.files())
+                shutil.rmtree(self.output)
+        self.run_script(self.arguments(self.path("no.tif")))
+        self.assertEqual(self.code, 1)
+
     def test_default_places(self):
         del self.environment["MOSAICON_TILER_LOG"]
         self.environment.pop("LOCALAPPDATA", None)
@@ -85,26 +101,70 @@ class Log(TilerTestCase):
 
 
 class ProgressRecords(unittest.TestCase):
+    def setUp(self):
+        self.reader, self.writer = os.pipe()
+
+    def written(self):
+        """The fractions in the pipe, which is closed for it."""
+        os.close(self.writer)
+        with os.fdopen(self.reader) as stream:
+            return [line.split(" ")[1] for line in stream]
+
     def test_only_new_whole_per_cents_are_written(self):
-        reader, writer = os.pipe()
-        records = console.ProgressRecords(writer)
+        records = console.ProgressRecords(self.writer, heartbeat=60)
         records.start()
         for done, total in ((1, 1000), (10, 1000), (19, 1000), (5, 1000), (1000, 1000)):
             records.report(done, total)
         records.report(1001, 1000)
         records.finish()
-        os.close(writer)
-        with os.fdopen(reader) as stream:
-            fractions = [line.split(" ")[1] for line in stream]
-        self.assertEqual(fractions, ["0.00", "0.01", "0.99", "1.00"])
+        records.close()
+        self.assertEqual(self.written(), ["0.00", "0.01", "0.99", "1.00"])
+
+    def test_last_one_is_repeated_in_a_time_of_silence(self):
+        records = console.ProgressRecords(self.writer, heartbeat=0.01)
+        self.assertEqual(os.read(self.reader, 19), b"Progress 0.00 done\n")
+        records.report(37, 100)
+        last = b""
+        while last != b"Progress 0.37 done\n" * 3:
+            last = (last + os.read(self.reader, 19))[-57:]
+        records.close()
+        self.assertEqual(set(self.written()) - {"0.37"}, set())
 
     def test_reader_that_has_gone_is_no_failure(self):
-        reader, writer = os.pipe()
-        os.close(reader)
-        records = console.ProgressRecords(writer)
+        os.close(self.reader)
+        records = console.ProgressRecords(self.writer)
         records.start()
         records.finish()
-        os.close(writer)
+        records.close()
+        os.close(self.writer)
+
+    def test_missing_output_is_no_failure(self):
+        records = console.ProgressRecords(None)
+        records.start()
+        records.finish()
+        records.close()
+        self.assertEqual(self.written(), [])
+
+    def test_nobody_waits_for_a_pipe_that_nobody_empties(self):
+        os.set_blocking(self.writer, False)
+        with contextlib.suppress(BlockingIOError):
+            while True:
+                os.write(self.writer, b" " * 4096)
+        os.set_blocking(self.writer, True)
+        records = console.ProgressRecords(self.writer, heartbeat=0.01)
+        for done in range(101):
+            records.report(done, 100)
+        records.finish()
+        with mock.patch.object(console, "LAST_RECORD_SECONDS", 0.1):
+            records.close()
+        # Whoever reads in the end finds them all, and in order.
+        with os.fdopen(self.reader, "rb") as stream:
+            os.read(self.reader, 1 << 20)
+            for percent in range(101):
+                expected = b"Progress %.2f done\n" % (percent / 100)
+                while (line := stream.readline().lstrip()) != expected:
+                    self.assertEqual(line, b"Progress 0.00 done\n")
+        os.close(self.writer)
 
 
 class Arguments(unittest.TestCase):

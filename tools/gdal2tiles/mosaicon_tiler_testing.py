@@ -19,6 +19,7 @@ SCRIPT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "gdal2tiles.py
 UTM = 32633
 WEB_MERCATOR = 3857
 BLACK, RED, WHITE = 0, 255, 0xFFFFFF
+FIRST_RECORD = "Progress 0.00 done"
 
 # Far from the zone's central meridian: reprojected, the image stands askew in a collar.
 UTM_CORNER = (700000, 10, 0, 5300000, 0, -10)
@@ -147,6 +148,10 @@ class TilerTestCase(unittest.TestCase):
     def assert_nothing_temporary(self):
         self.assertEqual(os.listdir(self.temp), [])
         self.assertEqual([n for n in self.files() if n.endswith(".~mos")], [])
+
+    def assert_no_progress(self):
+        """The first record may be there, again for every two seconds that the run took."""
+        self.assertLessEqual(set(self.records), {FIRST_RECORD})
 
     @staticmethod
     def read(path):
