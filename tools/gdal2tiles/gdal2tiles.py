@@ -55,6 +55,8 @@ def _processes():
 
 def _tile(argv, records):
     request = arguments.parse(argv)
+    files.remove_partial_files(request.output)
+    files.remove_old_document(request.output)
 
     # Only now: a missing GDAL package must be able to reach the log.
     import mosaicon_tiler_engine as engine

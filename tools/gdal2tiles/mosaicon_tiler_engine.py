@@ -47,6 +47,7 @@ def run(job, processes, on_progress):
     _count_tiles(tiler, on_progress)
     if job.nodata:
         _fill_collar(tiler, job.nodata)
+    write_pages = _write_pages_last(tiler)
     pools = []
 
     def make_pool(processes=processes):
@@ -63,6 +64,7 @@ def run(job, processes, on_progress):
             pool.terminate()
     if code:
         raise TilerError("the tiler ended with code %s" % code)
+    write_pages()
 
 
 def _command_line(job, processes):
@@ -203,6 +205,31 @@ def _count_tiles(tiler, on_progress):
 
     tiler.ProgressBar = ProgressBar
     _replace(tiler, "worker_tile_details", make)
+
+
+def _write_pages_last(tiler):
+    """Keeps the tiler from writing its pages and doc.kml before the tiles that they show.
+
+    Returns the function that writes them; a run that fails or is killed before
+    leaves no document whose links lead nowhere.
+    """
+    pages = []
+
+    def make(plain):
+        @functools.wraps(plain)
+        def generate_metadata(self):
+            os.makedirs(self.output_folder, exist_ok=True)
+            pages.append(functools.partial(plain, self))
+
+        return generate_metadata
+
+    _replace(tiler.GDAL2Tiles, "generate_metadata", make)
+
+    def write_pages():
+        for write in pages:
+            write()
+
+    return write_pages
 
 
 def _write_whole_tiles(gdal):

@@ -4,6 +4,7 @@ import os
 import signal
 import time
 import unittest
+from xml.etree import ElementTree
 
 import numpy
 from mosaicon_tiler_testing import (
@@ -87,6 +88,19 @@ class Refusals(TilerTestCase):
         self.check(image, "must end with the image", extra=["tail"])
 
 
+class OldDocument(TilerTestCase):
+    """An earlier run's doc.kml would pass for this run's."""
+
+    def test_is_gone_after_any_failure(self):
+        os.makedirs(self.output)
+        for image in (self.path("none.tif"), self.raster(noise(6))):
+            with open(os.path.join(self.output, "doc.kml"), "w") as stream:
+                stream.write("old")
+            self.run_script(self.arguments(image))
+            self.assert_failed("the image ")
+        self.assertEqual(os.listdir(self.output), [])
+
+
 class MissingPackage(TilerTestCase):
     REASON = "The GDAL Python package is not installed for the Python interpreter "
 
@@ -124,6 +138,7 @@ class ReadFailures(TilerTestCase):
                 self.run_script(self.arguments(image))
                 self.assert_failed("the image could not be read or tiled: ")
                 self.assertIn(FIRST_RECORD, self.records)
+                self.assertTrue(self.tile_names())
 
 
 class WriteFailures(TilerTestCase):
@@ -154,12 +169,14 @@ class WriteFailures(TilerTestCase):
 
     @unittest.skipUnless(resource, "needs a limit on the size of files")
     def test_file_that_cannot_grow(self):
-        # The pages fit below the first limit, a tile of noise does not.
-        image = self.raster(noise(height=500, width=500))
-        for processes, limit, name in (
-            ("1", 64 * 1024, r"\d\.png"),
-            ("2", 64 * 1024, r"\d\.png"),
-            ("1", 8 * 1024, "googlemaps.html"),
+        # The pages fit below the first limit, a tile of noise does not; with the other it is the
+        # pages that are too large.
+        loud = self.raster(noise(height=500, width=500))
+        plain = self.raster(solid((1, 2, 3)), "plain.tif")
+        for image, processes, limit, name in (
+            (loud, "1", 64 * 1024, r"\d\.png"),
+            (loud, "2", 64 * 1024, r"\d\.png"),
+            (plain, "1", 8 * 1024, "googlemaps.html"),
         ):
             with self.subTest(processes=processes, limit=limit):
                 self.environment["MOSAICON_TILER_PROCESSES"] = processes
@@ -196,6 +213,39 @@ class KilledProcesses(TilerTestCase):
             self.assertLess(time.monotonic(), deadline, "a process lives on")
             time.sleep(0.05)
 
+    def kill(self, process):
+        process.kill()
+        process.communicate()
+
+    def test_killed_run_leaves_no_document(self):
+        """That of an earlier job in the same place stays, and its links lead to whole files."""
+        self.kill(self.start_and_wait_for_tiles("1"))
+        self.assertTrue(self.tile_names())
+        self.assertEqual([n for n in self.files() if "/" not in n], [])
+
+        image = self.raster(noise(height=2600, width=2600), "früher.tif")
+        self.tile(image)
+        earlier = os.path.join(self.output, "googleearth_loc.kml")
+        os.rename(os.path.join(self.output, "doc.kml"), earlier)
+        self.kill(self.start_and_wait_for_tiles("1"))
+        self.assertNotIn("doc.kml", self.files())
+        links = list(self.links("googleearth_loc.kml"))
+        self.assertTrue(links)
+        for _, path in links:
+            ElementTree.parse(path)
+
+    def test_next_run_removes_the_partial_files_of_a_killed_one(self):
+        """Also those of tiles that it does not make itself, and when it fails."""
+        folder = os.path.join(self.output, "9", "9")
+        foreign = os.path.join(self.output, "mine")
+        for path in (folder, foreign):
+            os.makedirs(path)
+            with open(os.path.join(path, "9.png.~mos"), "w"):
+                pass
+        self.run_script(self.arguments(self.path("none.tif")))
+        self.assertEqual(os.listdir(folder), [])
+        self.assertEqual(os.listdir(foreign), ["9.png.~mos"])
+
     def test_killed_worker_fails_the_run(self):
         process = self.start_and_wait_for_tiles("2")
         os.kill(self.workers[0], signal.SIGKILL)
@@ -213,9 +263,7 @@ class KilledProcesses(TilerTestCase):
                 self.assert_ends(self.workers)
 
     def test_workers_do_not_outlive_a_killed_run(self):
-        process = self.start_and_wait_for_tiles("2")
-        process.kill()
-        process.communicate()
+        self.kill(self.start_and_wait_for_tiles("2"))
         self.assert_ends(self.workers)
 
 

@@ -2,6 +2,7 @@
 
 import contextlib
 import errno
+import glob
 import io
 import os
 import shutil
@@ -64,11 +65,20 @@ def open_whole(path, mode="r", *args, **kwargs):
 
 
 def remove_partial_files(folder):
-    for parent, _, names in os.walk(folder):
-        for name in names:
-            if name.endswith(PARTIAL_SUFFIX):
-                with contextlib.suppress(OSError):
-                    os.remove(os.path.join(parent, name))
+    """Removes what killed runs left in an output folder; looks only where the tiler writes."""
+    for pattern in ("", os.path.join("[0-9]*", "[0-9]*")):
+        path = os.path.join(glob.escape(folder), pattern, "*" + PARTIAL_SUFFIX)
+        for partial in glob.iglob(path):
+            with contextlib.suppress(OSError):
+                os.remove(partial)
+
+
+def remove_old_document(folder):
+    """Removes the doc.kml of an earlier run: whoever finds one takes it for this run's."""
+    try:
+        os.remove(os.path.join(folder, "doc.kml"))
+    except (FileNotFoundError, NotADirectoryError):
+        pass
 
 
 def remove_stale_run_folders():

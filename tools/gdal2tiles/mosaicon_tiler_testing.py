@@ -144,6 +144,7 @@ class TilerTestCase(unittest.TestCase):
         last = self.log.splitlines()[-1]
         self.assertRegex(last, "^RESULT FAILED .*" + reason_pattern)
         self.assert_nothing_temporary()
+        self.assertNotIn("doc.kml", self.files())
 
     def assert_nothing_temporary(self):
         self.assertEqual(os.listdir(self.temp), [])
