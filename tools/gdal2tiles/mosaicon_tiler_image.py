@@ -22,6 +22,7 @@ from osgeo import gdal, osr
 from mosaicon_tiler_arguments import Request
 from mosaicon_tiler_console import log
 from mosaicon_tiler_errors import TilerError, one_line
+from mosaicon_tiler_extent import check_extent
 
 MAP_SRS = 3857  # web Mercator, what the profile mercator tiles
 
@@ -151,6 +152,7 @@ def prepare(request, folder):
     srs = _source_srs(dataset, request.srs)
     _check_georeference(dataset)
     _check_readable(request.input, dataset)
+    check_extent(dataset, srs)
 
     colours, alpha = _chosen_bands(dataset)
     bands = colours + alpha
