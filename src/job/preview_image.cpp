@@ -6,16 +6,18 @@
 #include <numeric>
 #include <vector>
 
+#include "job/partial_files.h"
+#include "job/same_file.h"
 #include "kvtools/split_path.h"
 
 namespace {
 
 constexpr double kPreviewPixels = 76800.0;
-constexpr size_t kMaxExtension = 8;
+constexpr char kMemoryFolder[] = "/vsimem/mosaicon_preview";
+constexpr char kMemoryFile[] = "/vsimem/mosaicon_preview/picture";
 
 GDALDriver* FindOutputDriver(const std::string& outputPath) {
   const std::string extension = SplitPath(outputPath).extension;
-  if (extension.size() > kMaxExtension) return nullptr;
   const char* name = nullptr;
   if (extension == ".jpg") name = "JPEG";
   if (extension == ".tif") name = "GTiff";
@@ -23,11 +25,39 @@ GDALDriver* FindOutputDriver(const std::string& outputPath) {
   return name != nullptr ? GetGDALDriverManager()->GetDriverByName(name) : nullptr;
 }
 
-// Reads all bands of input, resampled to width x height, into a new in-memory dataset.
-GDALDatasetUniquePtr ReduceInMemory(GDALDataset& input, GDALDriver& memory, const char* name, int width,
-                                    int height) {
-  const int bandCount = input.GetRasterCount();
-  if (bandCount < 1 || width < 1 || height < 1) return nullptr;
+bool Refuse(const std::string& reason) {
+  CPLError(CE_Failure, CPLE_AppDefined, "%s", reason.c_str());
+  return false;
+}
+
+// An orthophoto may be a JPEG itself, or consist of several files, and lie in the output folder.
+bool IsPartOf(GDALDataset& input, const std::string& path) {
+  const CPLStringList parts(input.GetFileList());
+  for (int i = 0; i < parts.size(); ++i) {
+    if (IsSameFile(parts[i], path)) return true;
+  }
+  return false;
+}
+
+// Whether the format can show the image at all. The JPEG driver would write samples of 16 bits as 12
+// bits, which hardly any program opens.
+bool CanHold(GDALDriver& format, GDALDataset& input) {
+  if (input.GetRasterCount() < 1) return Refuse("the image has no bands");
+  const bool isJpeg = EQUAL(format.GetDescription(), "JPEG");
+  return !isJpeg || input.GetRasterBand(1)->GetRasterDataType() == GDT_Byte ||
+         Refuse("a JPEG picture holds 8 bits only");
+}
+
+// JPEG knows no grey with transparency: the grey alone is the picture then.
+int CountPictureBands(GDALDriver& format, GDALDataset& input) {
+  const int count = input.GetRasterCount();
+  return count == 2 && EQUAL(format.GetDescription(), "JPEG") ? 1 : count;
+}
+
+// Reads the first bands of input, resampled to width x height, into a new in-memory dataset.
+GDALDatasetUniquePtr ReduceInMemory(GDALDataset& input, int bandCount, GDALDriver& memory, const char* name,
+                                    int width, int height) {
+  if (width < 1 || height < 1) return nullptr;
   const GDALDataType type = input.GetRasterBand(1)->GetRasterDataType();
   GDALDatasetUniquePtr reduced(memory.Create(name, width, height, bandCount, type, nullptr));
   if (reduced == nullptr) return nullptr;
@@ -49,21 +79,39 @@ GDALDatasetUniquePtr ReduceInMemory(GDALDataset& input, GDALDriver& memory, cons
   return reduced;
 }
 
-// Writes the picture beside its final name and moves it there when it is complete; errors that only
-// show when the file is closed count too.
-bool WriteCopy(GDALDriver& driver, const std::string& path, GDALDataset& picture) {
-  const std::string partial = path + ".part";
-  CPLErrorReset();
-  GDALDatasetUniquePtr copy(driver.CreateCopy(partial.c_str(), &picture, TRUE, nullptr, nullptr, nullptr));
-  bool written = copy != nullptr;
-  copy.reset();
-  written = written && CPLGetLastErrorType() < CE_Failure;
+bool WriteBytes(const std::string& path, const GByte* bytes, size_t size) {
+  VSILFILE* file = VSIFOpenL(path.c_str(), "wb");
+  if (file == nullptr) return Refuse("the file cannot be made");
+  const bool written = VSIFWriteL(bytes, 1, size, file) == size;
+  return (VSIFCloseL(file) == 0 && written) || Refuse("the disk is full or broken");
+}
+
+// Writes beside the final name, which has a short name of its own because the final one may be as long as
+// names can be, and moves it there when it is complete.
+bool PutInPlace(const std::string& path, const GByte* bytes, size_t size) {
+  const PathParts parts = SplitPath(path);
+  const std::string partial = JoinPath(parts.drive, parts.directory, "p", kPartialExtension);
+  bool written = WriteBytes(partial, bytes, size);
   if (written) {
     VSIStatBufL status;
     if (VSIStatL(path.c_str(), &status) == 0) VSIUnlink(path.c_str());
     written = VSIRename(partial.c_str(), path.c_str()) == 0;
   }
   if (!written) VSIUnlink(partial.c_str());
+  return written;
+}
+
+// Encodes in memory; errors that only show when the picture is closed count too.
+bool WriteCopy(GDALDriver& format, const std::string& path, GDALDataset& picture) {
+  CPLErrorReset();
+  GDALDatasetUniquePtr copy(format.CreateCopy(kMemoryFile, &picture, TRUE, nullptr, nullptr, nullptr));
+  bool written = copy != nullptr;
+  copy.reset();
+  vsi_l_offset size = 0;
+  const GByte* bytes = VSIGetMemFileBuffer(kMemoryFile, &size, FALSE);
+  written = written && CPLGetLastErrorType() < CE_Failure && bytes != nullptr &&
+            PutInPlace(path, bytes, static_cast<size_t>(size));
+  VSIRmdirRecursive(kMemoryFolder);
   return written;
 }
 
@@ -78,16 +126,21 @@ void ComputePreviewSize(int width, int height, int& previewWidth, int& previewHe
 int MakePreviewImage(const std::string& inputPath, const std::string& outputPath) {
   if (inputPath.empty() || outputPath.empty()) return 0;
   GDALDriver* memory = GetGDALDriverManager()->GetDriverByName("MEM");
-  GDALDriver* driver = FindOutputDriver(outputPath);
-  if (memory == nullptr || driver == nullptr) return 0;
+  GDALDriver* format = FindOutputDriver(outputPath);
+  if (memory == nullptr || format == nullptr) return 0;
 
   GDALDatasetUniquePtr input(GDALDataset::FromHandle(GDALOpen(inputPath.c_str(), GA_ReadOnly)));
-  if (input == nullptr) return 0;
+  if (input == nullptr || !CanHold(*format, *input)) return 0;
+  if (IsSameFile(inputPath, outputPath) || IsPartOf(*input, outputPath)) {
+    Refuse("it would replace the orthophoto");
+    return 0;
+  }
   int width = 0;
   int height = 0;
   ComputePreviewSize(input->GetRasterXSize(), input->GetRasterYSize(), width, height);
-  const GDALDatasetUniquePtr reduced = ReduceInMemory(*input, *memory, outputPath.c_str(), width, height);
+  const GDALDatasetUniquePtr reduced =
+      ReduceInMemory(*input, CountPictureBands(*format, *input), *memory, outputPath.c_str(), width, height);
   input.reset();
   if (reduced == nullptr) return 0;
-  return WriteCopy(*driver, outputPath, *reduced) ? 1 : 0;
+  return WriteCopy(*format, outputPath, *reduced) ? 1 : 0;
 }

@@ -5,8 +5,11 @@
 #include <string>
 
 // Writes a copy of inputPath with about 76,800 pixels (320 x 240; smaller images are enlarged) to
-// outputPath. The format follows its extension, in lower case only: jpg, tif or png.
-// Returns 1 on success and 0 on failure, after which a file at outputPath is what it was before.
+// outputPath. The format follows its extension, in lower case only: jpg, tif or png. Of two bands a JPEG
+// gets the first one; it holds bands of 8 bits only.
+//
+// Returns 1 on success and 0 on failure, after which a file at outputPath is what it was before; GDAL's
+// last error may tell more. A file that the input consists of is never replaced.
 int MakePreviewImage(const std::string& inputPath, const std::string& outputPath);
 
 // The size of that picture for an image of width x height pixels; 0 for a side that vanishes.

@@ -1,6 +1,9 @@
 #include "job/preview_image.h"
 
 #include <gtest/gtest.h>
+#ifndef _WIN32
+#include <unistd.h>
+#endif
 
 #include "support/rasters.h"
 #include "support/temporary_folder.h"
@@ -59,7 +62,7 @@ TEST_F(PreviewImage, FollowsTheExtension) {
 
 TEST_F(PreviewImage, RefusesOtherExtensions) {
   const std::string input = Make({});
-  for (const char* name : {"x.JPG", "x.Jpg", "x.jpeg", "x.gif", "x", "x.jpg.", "x.longextension"}) {
+  for (const char* name : {"x.JPG", "x.Jpg", "x.jpeg", "x.gif", "x", "x.jpg."}) {
     EXPECT_EQ(MakePreviewImage(input, m_folder.Path(name)), 0) << name;
     EXPECT_FALSE(FileExists(m_folder.Path(name))) << name;
   }
@@ -91,9 +94,74 @@ TEST_F(PreviewImage, KeepsTheSampleType) {
   EXPECT_EQ(Open("x.tif")->GetRasterBand(1)->GetRasterDataType(), GDT_UInt16);
 }
 
-TEST_F(PreviewImage, LeavesNothingBehindWhenTheFormatCannotHoldTheImage) {
+TEST_F(PreviewImage, ShowsTheWholeInput) {
+  RasterRecipe recipe;
+  recipe.width = 320;
+  recipe.height = 240;
+  const std::string input = Make(recipe);
+  ASSERT_EQ(MakePreviewImage(input, m_folder.Path("x.tif")), 1);
+  const GDALDatasetUniquePtr picture = Open("x.tif");
+  for (const int y : {0, 100, 239}) {
+    for (const int x : {0, 150, 319}) {
+      GByte value = 0;
+      ASSERT_EQ(
+          picture->GetRasterBand(1)->RasterIO(GF_Read, x, y, 1, 1, &value, 1, 1, GDT_Byte, 0, 0, nullptr),
+          CE_None);
+      EXPECT_EQ(value, (1 + x + y) % 256) << x << " " << y;
+    }
+  }
+}
+
+TEST_F(PreviewImage, ShowsTheGreyOfGreyWithTransparency) {
   RasterRecipe recipe;
   recipe.bands = 2;
+  const std::string input = Make(recipe);
+  ASSERT_EQ(MakePreviewImage(input, m_folder.Path("x.jpg")), 1);
+  EXPECT_EQ(Open("x.jpg")->GetRasterCount(), 1);
+}
+
+TEST_F(PreviewImage, MakesNoJpegOfSamplesThatItCannotHold) {
+  for (const GDALDataType type : {GDT_UInt16, GDT_Int16, GDT_Float32}) {
+    RasterRecipe recipe;
+    recipe.type = type;
+    EXPECT_EQ(MakePreviewImage(Make(recipe), m_folder.Path("x.jpg")), 0) << type;
+    EXPECT_STREQ(CPLGetLastErrorMsg(), "a JPEG picture holds 8 bits only");
+    EXPECT_FALSE(FileExists(m_folder.Path("x.jpg")));
+  }
+}
+
+TEST_F(PreviewImage, NeverReplacesItsInput) {
+  // A JPEG is a legal orthophoto, and so is a virtual raster that consists of one.
+  ASSERT_EQ(MakePreviewImage(Make({}), m_folder.Path("own.jpg")), 1);
+  const std::string photo = m_folder.Path("own.jpg");
+  const std::string before = ReadFile(photo);
+  EXPECT_EQ(MakePreviewImage(photo, photo), 0);
+  EXPECT_STREQ(CPLGetLastErrorMsg(), "it would replace the orthophoto");
+  EXPECT_EQ(MakePreviewImage(photo, m_folder.Path(".") + photo.substr(photo.size() - 8)), 0);
+
+  WriteFile(m_folder.Path("own.vrt"),
+            "<VRTDataset rasterXSize=\"310\" rasterYSize=\"248\"><VRTRasterBand dataType=\"Byte\" band=\"1\">"
+            "<SimpleSource><SourceFilename relativeToVRT=\"1\">own.jpg</SourceFilename>"
+            "<SourceBand>1</SourceBand></SimpleSource></VRTRasterBand></VRTDataset>");
+  EXPECT_EQ(MakePreviewImage(m_folder.Path("own.vrt"), photo), 0);
+  EXPECT_EQ(ReadFile(photo), before);
+  EXPECT_EQ(MakePreviewImage(m_folder.Path("own.vrt"), m_folder.Path("other.jpg")), 1);
+}
+
+TEST_F(PreviewImage, MayHaveAnyNameThatTheSystemAllows) {
+#ifdef _WIN32
+  const size_t length = 255 - m_folder.Path("").size() - 1;
+#else
+  const size_t length = 255;
+#endif
+  const std::string name = std::string(length - 4, 'n') + ".jpg";
+  EXPECT_EQ(MakePreviewImage(Make({}), m_folder.Path(name)), 1);
+  EXPECT_NE(Open(name), nullptr);
+}
+
+TEST_F(PreviewImage, LeavesNothingBehindWhenTheFormatCannotHoldTheImage) {
+  RasterRecipe recipe;
+  recipe.bands = 5;
   EXPECT_EQ(MakePreviewImage(Make(recipe), m_folder.Path("x.jpg")), 0);
   EXPECT_FALSE(FileExists(m_folder.Path("x.jpg")));
   recipe.bands = 3;
@@ -105,13 +173,25 @@ TEST_F(PreviewImage, LeavesNothingBehindWhenTheFormatCannotHoldTheImage) {
 TEST_F(PreviewImage, ReplacesAnOldPictureOnlyByACompleteOne) {
   WriteFile(m_folder.Path("x.jpg"), "old");
   RasterRecipe recipe;
-  recipe.bands = 2;
+  recipe.bands = 5;
   EXPECT_EQ(MakePreviewImage(Make(recipe), m_folder.Path("x.jpg")), 0);
   EXPECT_EQ(ReadFile(m_folder.Path("x.jpg")), "old");
   EXPECT_EQ(MakePreviewImage(Make({}), m_folder.Path("x.jpg")), 1);
   EXPECT_NE(Open("x.jpg"), nullptr);
-  EXPECT_FALSE(FileExists(m_folder.Path("x.jpg.part")));
+  EXPECT_FALSE(FileExists(m_folder.Path("p.~mos")));
 }
+
+#ifndef _WIN32
+TEST_F(PreviewImage, KeepsTheOldPictureWhenTheDiskIsFull) {
+  // Everything that is written to this device is lost, which shows when it is closed at the latest.
+  WriteFile(m_folder.Path("x.jpg"), "old");
+  ASSERT_EQ(symlink("/dev/full", m_folder.Path("p.~mos").c_str()), 0);
+  EXPECT_EQ(MakePreviewImage(Make({}), m_folder.Path("x.jpg")), 0);
+  EXPECT_STREQ(CPLGetLastErrorMsg(), "the disk is full or broken");
+  EXPECT_EQ(ReadFile(m_folder.Path("x.jpg")), "old");
+  EXPECT_FALSE(FileExists(m_folder.Path("p.~mos")));
+}
+#endif
 
 TEST_F(PreviewImage, FailsWithoutAUsableInput) {
   WriteFile(m_folder.Path("broken.tif"), "II*\0 not a picture");
