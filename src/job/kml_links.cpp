@@ -56,12 +56,26 @@ class LinkLines {
 // twice. Kept on purpose; the tiling script leaves no final line break.
 bool CopyLines(std::FILE* input, std::FILE* output, LinkLines& lines) {
   char line[kLineBuffer] = "";
-  if (IsAtEnd(input)) return true;
+  if (IsAtEnd(input)) return std::ferror(input) == 0;
   do {
     (void)!std::fgets(line, sizeof line, input);
     std::fputs(lines.Rewrite(line).c_str(), output);
   } while (std::feof(input) == 0 && std::ferror(input) == 0 && std::ferror(output) == 0);
   return std::ferror(input) == 0;
+}
+
+bool Exists(const std::string& path) {
+  return File(std::fopen(path.c_str(), "r")) != nullptr;
+}
+
+// Beside the file. A user may have one of this name, which must outlive the rewriting.
+std::string NameTemporaryFile(const std::string& kmlPath) {
+  const PathParts parts = SplitPath(kmlPath);
+  std::string path = JoinPath(parts.drive, parts.directory, "temp_web", "kml");
+  for (int number = 2; Exists(path); ++number) {
+    path = JoinPath(parts.drive, parts.directory, "temp_web" + std::to_string(number), "kml");
+  }
+  return path;
 }
 
 }  // namespace
@@ -70,8 +84,7 @@ int RewriteKmlLinks(std::string kmlPath, std::string baseUrl, std::string subFol
   if (kmlPath.empty() || baseUrl.empty()) return 0;
   if (baseUrl.back() == '/') baseUrl.pop_back();
 
-  const PathParts parts = SplitPath(kmlPath);
-  const std::string temporaryPath = JoinPath(parts.drive, parts.directory, "temp_web", "kml");
+  const std::string temporaryPath = NameTemporaryFile(kmlPath);
   File output(std::fopen(temporaryPath.c_str(), "w+"));
   if (output == nullptr) return 0;
   File input(std::fopen(kmlPath.c_str(), "r"));
@@ -81,12 +94,16 @@ int RewriteKmlLinks(std::string kmlPath, std::string baseUrl, std::string subFol
   const bool copied = CopyLines(input.get(), output.get(), lines);
   input.reset();
   if (!CloseWritten(std::move(output)) || !copied) {
-    // A full disk: the file stays as it was.
+    // A full or broken disk: the file stays as it was.
     std::remove(temporaryPath.c_str());
     return 0;
   }
   std::remove(kmlPath.c_str());
-  // If this fails the new text stays under its temporary name.
-  (void)!std::rename(temporaryPath.c_str(), kmlPath.c_str());
+  if (std::rename(temporaryPath.c_str(), kmlPath.c_str()) != 0 && Exists(kmlPath)) {
+    // Nobody may replace it: on Windows it is read-only, or open in another program.
+    std::remove(temporaryPath.c_str());
+    return 0;
+  }
+  // When the old file is gone and only the renaming failed, the new text keeps its temporary name.
   return 1;
 }

@@ -1,8 +1,15 @@
 #include "job/kml_links.h"
 
 #include <gtest/gtest.h>
-#ifndef _WIN32
+#ifdef _WIN32
+#include <io.h>
+#include <sys/stat.h>
+#else
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <csignal>
 #endif
 
 #include "support/temporary_folder.h"
@@ -125,14 +132,81 @@ TEST_F(KmlLinks, RefusesWhenTheTemporaryFileCannotBeMade) {
   EXPECT_EQ(RewriteKmlLinks(m_folder.Path("no folder") + "/web.kml", "u", ""), 0);
 }
 
-#ifndef _WIN32
+TEST_F(KmlLinks, SparesAFileOfTheTemporaryName) {
+  const std::string own = m_folder.Path("temp_web.kml");
+  const std::string another = m_folder.Path("temp_web2.kml");
+  WriteFile(own, "the user's own");
+  WriteFile(another, "and another");
+  WriteFile(m_folder.Path("web.kml"), kLink);
+  EXPECT_EQ(RewriteKmlLinks(m_folder.Path("web.kml"), "u", ""), 1);
+  EXPECT_NE(ReadFile(m_folder.Path("web.kml")).find("<href>u/0/0/0.kml"), std::string::npos);
+  EXPECT_EQ(ReadFile(own), "the user's own");
+  EXPECT_EQ(ReadFile(another), "and another");
+  EXPECT_FALSE(FileExists(m_folder.Path("temp_web3.kml")));
+  // And when it is this file that is rewritten.
+  WriteFile(own, kLink);
+  EXPECT_EQ(RewriteKmlLinks(own, "u", ""), 1);
+  EXPECT_NE(ReadFile(own).find("<href>u/0/0/0.kml"), std::string::npos);
+}
+
+#ifdef _WIN32
+TEST_F(KmlLinks, ReadsAndWritesPairsAtLineEnds) {
+  const std::string text = LineEnds(kLink);
+  EXPECT_EQ(Rewrite(text, "u"), LineEnds("<Link>\n  <href>u/0/0/0.kml</href>\n</Link>\n</kml>"));
+}
+
+TEST_F(KmlLinks, LeavesAFileThatMayNotBeReplaced) {
+  const std::string path = m_folder.Path("web.kml");
+  WriteFile(path, kLink);
+  ASSERT_EQ(_chmod(path.c_str(), _S_IREAD), 0);
+  EXPECT_EQ(RewriteKmlLinks(path, "u", ""), 0);
+  EXPECT_EQ(ReadFile(path), kLink);
+  EXPECT_FALSE(FileExists(m_folder.Path("temp_web.kml")));
+  _chmod(path.c_str(), _S_IREAD | _S_IWRITE);
+}
+#else
+// As on a full disk, writing fails beyond so many bytes.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    getrlimit(RLIMIT_FSIZE, &m_before);
+    const rlimit limit{bytes, m_before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &m_before); }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+ private:
+  rlimit m_before = {};
+};
+
 TEST_F(KmlLinks, KeepsTheFileWhenTheDiskIsFull) {
-  // Everything that is written to this device fails with "no space left".
   const std::string path = m_folder.Path("web.kml");
   WriteFile(path, std::string(100000, 'x'));
-  ASSERT_EQ(symlink("/dev/full", m_folder.Path("temp_web.kml").c_str()), 0);
-  EXPECT_EQ(RewriteKmlLinks(path, "u", ""), 0);
+  {
+    const FileSizeLimit limit(50000);
+    EXPECT_EQ(RewriteKmlLinks(path, "u", ""), 0);
+  }
   EXPECT_EQ(ReadFile(path), std::string(100000, 'x'));
+  EXPECT_FALSE(FileExists(m_folder.Path("temp_web.kml")));
+}
+
+TEST_F(KmlLinks, LeavesWhatCannotBeRead) {
+  // A folder opens, and the first read fails; so does the memory of a process at its beginning.
+  const std::string folder = m_folder.Path("web.kml");
+  ASSERT_EQ(mkdir(folder.c_str(), 0700), 0);
+  const std::string link = m_folder.Path("link.kml");
+  ASSERT_EQ(symlink("/proc/self/mem", link.c_str()), 0);
+  for (const std::string& path : {folder, link}) {
+    EXPECT_EQ(RewriteKmlLinks(path, "u", ""), 0);
+    EXPECT_TRUE(FileExists(path));
+    EXPECT_FALSE(FileExists(m_folder.Path("temp_web.kml")));
+  }
+  struct stat status = {};
+  EXPECT_TRUE(lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode));
+  EXPECT_TRUE(lstat(link.c_str(), &status) == 0 && S_ISLNK(status.st_mode));
 }
 #endif
 
