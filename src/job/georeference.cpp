@@ -3,11 +3,13 @@
 #include <gdal_priv.h>
 #include <ogr_spatialref.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "kvtools/kvtools.h"
 
@@ -46,14 +48,18 @@ Transformation MakeTransformation(const OGRSpatialReference& from, const OGRSpat
   return Transformation(OGRCreateCoordinateTransformation(&from, &to));
 }
 
-bool ImportReference(const char* projection, OGRSpatialReference& reference, std::string& code) {
-  if (projection == nullptr || std::strlen(projection) > kMaxProjectionText) return false;
-  if (reference.importFromWkt(projection) != OGRERR_NONE) return false;
+// The functions below that return a text say in it what keeps the file from being used; it is empty when
+// nothing does.
+
+std::string ImportReference(const char* projection, OGRSpatialReference& reference, std::string& code) {
+  if (std::strlen(projection) > kMaxProjectionText || reference.importFromWkt(projection) != OGRERR_NONE) {
+    return "its coordinate system is not understood";
+  }
   UseTraditionalAxisOrder(reference);
   const char* authorityCode = reference.GetAttrValue("AUTHORITY", 1);
-  if (authorityCode == nullptr) return false;
+  if (authorityCode == nullptr) return "its coordinate system has no EPSG code";
   code = std::string("EPSG:") + authorityCode;
-  return true;
+  return "";
 }
 
 // Corners that the file's metadata gives in WGS84 degrees; those that are missing or are not numbers
@@ -83,16 +89,26 @@ std::vector<TifCorner> ReadMetadataCorners(GDALDataset& dataset, double width, d
   return corners;
 }
 
-bool ReadRasterInfo(const std::string& path, RasterInfo& info) {
+// In one line.
+std::string LastGdalError() {
+  std::string text = CPLGetLastErrorMsg();
+  std::replace_if(
+      text.begin(), text.end(), [](char letter) { return letter == '\r' || letter == '\n'; }, ' ');
+  text.erase(text.find_last_not_of(" .") + 1);
+  return text;
+}
+
+std::string ReadRasterInfo(const std::string& path, RasterInfo& info) {
+  CPLErrorReset();
   const GDALDatasetUniquePtr dataset(GDALDataset::FromHandle(GDALOpen(path.c_str(), GA_ReadOnly)));
-  if (dataset == nullptr) return false;
+  if (dataset == nullptr) return "it cannot be opened: " + LastGdalError();
   const char* projection = dataset->GetProjectionRef();
-  if (projection == nullptr || dataset->GetGeoTransform(info.geoTransform) != CE_None) return false;
-  if (!ImportReference(projection, info.reference, info.sourceEPSG)) return false;
+  if (projection == nullptr || *projection == '\0') return "it names no coordinate system";
+  if (dataset->GetGeoTransform(info.geoTransform) != CE_None) return "it does not say where it lies";
   info.width = dataset->GetRasterXSize();
   info.height = dataset->GetRasterYSize();
   info.metadataCorners = ReadMetadataCorners(*dataset, info.width, info.height);
-  return true;
+  return ImportReference(projection, info.reference, info.sourceEPSG);
 }
 
 // The corners from the geotransform. Its rotation terms are ignored on purpose: the tools get the
@@ -140,12 +156,19 @@ std::optional<OGRSpatialReference> MakeCentreZone(const std::vector<TifCorner>& 
   return reference;
 }
 
-// "EPSG:<code>" of the zone, or the file's own text when the file is in it; empty when unknown.
-std::string NameZone(OGRSpatialReference& zone, const RasterInfo& info) {
-  if (zone.IsSame(&info.reference)) return info.sourceEPSG;
+// Sets target to "EPSG:<code>" of the zone, or to the file's own text when the file is in it. A file in its
+// zone whose reference has no code of its own, but only parts that have, gets the zone's for both.
+void NameZone(OGRSpatialReference& zone, const OGRSpatialReference& reference, std::string& target,
+              std::string& source) {
+  const bool isInZone = zone.IsSame(&reference) != FALSE;
+  if (isInZone && reference.GetAuthorityCode(nullptr) != nullptr) {
+    target = source;
+    return;
+  }
   zone.AutoIdentifyEPSG();
   const char* code = zone.GetAuthorityCode("PROJCS");
-  return code != nullptr ? std::string("EPSG:") + code : std::string();
+  target = code != nullptr ? std::string("EPSG:") + code : std::string();
+  if (isInZone) source = target;
 }
 
 bool ProjectCorners(const OGRSpatialReference& zone, std::vector<TifCorner>& corners) {
@@ -161,26 +184,54 @@ bool ProjectCorners(const OGRSpatialReference& zone, std::vector<TifCorner>& cor
   return true;
 }
 
+// Whether leaving the rotation out moves a corner by a pixel at least.
+bool IsRotated(const RasterInfo& info) {
+  const double* gt = info.geoTransform;
+  const double shift = std::max(std::fabs(gt[2]) * info.height, std::fabs(gt[4]) * info.width);
+  return shift >= std::min(std::fabs(gt[1]), std::fabs(gt[5]));
+}
+
+std::string ReadGeoInfo(const std::string& path, CTifData& data, RasterInfo& info) {
+  std::vector<TifCorner>& corners = data.m_vCorners;
+  corners.clear();
+  std::string problem = ReadRasterInfo(path, info);
+  if (!problem.empty()) return problem;
+  data.m_strSourceEPSG = info.sourceEPSG;
+  corners = info.metadataCorners.size() == kCornerCount ? info.metadataCorners : ComputeCorners(info);
+  if (corners.size() != kCornerCount) return "its coordinates cannot be converted to longitude and latitude";
+
+  std::optional<OGRSpatialReference> zone = MakeCentreZone(corners);
+  if (!zone) return "its centre lies in no UTM zone";
+  NameZone(*zone, info.reference, data.m_strTargetEPSG, data.m_strSourceEPSG);
+  if (data.m_strTargetEPSG.empty() || !ProjectCorners(*zone, corners)) return "its UTM zone is not known";
+  return "";
+}
+
 }  // namespace
 
 int ReadTifGeoInfo(std::string path, std::vector<TifCorner>& corners, std::string& targetEPSG,
                    std::string& sourceEPSG) {
-  corners.clear();
+  CTifData data;
   RasterInfo info;
-  if (!ReadRasterInfo(path, info)) return 0;
-  sourceEPSG = info.sourceEPSG;
-  corners = info.metadataCorners.size() == kCornerCount ? info.metadataCorners : ComputeCorners(info);
-  if (corners.size() != kCornerCount) return 0;
-
-  std::optional<OGRSpatialReference> zone = MakeCentreZone(corners);
-  if (!zone) return 0;
-  targetEPSG = NameZone(*zone, info);
-  if (targetEPSG.empty() || !ProjectCorners(*zone, corners)) return 0;
-  return static_cast<int>(kCornerCount);
+  const bool read = ReadGeoInfo(path, data, info).empty();
+  corners = std::move(data.m_vCorners);
+  targetEPSG = std::move(data.m_strTargetEPSG);
+  sourceEPSG = std::move(data.m_strSourceEPSG);
+  return read ? static_cast<int>(kCornerCount) : 0;
 }
 
 bool ReadTifData(const std::string& path, CTifData& data) {
   data.m_strFileName = path;
   return ReadTifGeoInfo(path, data.m_vCorners, data.m_strTargetEPSG, data.m_strSourceEPSG) ==
          static_cast<int>(kCornerCount);
+}
+
+GeoRemarks ExplainTifGeoInfo(const std::string& path) {
+  CTifData data;
+  RasterInfo info;
+  GeoRemarks remarks;
+  remarks.refusal = ReadGeoInfo(path, data, info);
+  remarks.rotationLost = remarks.refusal.empty() && data.m_strTargetEPSG != data.m_strSourceEPSG &&
+                         info.metadataCorners.size() != kCornerCount && IsRotated(info);
+  return remarks;
 }

@@ -10,7 +10,7 @@
 
 // Finds the four corners of the image at path (in the code page that GDAL was told to expect), the
 // code of its own reference system and that of the WGS84 UTM zone of its centre. When the file is in
-// that zone already, both texts are equal.
+// that zone already, both texts are equal; they are the zone's when the reference has no code of its own.
 //
 // Returns 4, the number of corners, or 0 on any failure: no raster, no reference, a reference
 // without authority code or of more than 4095 characters, no geotransform, no UTM zone. corners is
@@ -20,5 +20,13 @@ int ReadTifGeoInfo(std::string path, std::vector<TifCorner>& corners, std::strin
 
 // The same for a whole record: true when its file has four corners.
 bool ReadTifData(const std::string& path, CTifData& data);
+
+struct GeoRemarks {
+  std::string refusal;        // why the file is refused, in a few words ("it ..."); empty when it is not
+  bool rotationLost = false;  // it is reprojected by its corners, which know nothing of its rotation
+};
+
+// Reads the file once more, for a program that tells its user more than that.
+GeoRemarks ExplainTifGeoInfo(const std::string& path);
 
 #endif  // MOSAICON_JOB_GEOREFERENCE_H_

@@ -28,6 +28,10 @@ class InputList : public testing::Test {
   void List(const std::vector<std::string>& names) {
     std::vector<FoundFile>& found = m_files.matches[m_folder.Path() + "\\*.tif"];
     found = {{m_folder.Path("."), ".", true}, {m_folder.Path(".."), "..", true}};
+    // Some file systems do not call them folders: it is their names that tell.
+    Make("a whole orthophoto.tif");
+    found.push_back({m_folder.Path("a whole orthophoto.tif"), ".", false});
+    found.push_back({m_folder.Path("a whole orthophoto.tif"), "..", false});
     for (const std::string& name : names) found.push_back({m_folder.Path(name), name, false});
   }
 
@@ -89,6 +93,12 @@ TEST_F(InputList, TellsThatAFolderHoldsNoOrthophoto) {
   EXPECT_EQ(ScanInput(m_folder.Path(), true, m_files, m_host, m_list), 0);
   EXPECT_TRUE(m_list.empty());
   EXPECT_EQ(m_events, Events{"warning: No valid orthophoto found inside selected folder"});
+}
+
+TEST_F(InputList, ChoosesFolderModeFromTwoItemsOn) {
+  const std::string a = Make("a.tif");
+  EXPECT_FALSE(RestoreInputList(a).folderMode);
+  EXPECT_TRUE(RestoreInputList(a + "|" + a).folderMode);
 }
 
 TEST_F(InputList, ComesFromTheCommandLine) {
