@@ -240,10 +240,12 @@ void BatchDriver::FinishKml(const Output& output) {
   if (m_files.Copy(local, web)) m_files.RewriteLinks(web, m_settings.targetUrl, output.webFolder);
 }
 
-// The picture is called as the map is, unless that is an orthophoto.
+// The picture is called as the map is, unless that is an orthophoto or another picture of the user.
 std::string BatchDriver::NamePicture(const Output& output) {
   std::string name = FileIn(output.normalised, output.mapName, "jpg");
-  while (m_files.IsProtected(name)) name = KVT_TranslatePath(name, nullptr, nullptr, "2");
+  while (m_files.Exists(name) && (m_files.IsProtected(name) || !m_files.IsPreview(name))) {
+    name = KVT_TranslatePath(name, nullptr, nullptr, "2");
+  }
   return name;
 }
 

@@ -154,6 +154,7 @@ TEST_F(Driver, NeverPutsThePictureOverAnOrthophoto) {
   CTifData other = MakeData("b");
   other.m_strFileName = "E:\\title.jpg";
   m_files.paths.insert({harbour.m_strFileName, other.m_strFileName});
+  m_files.previews = {"D:\\out\\maps\\title.jpg", "D:\\out\\maps\\title2.jpg"};
   Start({harbour});
   EXPECT_EQ(CountEvents("picture D:\\out\\maps\\title.jpg -> D:\\out\\maps\\title2.jpg"), 1U);
   EXPECT_EQ(m_host.report.log, "- D:\\out\\maps\\title.jpg: OK\r\n");
@@ -169,6 +170,17 @@ TEST_F(Driver, NeverPutsThePictureOverAnOrthophoto) {
   Start({other});
   EXPECT_EQ(CountEvents("picture E:\\title.jpg -> D:\\out\\maps\\title2.jpg"), 1U)
       << "the same file by another way";
+}
+
+TEST_F(Driver, PutsThePictureOverThatOfAnEarlierJobOnly) {
+  m_files.paths.insert("D:\\out\\maps\\title.jpg");
+  Start({MakeData("a")});
+  EXPECT_EQ(CountEvents("picture D:\\in\\a.tif -> D:\\out\\maps\\title2.jpg"), 1U);
+
+  m_events.clear();
+  m_files.previews.insert("D:\\out\\maps\\title.jpg");
+  Start({MakeData("a")});
+  EXPECT_EQ(CountEvents("picture D:\\in\\a.tif -> D:\\out\\maps\\title.jpg"), 1U);
 }
 
 TEST_F(Driver, ChangesNoOrthophotoWhateverItIsCalled) {

@@ -118,3 +118,7 @@ bool GuardedFiles::RewriteLinks(const std::string& kml, const std::string& baseU
 bool GuardedFiles::MakePreview(const std::string& orthophoto, const std::string& picture) {
   return MayChange(picture) && m_files.MakePreview(orthophoto, picture);
 }
+
+bool GuardedFiles::IsPreview(const std::string& path) {
+  return IsOpen() && m_files.IsPreview(path);
+}

@@ -75,6 +75,7 @@ class GuardedFiles : public JobFiles {
   bool RewriteLinks(const std::string& kml, const std::string& baseUrl,
                     const std::string& subFolder) override;
   bool MakePreview(const std::string& orthophoto, const std::string& picture) override;
+  bool IsPreview(const std::string& path) override;
 
  private:
   bool IsOpen() const { return !m_host.IsClosed(); }

@@ -35,6 +35,8 @@ class JobFiles {
   virtual bool RewriteLinks(const std::string& kml, const std::string& baseUrl,
                             const std::string& subFolder) = 0;
   virtual bool MakePreview(const std::string& orthophoto, const std::string& picture) = 0;
+  // IsPreviewImage on a real file.
+  virtual bool IsPreview(const std::string& path) = 0;
 };
 
 class ProcessEnvironment {

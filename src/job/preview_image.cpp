@@ -123,6 +123,16 @@ void ComputePreviewSize(int width, int height, int& previewWidth, int& previewHe
   previewHeight = static_cast<int>(std::floor(height * scale + 0.5));
 }
 
+bool IsPreviewImage(const std::string& path) {
+  CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+  const GDALDatasetUniquePtr image(GDALDataset::FromHandle(GDALOpen(path.c_str(), GA_ReadOnly)));
+  if (image == nullptr) return false;
+  const double width = image->GetRasterXSize();
+  const double height = image->GetRasterYSize();
+  // Each side was rounded by half a pixel at most.
+  return std::fabs(width * height - kPreviewPixels) <= (width + height) / 2 + 1;
+}
+
 int MakePreviewImage(const std::string& inputPath, const std::string& outputPath) {
   if (inputPath.empty() || outputPath.empty()) return 0;
   GDALDriver* memory = GetGDALDriverManager()->GetDriverByName("MEM");

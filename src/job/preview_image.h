@@ -12,6 +12,10 @@
 // last error may tell more. A file that the input consists of is never replaced.
 int MakePreviewImage(const std::string& inputPath, const std::string& outputPath);
 
+// Whether the file at path may be one that MakePreviewImage made: an image with that many pixels, but
+// for the rounding of its sides.
+bool IsPreviewImage(const std::string& path);
+
 // The size of that picture for an image of width x height pixels; 0 for a side that vanishes.
 void ComputePreviewSize(int width, int height, int& previewWidth, int& previewHeight);
 

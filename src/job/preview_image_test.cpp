@@ -60,6 +60,21 @@ TEST_F(PreviewImage, FollowsTheExtension) {
   }
 }
 
+TEST_F(PreviewImage, IsKnownByItsNumberOfPixels) {
+  const Size images[] = {{4000, 3000}, {1000, 100}, {100, 1000}, {1, 1}, {3, 2}, {1, 500}, {5000, 1}};
+  for (const Size& size : images) {
+    RasterRecipe recipe;
+    recipe.width = size.width;
+    recipe.height = size.height;
+    ASSERT_EQ(MakePreviewImage(Make(recipe), m_folder.Path("x.jpg")), 1);
+    EXPECT_TRUE(IsPreviewImage(m_folder.Path("x.jpg"))) << size.width << " x " << size.height;
+    EXPECT_EQ(IsPreviewImage(m_folder.Path("in.tif")), false) << size.width << " x " << size.height;
+  }
+  WriteFile(m_folder.Path("text.jpg"), "no image");
+  EXPECT_FALSE(IsPreviewImage(m_folder.Path("text.jpg")));
+  EXPECT_FALSE(IsPreviewImage(m_folder.Path("none.jpg")));
+}
+
 TEST_F(PreviewImage, RefusesOtherExtensions) {
   const std::string input = Make({});
   for (const char* name : {"x.JPG", "x.Jpg", "x.jpeg", "x.gif", "x", "x.jpg."}) {

@@ -82,6 +82,10 @@ bool WindowsFiles::MakePreview(const std::string& orthophoto, const std::string&
   return MakePreviewImage(orthophoto, picture) == 1;
 }
 
+bool WindowsFiles::IsPreview(const std::string& path) {
+  return IsPreviewImage(path);
+}
+
 std::optional<std::string> WindowsEnvironment::Get(const std::string& name) {
   std::string value(kMaxVariable, '\0');
   SetLastError(ERROR_SUCCESS);

@@ -18,6 +18,7 @@ class WindowsFiles : public JobFiles {
   bool RewriteLinks(const std::string& kml, const std::string& baseUrl,
                     const std::string& subFolder) override;
   bool MakePreview(const std::string& orthophoto, const std::string& picture) override;
+  bool IsPreview(const std::string& path) override;
 };
 
 class WindowsEnvironment : public ProcessEnvironment {

@@ -130,11 +130,13 @@ class FakeFiles : public JobFiles {
     m_events.push_back("picture " + orthophoto + " -> " + picture);
     return true;
   }
+  bool IsPreview(const std::string& path) override { return previews.count(path) > 0; }
 
   std::set<std::string> paths;
   std::map<std::string, std::string> fullPaths;
   std::map<std::string, std::string> identities;  // where it is not the path itself
   std::map<std::string, std::string> contents;
+  std::set<std::string> previews;
   std::set<std::string> unwritable;
   std::set<std::string> undeletable;
   std::set<std::string> uncopied;
