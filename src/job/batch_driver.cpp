@@ -128,6 +128,8 @@ BatchDriver::Next BatchDriver::ProcessOne(const CTifData& data, size_t index, si
                           output.mapName + " -");
   m_host.SetProgressPosition(0);
   m_runner.RunTiler(m_tools.interpreter, *arguments);
+  // A script that was killed left what it was writing, and an upload would publish it.
+  if (m_host.IsAborted()) m_files.RemovePartial(output.folder);
 
   FinishViewers(output);
   FinishKml(output);

@@ -329,4 +329,24 @@ TEST_F(Driver, IgnoresASecondStart) {
   EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n");
 }
 
+TEST_F(Driver, RemovesWhatAKilledScriptWasWriting) {
+  const std::string partial = "D:\\out\\maps\\12\\7\\9.png.~mos";
+  for (const char* ending : {"complete", "aborted", "closed"}) {
+    m_events.clear();
+    m_host.closed = false;
+    m_files.matches.clear();
+    m_runner.onRun = [&](const std::string&, const std::string&) {
+      m_files.paths.insert(partial);
+      m_files.matches["D:\\out\\maps\\*"] = {{"D:\\out\\maps\\12", "12", true}};
+      m_files.matches["D:\\out\\maps\\12\\*"] = {{"D:\\out\\maps\\12\\7", "7", true}};
+      m_files.matches["D:\\out\\maps\\12\\7\\*.~mos"] = {{partial, "9.png.~mos", false}};
+      m_host.aborted = std::string(ending) == "aborted";
+      m_host.closed = std::string(ending) == "closed";
+    };
+    Start({MakeData("a")});
+    const bool killed = std::string(ending) != "complete";
+    EXPECT_EQ(CountEvents("delete " + partial), killed ? 1U : 0U) << ending;
+  }
+}
+
 }  // namespace

@@ -1,5 +1,7 @@
 #include "job/guarded_host.h"
 
+#include "job/partial_files.h"
+
 void GuardedHost::ShowMessage(MessageIcon icon, const std::string& text) {
   if (!IsClosed()) m_host.ShowMessage(icon, text);
 }
@@ -76,6 +78,10 @@ void GuardedFiles::Protect(const std::vector<CTifData>& orthophotos) {
 
 bool GuardedFiles::IsProtected(const std::string& path) {
   return m_protected.count(Identity(path)) > 0;
+}
+
+void GuardedFiles::RemovePartial(const std::string& folder) {
+  RemovePartialFiles(folder, m_files);
 }
 
 std::string GuardedFiles::Identity(const std::string& path) {

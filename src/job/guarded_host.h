@@ -63,6 +63,10 @@ class GuardedFiles : public JobFiles {
   void Protect(const std::vector<CTifData>& orthophotos);
   bool IsProtected(const std::string& path);
 
+  // Removes what is not complete from an output folder. The one change that a closed host does not
+  // prevent: it is closing that kills what was writing.
+  void RemovePartial(const std::string& folder);
+
   std::string FullPath(const std::string& path) override { return m_files.FullPath(path); }
   std::string Identity(const std::string& path) override;
   std::optional<std::string> Read(const std::string& path, size_t maxBytes) override;
