@@ -149,12 +149,7 @@ void ConsoleHost::PumpMessages() {
 
 void ConsoleHost::ShowReport(const JobReport& report) {
   ClearProgressLine();
-  if (m_bQuiet) return;
-  std::string log = report.log;
-  // Standard output is in text mode and makes its own line ends.
-  for (size_t i = log.find('\r'); i != std::string::npos; i = log.find('\r', i)) log.erase(i, 1);
-  if (!log.empty() && log.back() != '\n') log += '\n';
-  std::cout << log << "Total work time: " << report.elapsed << std::endl;
+  m_report = report;
 }
 
 void ConsoleHost::SetAborted(bool aborted) {

@@ -22,6 +22,8 @@ class ConsoleHost : public JobHost {
 
   // A window without looks that takes PBM_SETPOS from the tool runner.
   CWnd* ProgressWindow() { return &m_window; }
+  // What the job reported, for whoever prints it.
+  const JobReport& Report() const { return m_report; }
   // True once the user has asked for an end, by Ctrl+C or by Cancel; stays set when a job clears its
   // abort flag.
   bool WasInterrupted() const;
@@ -53,6 +55,7 @@ class ConsoleHost : public JobHost {
   CWnd m_window;
   std::atomic<int32_t> m_bAbort{0};
   bool m_bCancelled = false;
+  JobReport m_report;
   std::string m_strLabel;
   size_t m_nLineLength = 0;  // of the progress line on the screen
   std::chrono::steady_clock::time_point m_start;

@@ -2,11 +2,23 @@
 
 #include <windows.h>
 
+#include "batch/map_extent.h"
+#include "job/georeference.h"
 #include "job/input_list.h"
 #include "job/job_settings.h"
 #include "kvtools/kvtools.h"
 
 namespace {
+
+bool IsFolder(const std::string& path) {
+  const DWORD attributes = GetFileAttributesA(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+// What the window's messages leave out; a folder has no cause of its own.
+std::string Cause(const std::string& path) {
+  return IsFolder(path) ? std::string() : " (" + ExplainTifGeoInfo(path).refusal + ")";
+}
 
 // Says of which file a message speaks: the window's messages do not need to.
 class NamedMessages : public MessageSink, public SkippedFileObserver {
@@ -14,11 +26,12 @@ class NamedMessages : public MessageSink, public SkippedFileObserver {
   NamedMessages(MessageSink& messages, std::string path) : m_messages(messages), m_strPath(std::move(path)) {}
   void ShowMessage(MessageIcon icon, const std::string& text) override {
     ++m_nShown;
-    m_messages.ShowMessage(icon, m_strPath + ": " + text);
+    m_messages.ShowMessage(icon, m_strPath + ": " + text + Cause(m_strPath));
   }
   void OnSkipped(const std::string& path) override {
     ++m_nShown;
-    m_messages.ShowMessage(MessageIcon::kWarning, path + ": no geographic information, skipped");
+    m_messages.ShowMessage(MessageIcon::kWarning,
+                           path + ": no geographic information, skipped" + Cause(path));
   }
   size_t Shown() const { return m_nShown; }
 
@@ -28,22 +41,27 @@ class NamedMessages : public MessageSink, public SkippedFileObserver {
   size_t m_nShown = 0;
 };
 
-bool IsFolder(const std::string& path) {
-  const DWORD attributes = GetFileAttributesA(path.c_str());
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-}
-
-// Moves what can be used into the result; the tools cannot be given accented names.
+// Moves what can be used into the result: the tools cannot be given accented names, and no map holds the
+// globe.
 void Accept(std::vector<CTifData>& scanned, BatchInputs& result, MessageSink& messages) {
   for (CTifData& data : scanned) {
+    const std::string prefix = data.m_strFileName + ": ";
+    const std::string problem = FindExtentProblem(data.m_vCorners);
     if (HasAccents(data.m_strFileName)) {
       ++result.refused;
       messages.ShowMessage(
           MessageIcon::kInformation,
-          data.m_strFileName + ": No accented words must be into orthophoto path and name. Please check it");
-      continue;
+          prefix + "No accented words must be into orthophoto path and name. Please check it");
+    } else if (!problem.empty()) {
+      ++result.refused;
+      messages.ShowMessage(MessageIcon::kWarning, prefix + problem);
+    } else {
+      if (ExplainTifGeoInfo(data.m_strFileName).rotationLost) {
+        messages.ShowMessage(MessageIcon::kWarning,
+                             prefix + "the image is rotated, but will be placed without its rotation");
+      }
+      result.orthophotos.push_back(std::move(data));
     }
-    result.orthophotos.push_back(std::move(data));
   }
 }
 

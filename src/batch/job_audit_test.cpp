@@ -83,7 +83,7 @@ TEST_F(Audit, TellsTheReasonFromTheLogInTheConsolesCodePage) {
 
 TEST_F(Audit, ReadsOnlyWhatTheRunAddedToTheLog) {
   AddToLog("RESULT OK\n");
-  m_runner.onRun = [this](const std::string&, const std::string&) { LeaveTiles("killed\n"); };
+  m_runner.onRun = [this](const std::string&, const std::string&) { AddToLog("START\nkilled\n"); };
   Tile("a.tif");
   EXPECT_EQ(Result(), "the tiling script did not start or was ended from outside");
 }
@@ -91,6 +91,16 @@ TEST_F(Audit, ReadsOnlyWhatTheRunAddedToTheLog) {
 TEST_F(Audit, SaysThatNothingIsKnownWithoutALog) {
   m_runner.onRun = [this](const std::string&, const std::string&) {
     WriteFile(m_folder.Path("out\\doc.kml"), "new");
+  };
+  Tile("a.tif");
+  EXPECT_EQ(Result(),
+            "the tiling script could not write its log " + m_strLog + ", so nothing is known of its success");
+}
+
+TEST_F(Audit, SaysThatNothingIsKnownWithALogThatCouldNotBeWritten) {
+  m_runner.onRun = [this](const std::string&, const std::string&) {
+    LeaveTiles("");
+    WriteFile(m_strLog, "");
   };
   Tile("a.tif");
   EXPECT_EQ(Result(),
@@ -159,13 +169,13 @@ TEST_F(Audit, NoticesThatAnOldDocumentWithAnotherTextWasKept) {
 
 TEST_F(Audit, NoticesAPictureThatCouldNotBeMade) {
   RasterRecipe recipe;
-  recipe.bands = 2;
+  recipe.bands = 5;
   MakeRaster(m_strOrthophoto, recipe);
   Tile("a.tif");
   Finish();
   EXPECT_EQ(Result(),
             "could not make the picture " + m_folder.Path("out\\x.jpg") +
-                ": JPEG driver doesn't support 2 bands.  Must be 1 (grey), 3 (RGB) or 4 bands (CMYK).");
+                ": JPEG driver doesn't support 5 bands.  Must be 1 (grey), 3 (RGB) or 4 bands (CMYK).");
 }
 
 TEST_F(Audit, NoticesLinksThatWereNotPutInPlace) {
@@ -181,6 +191,10 @@ TEST_F(Audit, NoticesLinksThatWereNotPutInPlace) {
   Tile("a.tif");
   WriteFile(web, "<kml/>");
   ASSERT_TRUE(DeleteFileA(m_folder.Path("out\\temp_web.kml").c_str()));
+  EXPECT_TRUE(m_audit.RewriteLinks(web, "http://h", ""));
+  EXPECT_EQ(Result(), "");
+
+  WriteFile(m_folder.Path("out\\temp_web.kml"), "the user's own");
   EXPECT_TRUE(m_audit.RewriteLinks(web, "http://h", ""));
   EXPECT_EQ(Result(), "");
 }

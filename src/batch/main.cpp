@@ -11,6 +11,7 @@
 #include "batch/console_host.h"
 #include "batch/inputs.h"
 #include "batch/job_audit.h"
+#include "batch/report_lines.h"
 #include "job/batch_driver.h"
 #include "job/windows_files.h"
 #include "job/windows_gdal.h"
@@ -99,6 +100,19 @@ size_t TellResults(const std::vector<CTifData>& orthophotos, const JobAudit& aud
   return complete;
 }
 
+// Standard output is in text mode and makes its own line ends.
+void PrintReport(const JobReport& report, const JobAudit& audit) {
+  std::cout << WithoutFalseSuccess(report.log, audit.Results()) << "Total work time: " << report.elapsed
+            << std::endl;
+}
+
+// The folders that hold a result. One that no tool has made is left out.
+void PrintFolders(const std::vector<std::string>& folders, JobFiles& files) {
+  for (const std::string& folder : folders) {
+    if (files.Exists(folder)) std::cout << "Result: " << folder << std::endl;
+  }
+}
+
 int RunJob(const BatchArguments& arguments) {
   const std::string programPath = GetProgramPath();
   SetUpGdal(programPath);
@@ -126,11 +140,10 @@ int RunJob(const BatchArguments& arguments) {
     case JobResult::kClosed:
       break;
   }
+  if (!arguments.quiet) PrintReport(host.Report(), audit);
   if (host.WasInterrupted()) return kAborted;
   const size_t complete = TellResults(inputs.orthophotos, audit, log);
-  if (!arguments.quiet) {
-    for (const std::string& folder : driver.OutputFolders()) std::cout << "Result: " << folder << std::endl;
-  }
+  if (!arguments.quiet) PrintFolders(driver.OutputFolders(), files);
   return complete == inputs.orthophotos.size() && inputs.refused == 0 ? kAllDone : kSomeFailed;
 }
 

@@ -5,12 +5,12 @@
 TilerResult ReadTilerResult(const std::string& text) {
   const std::string okLine = "RESULT OK";
   const std::string failedPrefix = "RESULT FAILED ";
-  TilerResult result{false, "the tiling script did not start or was ended from outside"};
+  TilerResult result{false, false, "the tiling script did not start or was ended from outside"};
   std::istringstream lines(text);
   for (std::string line; std::getline(lines, line);) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (line == okLine) result = {true, ""};
-    if (line.rfind(failedPrefix, 0) == 0) result = {false, line.substr(failedPrefix.size())};
+    if (line == okLine) result = {true, true, ""};
+    if (line.rfind(failedPrefix, 0) == 0) result = {false, true, line.substr(failedPrefix.size())};
   }
   return result;
 }

@@ -7,6 +7,7 @@
 
 struct TilerResult {
   bool ok = false;
+  bool told = false;   // false: the log holds no result line
   std::string reason;  // one sentence, when not ok
 };
 

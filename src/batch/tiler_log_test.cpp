@@ -10,13 +10,14 @@ TEST(TilerLog, TellsTheLastResult) {
   EXPECT_TRUE(ReadTilerResult("RESULT FAILED first\nRESULT OK").ok);
   const TilerResult failed = ReadTilerResult("RESULT OK\nwarning\nRESULT FAILED the image has 6 bands\r\n");
   EXPECT_FALSE(failed.ok);
+  EXPECT_TRUE(failed.told);
   EXPECT_EQ(failed.reason, "the image has 6 bands");
 }
 
 TEST(TilerLog, TakesSilenceForAScriptThatDidNotFinish) {
   for (const char* text : {"", "start\nwarning\n", "RESULT", " RESULT OK\n", "RESULT OK and more\n"}) {
     const TilerResult result = ReadTilerResult(text);
-    EXPECT_FALSE(result.ok) << text;
+    EXPECT_FALSE(result.ok || result.told) << text;
     EXPECT_EQ(result.reason, "the tiling script did not start or was ended from outside");
   }
 }
