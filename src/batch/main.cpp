@@ -77,7 +77,8 @@ JobSettings MakeSettings(const BatchArguments& arguments, const std::vector<CTif
   settings.transparency = arguments.transparency;
   settings.resampling = arguments.resampling;
   settings.mapTitle = arguments.title;
-  settings.targetFolder = arguments.target;
+  // A short name is no root here.
+  settings.targetFolder = WindowsFiles().FullPath(arguments.target);
   return settings;
 }
 
