@@ -27,13 +27,12 @@ class CurrentDirectory {
   bool m_bSaved;
 };
 
-HANDLE MakeProcessTree(HANDLE process) {
+HANDLE MakeProcessTree() {
   HANDLE tree = CreateJobObjectA(nullptr, nullptr);
   if (tree == nullptr) return nullptr;
   JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
   limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
   SetInformationJobObject(tree, JobObjectExtendedLimitInformation, &limits, sizeof limits);
-  AssignProcessToJobObject(tree, process);
   return tree;
 }
 
@@ -46,12 +45,21 @@ ChildProcess::~ChildProcess() {
 bool ChildProcess::Start(const char* application, const std::string& commandLine, const std::string& folder,
                          STARTUPINFOA& startup, bool inheritHandles) {
   if (commandLine.size() >= kCommandLineBuffer) return false;
-  if (!CreateThere(application, commandLine, folder, startup, inheritHandles)) {
+  // Made first: what the process starts before it is assigned does not belong to the tree.
+  m_hTree = MakeProcessTree();
+  const bool started = CreateThere(application, commandLine, folder, startup, inheritHandles);
+  if (started) {
+    AssignProcessToJobObject(m_hTree, m_process.hProcess);
+  } else {
     m_process = {};
-    return false;
+    CloseTree();
   }
-  m_hTree = MakeProcessTree(m_process.hProcess);
-  return true;
+  return started;
+}
+
+void ChildProcess::CloseTree() {
+  if (m_hTree != nullptr) CloseHandle(m_hTree);
+  m_hTree = nullptr;
 }
 
 bool ChildProcess::CreateThere(const char* application, const std::string& commandLine,
@@ -69,7 +77,6 @@ void ChildProcess::Terminate() {
   TerminateProcess(m_process.hProcess, kKilledExitCode);
   CloseHandle(m_process.hProcess);
   CloseHandle(m_process.hThread);
-  if (m_hTree != nullptr) CloseHandle(m_hTree);
   m_process = {};
-  m_hTree = nullptr;
+  CloseTree();
 }

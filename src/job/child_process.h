@@ -31,6 +31,7 @@ class ChildProcess {
  private:
   bool CreateThere(const char* application, const std::string& commandLine, const std::string& folder,
                    STARTUPINFOA& startup, bool inheritHandles);
+  void CloseTree();
 
   PROCESS_INFORMATION m_process = {};
   HANDLE m_hTree = nullptr;  // job object: closing it ends the whole process tree

@@ -69,7 +69,7 @@ TEST_F(Child, IsKilledWithExitCodeNine) {
 
 TEST_F(Child, TakesItsOwnChildrenAlong) {
   const std::string started = m_folder.Path("started");
-  ASSERT_TRUE(Start(" sleep:300 child:60000 touch:" + started + " sleep:60000"));
+  ASSERT_TRUE(Start(" child:60000 touch:" + started + " sleep:60000"));
   for (int i = 0; i < 1000 && !FileExists(started); ++i) Sleep(10);
   EXPECT_EQ(WaitForTools(2), 2);
   m_child.Terminate();
