@@ -93,7 +93,11 @@ void CGDAL2TilesThread::DoWork(void* /*pThreadData*/) {
     startup.hStdOutput = g_hOutputWrite;
     startup.hStdError = g_hOutputWrite;
     ChildProcess python;
-    if (python.Start("python.exe", m_strCommandLine, FolderOf(m_strToolPath), startup, true)) {
+    const bool started = python.Start("python.exe", m_strCommandLine, FolderOf(m_strToolPath), startup, true);
+    // They stay open, but the interpreters of later runs need not inherit them.
+    MakePrivate(startup.hStdOutput);
+    MakePrivate(startup.hStdInput);
+    if (started) {
       Watch(python.Process());
     } else {
       m_nStatus = kTilesNotStarted;

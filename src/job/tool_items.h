@@ -2,6 +2,8 @@
 // stored in its global, queued, run once on the queue's thread, and deletes itself there as the last
 // act of DoWork, right after it has cleared its global.
 //
+// No console handle is asked for before a chunk of output is read, as some runners do: it would not be used.
+//
 // Nothing of a run is reported: whoever waits looks at the global, and then at the files that the
 // tool should have made.
 #ifndef MOSAICON_JOB_TOOL_ITEMS_H_
@@ -29,7 +31,9 @@ enum TilesStatus : int32_t {
   kTilesEndedByItself = 6,
 };
 
-// What the three items have in common.
+// What the three items have in common. Abort does more than clear the running flag, and needs a flag of
+// its own for it: an item that is aborted while it waits in the queue would set its running flag when
+// it begins, and the abort would be lost.
 class CToolItem : public CWorkItemBase {
  public:
   // Clears the running flag; the item kills its tool the next time it looks at it, and one that has
