@@ -15,6 +15,8 @@ CTProgressTimeToCompleteMemDC::CTProgressTimeToCompleteMemDC(CDC* target)
 
 CTProgressTimeToCompleteMemDC::~CTProgressTimeToCompleteMemDC() {
   if (m_bMemDC) {
+    // Without a bitmap there is nothing to show but the one pixel of a new device context.
+    if (m_bitmap.GetSafeHandle() == nullptr) return;
     m_pDC->BitBlt(m_rect.left, m_rect.top, m_rect.right - m_rect.left, m_rect.bottom - m_rect.top, this,
                   m_rect.left, m_rect.top, SRCCOPY);
     SelectObject(m_hOldBitmap);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include "mfc/test_canvas.h"
@@ -95,6 +96,20 @@ TEST_F(MemDC, DrawsDirectlyOnWhatPrints) {
   }
   EXPECT_EQ(GetObjectType(m_target.m_hDC), static_cast<DWORD>(OBJ_MEMDC)) << "it is the target's own";
   EXPECT_EQ(m_target.Pixel(15, 15), kRed);
+}
+
+// The system has a limited number of drawing objects for each program.
+TEST_F(MemDC, LeavesTheTargetAloneWithoutABitmap) {
+  const std::vector<COLORREF> before = m_target.Pixels();
+  std::vector<std::unique_ptr<CBrush>> brushes;
+  do {
+    brushes.push_back(std::make_unique<CBrush>(kRed));
+  } while (brushes.back()->GetSafeHandle() != nullptr);
+  // Room for a device context.
+  brushes[0].reset();
+  { CTProgressTimeToCompleteMemDC dc(&m_target); }
+  brushes.clear();
+  EXPECT_EQ(m_target.Pixels(), before);
 }
 
 TEST_F(MemDC, LeavesNoObjectsBehind) {
