@@ -4,6 +4,7 @@
 #include <commctrl.h>
 
 #include <ctime>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -55,14 +56,45 @@ TProgressTimeToComplete::TProgressTimeToComplete()
 }
 
 LRESULT TProgressTimeToComplete::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == PBM_SETPOS || message == WM_SETCUROP_MT) {
-    const HWND window = m_hWnd;
-    KVT_PumpMessages();
-    // A handler may have ended the window.
-    if (FromHandlePermanent(window) != this) return 0;
-    if (message == WM_SETCUROP_MT && lParam != 0) m_caption = reinterpret_cast<const char*>(lParam);
-  }
+  if (message == PBM_SETPOS) return OnPosition(wParam);
+  if (message == WM_SETCUROP_MT) return OnCaption(wParam, lParam);
   return CProgressCtrl::WindowProc(message, wParam, lParam);
+}
+
+LRESULT TProgressTimeToComplete::OnPosition(WPARAM position) {
+  const int before = GetPos();
+  const bool released = ReleaseSender(before);
+  const unsigned arrival = ++m_nPositions;
+  if (!PumpMessages()) return 0;
+  // A sender that does not wait for its answer may have sent a newer one meanwhile.
+  if (released && arrival != m_nPositions) return before;
+  const auto replaced = CProgressCtrl::WindowProc(PBM_SETPOS, position, 0);
+  // The time goes on where the bar stands still.
+  if (static_cast<int>(replaced) == GetPos()) InvalidateRect(m_hWnd, nullptr, FALSE);
+  return replaced;
+}
+
+LRESULT TProgressTimeToComplete::OnCaption(WPARAM wParam, LPARAM lParam) {
+  // The sender's text lives until it has its answer.
+  std::optional<std::string> caption;
+  if (lParam != 0) caption = reinterpret_cast<const char*>(lParam);
+  ReleaseSender(0);
+  if (!PumpMessages()) return 0;
+  if (caption) m_caption = *caption;
+  return CProgressCtrl::WindowProc(WM_SETCUROP_MT, wParam, lParam);
+}
+
+// A handler that is pumped may wait for the thread that has sent the message, which must not wait for the
+// handler then. Whether there was such a thread.
+bool TProgressTimeToComplete::ReleaseSender(LRESULT answer) {
+  return (InSendMessageEx(nullptr) & (ISMEX_SEND | ISMEX_REPLIED)) == ISMEX_SEND && ReplyMessage(answer);
+}
+
+// False when a handler has ended the window.
+bool TProgressTimeToComplete::PumpMessages() {
+  const HWND window = m_hWnd;
+  KVT_PumpMessages();
+  return FromHandlePermanent(window) == this;
 }
 
 std::string TProgressTimeToComplete::FormatTimeToComplete(double /*fraction*/, double secondsLeft) {

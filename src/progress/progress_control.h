@@ -5,7 +5,8 @@
 // except that positions and captions may be sent to the window by others.
 //
 // Each position and each caption pumps the messages of the window's thread first, so a handler of the
-// owner may run within SetPos, and may end the window, but not the object.
+// owner may run within SetPos, and may end the window, but not the object. Another thread that has sent
+// one gets its answer before that: a handler may wait for that thread.
 #ifndef MOSAICON_PROGRESS_PROGRESS_CONTROL_H_
 #define MOSAICON_PROGRESS_PROGRESS_CONTROL_H_
 
@@ -48,12 +49,18 @@ class TProgressTimeToComplete : public CProgressCtrl {
   COLORREF m_barColor;
 
  private:
+  LRESULT OnPosition(WPARAM position);
+  LRESULT OnCaption(WPARAM wParam, LPARAM lParam);
+  static bool ReleaseSender(LRESULT answer);
+  bool PumpMessages();
   void OnPaint();
   BOOL OnEraseBkgnd(HDC dc);
   void FillBackground(HDC paintDC, const RECT& client, CDC& dc);
   void FillBar(const BarRect& client, CDC& dc);
   void DrawBarText(const std::string& text, const BarRect& client, CDC& dc);
   BarDirection Direction() const;
+
+  unsigned m_nPositions = 0;  // that have arrived so far
 };
 
 #endif  // MOSAICON_PROGRESS_PROGRESS_CONTROL_H_
