@@ -56,10 +56,8 @@ class WindowContext {
   const HDC m_hContext;
 };
 
-// WM_DPICHANGED_AFTERPARENT, which headers that are set to older systems lack.
-constexpr UINT kDpiChangedAfterParent = 0x02E3;
-
 using afx::GetWindowDpi;
+using afx::kDpiChangedAfterParent;
 using afx::Scale;
 
 struct ButtonLook {

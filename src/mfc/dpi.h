@@ -6,6 +6,9 @@
 
 namespace afx {
 
+// WM_DPICHANGED_AFTERPARENT, which headers that are set to older systems lack.
+inline constexpr UINT kDpiChangedAfterParent = 0x02E3;
+
 // Dots per inch that the window is shown with; those of the screen for null, and where the system has
 // one value for all windows.
 UINT GetWindowDpi(HWND window);

@@ -9,13 +9,6 @@ namespace {
 
 constexpr int kTenthsOfAPointPerInch = 720;
 
-int ScreenPixelsPerInch() {
-  const HDC screen = GetDC(nullptr);
-  const int pixels = GetDeviceCaps(screen, LOGPIXELSY);
-  ReleaseDC(nullptr, screen);
-  return pixels;
-}
-
 }  // namespace
 
 BOOL CGdiObject::Attach(HGDIOBJ object) {
@@ -32,18 +25,10 @@ BOOL CGdiObject::DeleteObject() {
   return m_hObject != nullptr && ::DeleteObject(Detach());
 }
 
-BOOL CFont::CreatePointFont(int pointSize, LPCSTR faceName) {
-  LOGFONT logFont = {};
-  logFont.lfCharSet = DEFAULT_CHARSET;
-  logFont.lfHeight = pointSize;
-  lstrcpyn(logFont.lfFaceName, faceName, LF_FACESIZE);
-  return CreatePointFontIndirect(&logFont);
-}
-
-BOOL CFont::CreatePointFontIndirect(const LOGFONT* logFont) {
+BOOL CFont::CreatePointFontIndirect(const LOGFONT* logFont, UINT dpi) {
   LOGFONT inPixels = *logFont;
   // Negative: the height of the characters, as point sizes are, and not of the line.
-  inPixels.lfHeight = -std::abs(MulDiv(logFont->lfHeight, ScreenPixelsPerInch(), kTenthsOfAPointPerInch));
+  inPixels.lfHeight = -std::abs(MulDiv(logFont->lfHeight, static_cast<int>(dpi), kTenthsOfAPointPerInch));
   return Attach(CreateFontIndirect(&inPixels));
 }
 

@@ -7,6 +7,8 @@
 
 #include <windows.h>
 
+#include "mfc/dpi.h"
+
 class CDC;
 
 class CGdiObject {
@@ -31,10 +33,8 @@ class CGdiObject {
 class CFont : public CGdiObject {
  public:
   operator HFONT() const { return static_cast<HFONT>(m_hObject); }
-  // pointSize is in tenths of a point, for the resolution of the screen.
-  BOOL CreatePointFont(int pointSize, LPCSTR faceName);
-  // The same with every attribute: lfHeight is the size in tenths of a point.
-  BOOL CreatePointFontIndirect(const LOGFONT* logFont);
+  // lfHeight is the size in tenths of a point; dpi are the dots per inch of the monitor.
+  BOOL CreatePointFontIndirect(const LOGFONT* logFont, UINT dpi = afx::GetWindowDpi(nullptr));
 };
 
 class CBitmap : public CGdiObject {

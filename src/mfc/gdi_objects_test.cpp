@@ -63,12 +63,19 @@ TEST(Font, HasItsSizeInTenthsOfAPoint) {
   const HDC screen = GetDC(nullptr);
   const int pixelsPerInch = GetDeviceCaps(screen, LOGPIXELSY);
   ReleaseDC(nullptr, screen);
+  LOGFONTA wanted = {};
+  wanted.lfHeight = 720;
   CFont font;
-  ASSERT_TRUE(font.CreatePointFont(720, "MS Sans"));
+  ASSERT_TRUE(font.CreatePointFontIndirect(&wanted));
   EXPECT_EQ(Describe(font).lfHeight, -pixelsPerInch) << "72 points are an inch";
-  EXPECT_STREQ(Describe(font).lfFaceName, "MS Sans");
-  EXPECT_EQ(Describe(font).lfCharSet, DEFAULT_CHARSET);
-  EXPECT_EQ(Describe(font).lfEscapement, 0);
+}
+
+TEST(Font, HasItsSizeAtAnotherResolution) {
+  LOGFONTA wanted = {};
+  wanted.lfHeight = 90;
+  CFont font;
+  ASSERT_TRUE(font.CreatePointFontIndirect(&wanted, 192));
+  EXPECT_EQ(Describe(font).lfHeight, -24);
 }
 
 TEST(Font, KeepsTheOtherAttributes) {
@@ -77,11 +84,13 @@ TEST(Font, KeepsTheOtherAttributes) {
   wanted.lfEscapement = 900;
   wanted.lfOrientation = 900;
   wanted.lfWeight = FW_BOLD;
+  lstrcpyA(wanted.lfFaceName, "MS Sans");
   CFont font;
   ASSERT_TRUE(font.CreatePointFontIndirect(&wanted));
   EXPECT_EQ(Describe(font).lfEscapement, 900);
   EXPECT_EQ(Describe(font).lfOrientation, 900);
   EXPECT_EQ(Describe(font).lfWeight, FW_BOLD);
+  EXPECT_STREQ(Describe(font).lfFaceName, "MS Sans");
 }
 
 TEST(Bitmap, HasTheColoursOfItsDeviceContext) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kvtools/kvtools.h"
+#include "mfc/dpi.h"
 #include "progress/bar_text.h"
 #include "progress/progress_mem_dc.h"
 #include "progress/time_text.h"
@@ -41,18 +42,36 @@ const UINT WM_SETCUROP_MT = RegisterWindowMessageA("WM_SETCUROP_MT");
 BEGIN_MESSAGE_MAP(TProgressTimeToComplete, CProgressCtrl)
 ON_WM_PAINT()
 ON_WM_ERASEBKGND()
+ON_MESSAGE(afx::kDpiChangedAfterParent, TProgressTimeToComplete::OnDpiChanged)
 END_MESSAGE_MAP()
 
 TProgressTimeToComplete::TProgressTimeToComplete()
     : m_startTicks(ClockTicks()), m_barColor(GetSysColor(COLOR_HIGHLIGHT)) {
-  m_fontHorizontal.CreatePointFont(kFontTenthsOfAPoint, kFontFace);
-  LOGFONT upwards = {};
-  upwards.lfCharSet = DEFAULT_CHARSET;
-  upwards.lfHeight = kFontTenthsOfAPoint;
-  upwards.lfEscapement = kUpwards;
-  upwards.lfOrientation = kUpwards;
-  lstrcpyn(upwards.lfFaceName, kFontFace, LF_FACESIZE);
-  m_fontVertical.CreatePointFontIndirect(&upwards);
+  MakeFonts(afx::GetWindowDpi(nullptr));
+}
+
+void TProgressTimeToComplete::MakeFonts(UINT dpi) {
+  LOGFONT description = {};
+  description.lfCharSet = DEFAULT_CHARSET;
+  description.lfHeight = kFontTenthsOfAPoint;
+  lstrcpyn(description.lfFaceName, kFontFace, LF_FACESIZE);
+  m_fontHorizontal.DeleteObject();
+  m_fontHorizontal.CreatePointFontIndirect(&description, dpi);
+  description.lfEscapement = kUpwards;
+  description.lfOrientation = kUpwards;
+  m_fontVertical.DeleteObject();
+  m_fontVertical.CreatePointFontIndirect(&description, dpi);
+}
+
+void TProgressTimeToComplete::PreSubclassWindow() {
+  MakeFonts(afx::GetWindowDpi(m_hWnd));
+}
+
+LRESULT TProgressTimeToComplete::OnDpiChanged(WPARAM /*wParam*/, LPARAM /*lParam*/) {
+  const LRESULT result = Default();
+  MakeFonts(afx::GetWindowDpi(m_hWnd));
+  InvalidateRect(m_hWnd, nullptr, FALSE);
+  return result;
 }
 
 LRESULT TProgressTimeToComplete::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {

@@ -34,6 +34,7 @@ class TProgressTimeToComplete : public CProgressCtrl {
 
  protected:
   LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+  void PreSubclassWindow() override;
   // The words for the time left, asked for while painting. For subclasses that tell it differently.
   virtual std::string FormatTimeToComplete(double fraction, double secondsLeft);
 
@@ -53,6 +54,9 @@ class TProgressTimeToComplete : public CProgressCtrl {
   LRESULT OnCaption(WPARAM wParam, LPARAM lParam);
   static bool ReleaseSender(LRESULT answer);
   bool PumpMessages();
+  // For that many dots per inch, which differ from monitor to monitor.
+  void MakeFonts(UINT dpi);
+  LRESULT OnDpiChanged(WPARAM wParam, LPARAM lParam);
   void OnPaint();
   BOOL OnEraseBkgnd(HDC dc);
   void FillBackground(HDC paintDC, const RECT& client, CDC& dc);

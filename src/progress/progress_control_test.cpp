@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "kvtools/kvtools.h"
+#include "mfc/dpi.h"
 #include "progress/bar_fixture.h"
 #include "progress/count_gdi_objects.h"
 
@@ -233,6 +234,46 @@ TEST_F(Bar, TellsTheTimeAnewWhereItStandsStill) {
   m_bar.SetPos(50);
   UpdateWindow(m_bar.GetSafeHwnd());
   EXPECT_GT(m_bar.asked, asked);
+}
+
+class FontsOfABar : public TProgressTimeToComplete {
+ public:
+  // Replaces both fonts by others that are far too large.
+  void Spoil() {
+    for (CFont* font : {&m_fontHorizontal, &m_fontVertical}) {
+      font->DeleteObject();
+      font->Attach(CreateFontA(-77, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, "Arial"));
+    }
+  }
+  static LOGFONTA Describe(const CFont& font) {
+    LOGFONTA description = {};
+    GetObjectA(font, sizeof description, &description);
+    return description;
+  }
+  void ExpectNinePoints() const {
+    const int height = -MulDiv(90, static_cast<int>(afx::GetWindowDpi(m_hWnd)), 720);
+    for (const CFont* font : {&m_fontHorizontal, &m_fontVertical}) {
+      EXPECT_EQ(Describe(*font).lfHeight, height);
+      EXPECT_STREQ(Describe(*font).lfFaceName, "MS Sans");
+    }
+    EXPECT_EQ(Describe(m_fontHorizontal).lfEscapement, 0);
+    EXPECT_EQ(Describe(m_fontHorizontal).lfOrientation, 0);
+    EXPECT_EQ(Describe(m_fontVertical).lfEscapement, 900);
+    EXPECT_EQ(Describe(m_fontVertical).lfOrientation, 900);
+  }
+};
+
+TEST_F(BarTest, FontsAreThoseOfTheMonitor) {
+  FontsOfABar bar;
+  bar.ExpectNinePoints();
+  bar.Spoil();
+  ASSERT_TRUE(bar.SubclassWindow(CreateWindowExA(0, PROGRESS_CLASSA, "", WS_CHILD, 0, 0, 200, 24,
+                                                 m_owner.GetSafeHwnd(), nullptr, nullptr, nullptr)));
+  bar.ExpectNinePoints();
+  bar.Spoil();
+  bar.SendMessage(afx::kDpiChangedAfterParent);
+  bar.ExpectNinePoints();
+  ::DestroyWindow(bar.GetSafeHwnd());
 }
 
 TEST(GdiObjects, AreCounted) {
