@@ -6,14 +6,10 @@
 #include "job/georeference.h"
 #include "job/input_list.h"
 #include "job/job_settings.h"
+#include "kvtools/found_files.h"
 #include "kvtools/kvtools.h"
 
 namespace {
-
-bool IsFolder(const std::string& path) {
-  const DWORD attributes = GetFileAttributesA(path.c_str());
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-}
 
 // What the window's messages leave out; a folder has no cause of its own.
 std::string Cause(const std::string& path) {

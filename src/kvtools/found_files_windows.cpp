@@ -30,3 +30,8 @@ bool FindFiles(const std::string& pattern, std::vector<FoundFile>& found) {
   } while (FindNextFileA(search.get(), &data));
   return GetLastError() == ERROR_NO_MORE_FILES;
 }
+
+bool IsFolder(const std::string& path) {
+  const DWORD attributes = GetFileAttributesA(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}

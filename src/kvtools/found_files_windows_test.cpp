@@ -48,6 +48,17 @@ TEST_F(FoundFiles, AreEmptiedBeforeTheSearch) {
   EXPECT_EQ(Find("none.txt"), Names{}) << "nothing matches, which is no failure";
 }
 
+TEST_F(FoundFiles, TellFoldersFromEverythingElse) {
+  WriteFile(m_folder.Path("file"), "x");
+  EXPECT_TRUE(IsFolder(m_folder.Path()));
+  EXPECT_TRUE(IsFolder(m_folder.Path() + "\\"));
+  EXPECT_FALSE(IsFolder(m_folder.Path("file")));
+  EXPECT_FALSE(IsFolder(m_folder.Path("none")));
+  EXPECT_FALSE(IsFolder(m_folder.Path(std::string(300, 'x'))));
+  EXPECT_FALSE(IsFolder(m_folder.Path("?????.tif"))) << "a name that the code page cannot express";
+  EXPECT_FALSE(IsFolder(""));
+}
+
 TEST_F(FoundFiles, TellThatTheSearchFailed) {
   WriteFile(m_folder.Path("file"), "x");
   for (const std::string& pattern : {m_folder.Path("none\\*.*"), m_folder.Path("file\\*.*"),
