@@ -9,6 +9,14 @@ constexpr DWORD kClosePatience = 10000;  // ms
 const Told kAbortQuestion = {
     "Do you really want to abort current process?", BoxIcon::kQuestion, {IDYES, IDNO}};
 
+// The files of a process that has just ended are still found, and then they cannot be read.
+TEST(RunningToolsTest, AreLookedForAmongProcessesThatEnd) {
+  // On a Linux host there is a file like that.
+  EXPECT_EQ(ReadWhileThere("Z:\\proc\\self\\mem"), "");
+  EXPECT_EQ(ReadWhileThere("Z:\\proc\\0\\cmdline"), "");
+  EXPECT_NE(ReadWhileThere(StageProgram()), "");
+}
+
 class Abort : public MosaiconTest {
  protected:
   void StartLargeJob() {

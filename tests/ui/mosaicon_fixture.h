@@ -104,6 +104,9 @@ class MosaiconTest : public testing::Test {
   TemporaryFolder m_folder;
 };
 
+// What can be read of a file that may vanish meanwhile, as those of a process do when it ends.
+std::string ReadWhileThere(const std::string& path);
+
 // The tools of this test program's jobs that are at work, those of a Linux host included.
 std::vector<std::string> RunningTools();
 

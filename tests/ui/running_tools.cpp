@@ -4,9 +4,9 @@
 #include <tlhelp32.h>
 
 #include <cctype>
+#include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <memory>
 
 #include "ui/mosaicon_fixture.h"
 
@@ -16,11 +16,6 @@ constexpr char kHostProcesses[] = "Z:\\proc";
 constexpr const char* kToolPrograms[] = {"python.exe", "gdal_translate.exe", "gdalwarp.exe"};
 // Parts of the command lines of what a Linux host runs for python.exe.
 constexpr const char* kHostTools[] = {"python_host.py", "gdal2tiles.py", "spawn_main"};
-
-std::string ReadAll(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 // Under Wine those of this prefix only.
 void AppendWindowsTools(std::vector<std::string>& found) {
@@ -52,13 +47,26 @@ void AppendHostTools(std::vector<std::string>& found) {
     const std::string name = entry.path().filename().string();
     if (std::isdigit(static_cast<unsigned char>(name[0])) == 0) continue;
     const std::string folder = std::string(kHostProcesses) + "\\" + name;
-    const std::string commandLine = ReadAll(folder + "\\cmdline");
-    if (!IsHostTool(commandLine) || ReadAll(folder + "\\environ").find(mark) == std::string::npos) continue;
+    const std::string commandLine = ReadWhileThere(folder + "\\cmdline");
+    if (!IsHostTool(commandLine) || ReadWhileThere(folder + "\\environ").find(mark) == std::string::npos)
+      continue;
     found.push_back(commandLine.substr(0, commandLine.find_last_not_of('\0') + 1));
   }
 }
 
 }  // namespace
+
+// A stream would throw when reading fails half-way.
+std::string ReadWhileThere(const std::string& path) {
+  const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "rb"), &std::fclose);
+  std::string bytes;
+  char block[4096];
+  size_t count = 0;
+  while (file != nullptr && (count = std::fread(block, 1, sizeof block, file.get())) > 0) {
+    bytes.append(block, count);
+  }
+  return bytes;
+}
 
 std::vector<std::string> RunningTools() {
   std::vector<std::string> found;
