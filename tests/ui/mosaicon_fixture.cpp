@@ -1,6 +1,7 @@
 #include "ui/mosaicon_fixture.h"
 
 #include <algorithm>
+#include <iostream>
 
 #include "maker.h"
 
@@ -129,8 +130,20 @@ bool MosaiconTest::WaitUntilTiling() {
 }
 
 std::optional<Report> MosaiconTest::TakeReport() {
-  const Window dialog = Running().WaitFor(kReportTitle, kJobPatience);
-  if (!dialog) return {};
+  const Program& program = Running();
+  Window dialog;
+  MessageBoxWindow box;
+  WaitUntil(
+      [&] {
+        dialog = program.Find(kReportTitle);
+        box = FindMessageBox(program);
+        return dialog || box || !program.IsRunning();
+      },
+      kJobPatience);
+  if (!dialog) {
+    std::cout << "No report came; the program says \"" << box.Text() << "\".\n";
+    return {};
+  }
   // It fills itself in before it is shown.
   const Report report = {dialog.Item(IDC_WORK_TIME).Text(), dialog.Item(IDC_LOG).Text(),
                          dialog.Item(IDC_COPY_HINT).Text(), dialog.Item(IDC_WEB_HINT).Text(),
