@@ -8,7 +8,8 @@
 
 namespace {
 
-constexpr char kSection[] = "Window";
+// Beside what the form is filled in with.
+constexpr char kSection[] = "Input";
 constexpr int kNumberBuffer = 16;
 constexpr int kFolderBuffer = 4096;
 
@@ -29,15 +30,15 @@ int Fit(int start, int length, int low, int high) {
 }  // namespace
 
 std::optional<ScreenPoint> LoadWindowPlace() {
-  const auto left = LoadNumber("Left");
-  const auto top = LoadNumber("Top");
+  const auto left = LoadNumber("WindowLeft");
+  const auto top = LoadNumber("WindowTop");
   if (!left || !top) return std::nullopt;
   return ScreenPoint{*left, *top};
 }
 
 void SaveWindowPlace(const ScreenPoint& topLeft) {
-  KVT_WriteUserProfileString(kSection, "Left", std::to_string(topLeft.x).c_str());
-  KVT_WriteUserProfileString(kSection, "Top", std::to_string(topLeft.y).c_str());
+  KVT_WriteUserProfileString(kSection, "WindowLeft", std::to_string(topLeft.x).c_str());
+  KVT_WriteUserProfileString(kSection, "WindowTop", std::to_string(topLeft.y).c_str());
 }
 
 std::string LoadLastFolder() {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "kvtools/kvtools.h"
 
 namespace {
@@ -17,8 +19,19 @@ TEST(WindowPlace, ComesBackAsItWasSaved) {
 TEST(WindowPlace, IsUnknownWhenWhatIsStoredIsNoNumber) {
   for (const char* stored : {"", "abc", "12x", "99999999999", " 5"}) {
     SaveWindowPlace({1, 2});
-    KVT_WriteUserProfileString("Window", "Top", stored);
+    KVT_WriteUserProfileString("Input", "WindowTop", stored);
     EXPECT_FALSE(LoadWindowPlace().has_value()) << stored;
+  }
+}
+
+TEST(WindowPlace, IsKeptBesideTheForm) {
+  SaveWindowPlace({-1200, 35});
+  SaveLastFolder("d:\\maps");
+  for (const auto& [key, value] : {std::pair("WindowLeft", "-1200"), std::pair("WindowTop", "35"),
+                                   std::pair("LastFolder", "d:\\maps")}) {
+    char stored[64] = "";
+    KVT_GetUserProfileString("Input", key, "(none)", stored, sizeof stored);
+    EXPECT_STREQ(stored, value) << key;
   }
 }
 
