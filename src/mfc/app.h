@@ -45,7 +45,6 @@ class CWinAppEx : public CWinApp {
  public:
   // The maker's name, under which the framework keeps what windows remember.
   void SetRegistryKey(const std::string& name) { m_strRegistryKey = name; }
-  const std::string& GetRegistryKey() const { return m_strRegistryKey; }
   void InitShellManager() { m_pShellManager = std::make_unique<CShellManager>(); }
   void DeleteShellManager() { m_pShellManager.reset(); }
 

@@ -108,7 +108,6 @@ LRESULT CallDropFiles(CWnd& window, WPARAM wParam, LPARAM) {
 #define ON_WM_CLOSE() {WM_CLOSE, 0, 0, nullptr, &afx::CallNoArguments<ThisClass, &ThisClass::OnClose>},
 #define ON_WM_DESTROY() {WM_DESTROY, 0, 0, nullptr, &afx::CallNoArguments<ThisClass, &ThisClass::OnDestroy>},
 #define ON_WM_PAINT() {WM_PAINT, 0, 0, nullptr, &afx::CallNoArguments<ThisClass, &ThisClass::OnPaint>},
-#define ON_WM_NCPAINT() {WM_NCPAINT, 0, 0, nullptr, &afx::CallNoArguments<ThisClass, &ThisClass::OnNcPaint>},
 #define ON_WM_ERASEBKGND() \
   {WM_ERASEBKGND, 0, 0, nullptr, &afx::CallEraseBkgnd<ThisClass, &ThisClass::OnEraseBkgnd>},
 #define ON_WM_SYSCOMMAND() \
