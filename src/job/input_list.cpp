@@ -27,7 +27,8 @@ int ScanInput(const std::string& path, bool folderMode, JobFiles& files, Message
     }
     return 0;
   }
-  for (const FoundFile& file : files.Find(path + "\\*.tif")) {
+  const bool separated = path.back() == '\\' || path.back() == '/';
+  for (const FoundFile& file : files.Find(path + (separated ? "*.tif" : "\\*.tif"))) {
     if (file.name == "." || file.name == ".." || file.isDirectory) continue;
     if (!Append(file.path, list) && skipped != nullptr) skipped->OnSkipped(file.path);
   }
@@ -35,6 +36,19 @@ int ScanInput(const std::string& path, bool folderMode, JobFiles& files, Message
     messages.ShowMessage(MessageIcon::kWarning, "No valid orthophoto found inside selected folder");
   }
   return 0;
+}
+
+std::string JoinInputList(const std::vector<std::string>& items) {
+  std::string list;
+  for (const std::string& item : items) list += (list.empty() ? "" : std::string(1, kItemSeparator)) + item;
+  return list;
+}
+
+std::string MakeInputListFull(const std::string& inputList, JobFiles& files) {
+  std::vector<std::string> items;
+  KVT_ParseString(inputList, kItemSeparator, items);
+  for (std::string& item : items) item = files.FullPath(item);
+  return JoinInputList(items);
 }
 
 RestoredInput RestoreInputList(const std::string& inputList) {

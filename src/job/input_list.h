@@ -23,14 +23,19 @@ class SkippedFileObserver {
 int ScanInput(const std::string& path, bool folderMode, JobFiles& files, MessageSink& messages,
               std::vector<CTifData>& list, SkippedFileObserver* skipped = nullptr);
 
-// An input list as it comes from the command line.
+// An input list is a text: paths, joined by "|".
+std::string JoinInputList(const std::vector<std::string>& items);
+// The same list with full paths.
+std::string MakeInputListFull(const std::string& inputList, JobFiles& files);
+
+// What an input list stands for.
 struct RestoredInput {
   bool folderMode = false;            // more than one item
   std::string shownPath;              // the text itself, or the folder of the first item
   std::vector<CTifData> orthophotos;  // the items whose georeference could be read, in order
 };
 
-// Reads inputList, paths joined by "|"; an empty text gives an empty result.
+// An empty list gives an empty result.
 RestoredInput RestoreInputList(const std::string& inputList);
 
 #endif  // MOSAICON_JOB_INPUT_LIST_H_

@@ -27,11 +27,8 @@ class InputList : public testing::Test {
   // Makes the fake file system find these files in the folder.
   void List(const std::vector<std::string>& names) {
     std::vector<FoundFile>& found = m_files.matches[m_folder.Path() + "\\*.tif"];
-    found = {{m_folder.Path("."), ".", true}, {m_folder.Path(".."), "..", true}};
-    // Some file systems do not call them folders: it is their names that tell.
-    Make("a whole orthophoto.tif");
-    found.push_back({m_folder.Path("a whole orthophoto.tif"), ".", false});
-    found.push_back({m_folder.Path("a whole orthophoto.tif"), "..", false});
+    // Not told to be folders: their names are enough.
+    found = {{Make("dot.tif"), ".", false}, {Make("dots.tif"), "..", false}};
     for (const std::string& name : names) found.push_back({m_folder.Path(name), name, false});
   }
 
@@ -79,6 +76,14 @@ TEST_F(InputList, HoldsAFolderInTheOrderFound) {
   EXPECT_EQ(skipped.paths, std::vector<std::string>{m_folder.Path("plain.tif")});
 }
 
+TEST_F(InputList, SearchesARootWithoutASecondSeparator) {
+  for (const char* folder : {"d:\\", "d:\\maps\\", "d:/maps/", "d:\\maps"}) {
+    ScanInput(folder, true, m_files, m_host, m_list);
+  }
+  EXPECT_EQ(m_files.patterns,
+            (std::vector<std::string>{"d:\\*.tif", "d:\\maps\\*.tif", "d:/maps/*.tif", "d:\\maps\\*.tif"}));
+}
+
 TEST_F(InputList, PassesFoldersOver) {
   Make("a.tif");
   List({});
@@ -101,6 +106,13 @@ TEST_F(InputList, ChoosesFolderModeFromTwoItemsOn) {
   EXPECT_TRUE(RestoreInputList(a + "|" + a).folderMode);
 }
 
+TEST_F(InputList, IsMadeOfFullPaths) {
+  m_files.fullPaths = {{"a.tif", "d:\\in\\a.tif"}, {"..\\b.tif", "d:\\b.tif"}};
+  EXPECT_EQ(MakeInputListFull("", m_files), "");
+  EXPECT_EQ(MakeInputListFull("a.tif", m_files), "d:\\in\\a.tif");
+  EXPECT_EQ(MakeInputListFull("a.tif|c:\\c.tif|..\\b.tif", m_files), "d:\\in\\a.tif|c:\\c.tif|d:\\b.tif");
+}
+
 TEST_F(InputList, ComesFromTheCommandLine) {
   const std::string a = Make("a.tif");
   const std::string plain = Make("plain.tif", 0);
@@ -115,6 +127,14 @@ TEST_F(InputList, ComesFromTheCommandLine) {
   EXPECT_FALSE(restored.folderMode);
   EXPECT_EQ(restored.shownPath, a);
   ASSERT_EQ(restored.orthophotos.size(), 1U);
+
+  restored = RestoreInputList(plain);
+  EXPECT_EQ(restored.shownPath, plain);
+  EXPECT_TRUE(restored.orthophotos.empty());
+
+  restored = RestoreInputList(a + "|" + b);
+  EXPECT_TRUE(restored.folderMode);
+  EXPECT_EQ(restored.orthophotos.size(), 2U);
 
   restored = RestoreInputList(b + "|" + plain + "|" + a);
   EXPECT_TRUE(restored.folderMode);
