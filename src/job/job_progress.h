@@ -12,12 +12,15 @@ class CJobProgress : public TProgressTimeToComplete {
 
   // The time left is estimated from here on.
   void RestartClock();
+  // The owner closes: what arrives from here on must not run its handlers any more.
+  void StopPumping() { m_bPumpingStopped = true; }
 
  protected:
   LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
 
  private:
   TaskbarProgress& m_taskbar;
+  bool m_bPumpingStopped = false;
 };
 
 #endif  // MOSAICON_JOB_JOB_PROGRESS_H_

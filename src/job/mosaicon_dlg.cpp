@@ -59,7 +59,6 @@ CMosaiconDlg::CMosaiconDlg(std::string strInputList, const std::string& programP
       m_driver(*this, m_runner, m_files, m_environment, programPath) {}
 
 void CMosaiconDlg::StartJob() {
-  if (m_bJobRunning || m_bClosed) return;
   const FlagGuard running(m_bJobRunning);
   ScanTypedPath();
   if (m_bClosed) return;
@@ -95,7 +94,7 @@ void CMosaiconDlg::AbortJob() {
 
 // Enter in a field: takes what was typed there.
 void CMosaiconDlg::OnOK() {
-  if (!m_bBusy) ScanTypedPath();
+  if (!m_bJobRunning) ScanTypedPath();
 }
 
 // Escape never closes the window, which may hold a form that took a while to fill in.
@@ -104,25 +103,33 @@ void CMosaiconDlg::OnCancel() {
 }
 
 void CMosaiconDlg::OnExit() {
-  if (!m_bJobRunning) CDialogEx::OnOK();
+  Close(IDOK);
 }
 
-// In the middle of a job the window must go at once: ending the modal loop would let the job run on
-// to its end behind a window that is not there.
 void CMosaiconDlg::OnClose() {
   if (!IsWindowEnabled(m_hWnd)) {
     // A question is open; it comes first.
     SetForegroundWindow(GetLastActivePopup(m_hWnd));
-  } else if (m_bJobRunning) {
+  } else {
+    Close(IDCANCEL);
+  }
+}
+
+// In the middle of a job the window must go at once: ending the modal loop would let the job run on
+// to its end behind a window that is not there.
+void CMosaiconDlg::Close(int result) {
+  m_bClosed = true;
+  if (m_bJobRunning) {
     DestroyWindow();
   } else {
-    EndDialog(IDCANCEL);
+    EndDialog(result);
   }
 }
 
 void CMosaiconDlg::OnDestroy() {
   SavePlace();
   m_bClosed = true;
+  m_progress.StopPumping();
   AbortAndWait(g_pTilesJob);
   AbortAndWait(g_pTranslateJob);
   AbortAndWait(g_pWarpJob);

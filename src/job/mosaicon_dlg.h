@@ -47,6 +47,8 @@ class CMosaiconDlg : public CDialogEx, private JobHost {
   void OnOK() override;
   void OnCancel() override;
   DECLARE_MESSAGE_MAP()
+  // The gate for all that the window is told: mosaicon_dlg_gate.cpp.
+  LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
 
  private:
   // Setting up: mosaicon_dlg_setup.cpp
@@ -74,10 +76,16 @@ class CMosaiconDlg : public CDialogEx, private JobHost {
   void OnDestroy();
   void OpenTutorial(const char* name);
   JobSettings ReadForm() const;
+  void Close(int result);
 
   // The orthophotos: mosaicon_dlg_input.cpp
   LRESULT OnOrthoPath(WPARAM wParam, LPARAM lParam);
   void OnOrthophotoLeft();
+  // The gate: mosaicon_dlg_gate.cpp
+  LRESULT WindowProcWhenClosed(UINT message, WPARAM wParam, LPARAM lParam);
+  bool IsInTurn(UINT message, WPARAM wParam) const;
+  void LockControls(bool locked);
+
   LRESULT OnScanTypedPath(WPARAM wParam, LPARAM lParam);
   void OnPickFolder();
   void OnDropFiles(HDROP drop);
@@ -125,7 +133,7 @@ class CMosaiconDlg : public CDialogEx, private JobHost {
   bool m_bBusy = false;                  // the controls are locked
   bool m_bJobRunning = false;            // the Start handler is on the stack
   bool m_bAborting = false;              // the handler of the cancel button is on the stack
-  bool m_bClosed = false;                // the window is gone, or going
+  bool m_bClosed = false;                // the window is gone, or going: it handles nothing any more
 
   WindowsFiles m_files;
   WindowsEnvironment m_environment;

@@ -8,16 +8,6 @@
 #include "kvtools/kvtools.h"
 #include "resources/resource.h"
 
-namespace {
-
-// Locked while a job runs. About and the tutorials are not: they do no harm then.
-constexpr int kLockedControls[] = {IDC_ORTHOPHOTO,   IDC_TARGET_URL, IDC_GOOGLE_KEY,  IDC_GET_GOOGLE_KEY,
-                                   IDC_TRANSPARENCY, IDC_RESAMPLING, IDC_MAP_TITLE,   IDC_TARGET_FOLDER,
-                                   IDC_PREVIEW,      IDC_UPLOAD,     IDC_PICK_FOLDER, IDC_WEB_OUTPUT,
-                                   IDC_START,        IDC_EXIT};
-
-}  // namespace
-
 void CMosaiconDlg::ShowMessage(MessageIcon icon, const std::string& text) {
   MessageBox(text, MB_OK | (icon == MessageIcon::kInformation ? MB_ICONINFORMATION : MB_ICONEXCLAMATION));
 }
@@ -48,10 +38,13 @@ Answer CMosaiconDlg::AskYesNoCancel(const std::string& text) {
 // When the job is done the URL field is enabled whatever its check box says: the user sees what is
 // there, and the box decides again when it is clicked.
 void CMosaiconDlg::SetBusy(bool busy) {
+  // What was clicked while the controls were locked must find them locked.
+  if (!busy) KVT_PumpMessages();
+  if (m_bClosed) return;
   m_bBusy = busy;
   const HWND focus = GetFocus();
   EnableWindow(GetDlgItem(IDC_CANCEL_JOB), busy);
-  for (const int id : kLockedControls) EnableWindow(GetDlgItem(id), !busy);
+  LockControls(busy);
   DragAcceptFiles(m_hWnd, !busy);
   ShowButtonIcons();
   ShowAnimation(busy);

@@ -36,7 +36,7 @@ LRESULT CMosaiconDlg::OnScanTypedPath(WPARAM /*wParam*/, LPARAM /*lParam*/) {
   // these two buttons does not want it any more.
   const bool isLeftForGood = focus != nullptr && focus != m_orthophoto.GetSafeHwnd() &&
                              focus != GetDlgItem(IDC_PICK_FOLDER) && focus != GetDlgItem(IDC_EXIT);
-  if (isLeftForGood && !m_bJobRunning && !m_bClosed) ScanTypedPath();
+  if (isLeftForGood) ScanTypedPath();
   return 0;
 }
 

@@ -7,6 +7,8 @@
 //   env:NAME:FILE   writes an environment variable to FILE
 //   child:MS        starts itself with sleep:MS and goes on
 //   exit:CODE       ends
+// In the end it talks as the tiling script does, for as many milliseconds as TEST_TOOL_TALKS says, for those
+// who cannot choose its arguments.
 #include <windows.h>
 
 #include <cstdio>
@@ -71,6 +73,16 @@ void Do(const std::string& verb, const std::string& value) {
   if (verb == "exit") std::exit(std::atoi(value.c_str()));
 }
 
+void Talk() {
+  char milliseconds[16] = "";
+  GetEnvironmentVariableA("TEST_TOOL_TALKS", milliseconds, sizeof milliseconds);
+  const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(std::atoi(milliseconds));
+  while (GetTickCount64() < end) {
+    WriteHandle(STD_OUTPUT_HANDLE, "Progress 0.50 done");
+    Sleep(100);
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -79,5 +91,6 @@ int main(int argc, char** argv) {
     const size_t colon = argument.find(':');
     if (colon != std::string::npos) Do(argument.substr(0, colon), argument.substr(colon + 1));
   }
+  Talk();
   return 0;
 }
