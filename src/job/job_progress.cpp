@@ -12,6 +12,6 @@ void CJobProgress::RestartClock() {
 LRESULT CJobProgress::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
   if (m_bPumpingStopped) return CProgressCtrl::WindowProc(message, wParam, lParam);
   const LRESULT result = TProgressTimeToComplete::WindowProc(message, wParam, lParam);
-  if (message == PBM_SETPOS && m_hWnd != nullptr) m_taskbar.ShowPercent(static_cast<int>(wParam));
+  if (message == PBM_SETPOS && m_hWnd != nullptr) m_taskbar.SetPercent(static_cast<int>(wParam));
   return result;
 }

@@ -54,6 +54,7 @@ CMosaiconDlg::CMosaiconDlg(std::string strInputList, const std::string& programP
       m_strInputList(std::move(strInputList)),
       m_strProgramPath(programPath),
       m_opener(opener),
+      m_taskbar(m_taskbarButton),
       m_progress(m_taskbar),
       m_runner(&m_progress),
       m_driver(*this, m_runner, m_files, m_environment, programPath) {}
@@ -135,7 +136,7 @@ void CMosaiconDlg::OnDestroy() {
   AbortAndWait(g_pWarpJob);
   DestroyWorkQueue();
   m_icons.DestroyAll();
-  m_taskbar.Release();
+  m_taskbarButton.Release();
   Default();
 }
 

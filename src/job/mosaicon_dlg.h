@@ -16,6 +16,7 @@
 #include "job/job_progress.h"
 #include "job/taskbar_progress.h"
 #include "job/windows_files.h"
+#include "job/windows_taskbar_button.h"
 #include "job/windows_tool_runner.h"
 #include "mfc/color_button.h"
 #include "mfc/dialog.h"
@@ -122,10 +123,11 @@ class CMosaiconDlg : public CDialogEx, private JobHost {
   CMFCLinkCtrl m_getGoogleKey;
   CMFCLinkCtrl m_checkUpdates;
   CExplorer_webbrowser m_preview;
+  WindowsTaskbarButton m_taskbarButton;
+  TaskbarProgress m_taskbar;
   CJobProgress m_progress;
   CToolTipCtrl m_toolTips;
   ButtonIcons m_icons;
-  TaskbarProgress m_taskbar;
 
   std::vector<CTifData> m_vOrthophotos;  // the input list of the next job
   std::string m_strScannedPath;          // the text of the field that the list was made from

@@ -49,9 +49,9 @@ void CMosaiconDlg::SetBusy(bool busy) {
   ShowButtonIcons();
   ShowAnimation(busy);
   if (busy) {
-    m_taskbar.ShowBusy();
+    m_taskbar.Begin();
   } else {
-    m_taskbar.Clear();
+    m_taskbar.End();
   }
   // A control that was disabled keeps the focus and swallows the keyboard.
   if (focus != nullptr && IsChild(m_hWnd, focus) && !IsWindowEnabled(focus)) {

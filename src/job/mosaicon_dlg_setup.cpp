@@ -59,7 +59,7 @@ BOOL CMosaiconDlg::OnInitDialog() {
   RestoreForm();
   RestorePlace();
   DragAcceptFiles(m_hWnd, TRUE);
-  m_taskbar.Create(m_hWnd);
+  m_taskbarButton.Create(m_hWnd);
   return TRUE;
 }
 

@@ -1,33 +1,31 @@
-// The progress of a job on the program's taskbar button. Does nothing where the shell has none.
-// User-interface thread, COM initialised.
+// What the program's taskbar button shows of a job: nothing while none runs, whatever the bar in the window
+// is set to. Portable; user-interface thread.
 #ifndef MOSAICON_JOB_TASKBAR_PROGRESS_H_
 #define MOSAICON_JOB_TASKBAR_PROGRESS_H_
 
-#include <windows.h>
-// After windows.h.
-#include <shobjidl.h>
+class TaskbarButton {
+ public:
+  virtual ~TaskbarButton() = default;
+  virtual void ShowNothing() = 0;
+  // Something is going on, and nobody knows how far it is.
+  virtual void ShowActivity() = 0;
+  virtual void ShowPercent(int percent) = 0;
+};
 
 class TaskbarProgress {
  public:
-  TaskbarProgress() = default;
-  ~TaskbarProgress() { Release(); }
-  TaskbarProgress(const TaskbarProgress&) = delete;
-  TaskbarProgress& operator=(const TaskbarProgress&) = delete;
+  // button must outlive this object.
+  explicit TaskbarProgress(TaskbarButton& button) : m_button(button) {}
 
-  // window is the program's main window.
-  void Create(HWND window);
-  // Before COM goes, at the latest when the window does.
-  void Release();
-  // A job runs, and nothing is known of its progress yet.
-  void ShowBusy();
-  void ShowPercent(int percent);
-  void Clear();
+  // A job runs from here on; nothing is known of its progress yet.
+  void Begin();
+  // How far the bar in the window is.
+  void SetPercent(int percent);
+  void End();
 
  private:
-  void SetState(TBPFLAG state);
-
-  ITaskbarList3* m_pTaskbar = nullptr;
-  HWND m_hWnd = nullptr;
+  TaskbarButton& m_button;
+  bool m_bJobRunning = false;
 };
 
 #endif  // MOSAICON_JOB_TASKBAR_PROGRESS_H_
