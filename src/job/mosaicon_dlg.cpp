@@ -158,6 +158,7 @@ void CMosaiconDlg::OnSysCommand(UINT id, LPARAM /*lParam*/) {
 
 LRESULT CMosaiconDlg::OnDpiChanged(WPARAM /*wParam*/, LPARAM /*lParam*/) {
   const LRESULT result = Default();
+  m_icons.ShowInCaption(m_hWnd, kProgramIcon);
   ShowButtonIcons();
   return result;
 }

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "job/batch_driver.h"
-#include "job/button_icons.h"
+#include "job/dialog_icons.h"
 #include "job/edit_browse_ex.h"
 #include "job/explorer_webbrowser.h"
 #include "job/job_host.h"
@@ -26,6 +26,9 @@
 
 // Posted when the field of the orthophoto path has lost the focus.
 inline constexpr UINT kScanTypedPathMessage = WM_APP + 1;
+
+// The icon of the program, by its resource name.
+inline constexpr char kProgramIcon[] = "APPLICATION";
 
 // What the main dialog opens without knowing it.
 class DialogOpener {
@@ -127,7 +130,7 @@ class CMosaiconDlg : public CDialogEx, private JobHost {
   TaskbarProgress m_taskbar;
   CJobProgress m_progress;
   CToolTipCtrl m_toolTips;
-  ButtonIcons m_icons;
+  DialogIcons m_icons;
 
   std::vector<CTifData> m_vOrthophotos;  // the input list of the next job
   std::string m_strScannedPath;          // the text of the field that the list was made from

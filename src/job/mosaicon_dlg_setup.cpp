@@ -40,12 +40,7 @@ constexpr ToolTip kToolTips[] = {
 
 BOOL CMosaiconDlg::OnInitDialog() {
   CDialogEx::OnInitDialog();
-  for (const auto& [kind, metric] : {std::pair(ICON_BIG, SM_CXICON), std::pair(ICON_SMALL, SM_CXSMICON)}) {
-    // Shared icons belong to the system.
-    const HANDLE icon = LoadImageA(AfxGetInstanceHandle(), "APPLICATION", IMAGE_ICON,
-                                   GetSystemMetrics(metric), GetSystemMetrics(metric), LR_SHARED);
-    SendMessage(WM_SETICON, static_cast<WPARAM>(kind), reinterpret_cast<LPARAM>(icon));
-  }
+  m_icons.ShowInCaption(m_hWnd, kProgramIcon);
   AddAboutToSystemMenu();
   SubclassControls();
   CreatePreview();
