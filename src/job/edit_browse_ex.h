@@ -1,4 +1,5 @@
-// The field of the orthophoto path: tells its dialog when the user has browsed.
+// The field of the orthophoto path: tells its dialog when the user has chosen
+// one by browsing.
 #ifndef MOSAICON_JOB_EDIT_BROWSE_EX_H_
 #define MOSAICON_JOB_EDIT_BROWSE_EX_H_
 

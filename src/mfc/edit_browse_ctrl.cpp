@@ -267,6 +267,7 @@ void CMFCEditBrowseCtrl::OnBrowse() {
   request.strFilter = m_strFilter;
   BeginAt(GetWindowText(), &request);
   std::string path;
+  m_bPathChosen = false;
   const BrowseOutcome outcome = RunBrowseDialog(request, &path);
   if (m_hWnd == nullptr || !IsWindowEnabled(m_hWnd)) return;
   switch (outcome) {
@@ -289,6 +290,7 @@ void CMFCEditBrowseCtrl::OnBrowse() {
 }
 
 void CMFCEditBrowseCtrl::TakePath(const std::string& path) {
+  m_bPathChosen = true;
   LastFolder() = m_Mode == BrowseMode_Folder ? path : FolderPart(path);
   if (path == GetWindowText()) return;
   SetWindowText(path);

@@ -34,6 +34,8 @@ class CMFCEditBrowseCtrl : public CWnd {
 
  protected:
   void PreSubclassWindow() override;
+  // Whether the last dialog was left with a path that became the text.
+  bool IsPathChosen() const { return m_bPathChosen; }
   DECLARE_MESSAGE_MAP()
 
  private:
@@ -66,6 +68,7 @@ class CMFCEditBrowseCtrl : public CWnd {
   bool m_bPressed = false;
   bool m_bCaptured = false;  // the mouse went down on the button
   bool m_bBrowsing = false;
+  bool m_bPathChosen = false;
 };
 
 #endif  // MOSAICON_MFC_EDIT_BROWSE_CTRL_H_
