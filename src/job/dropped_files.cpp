@@ -1,17 +1,28 @@
 #include "job/dropped_files.h"
 
 #include <algorithm>
+#include <set>
 
-#include "job/windows_files.h"
+#include "kvtools/found_files.h"
 
 namespace {
 
 constexpr UINT kAllFiles = 0xFFFFFFFF;
 
-void Append(const std::string& path, std::string& list) {
-  if (!list.empty()) list += '|';
-  list += path;
-}
+// Collects paths; whatever the case of its letters, each once.
+class PathList {
+ public:
+  void Add(const std::string& path) {
+    std::string key = path;
+    CharLowerBuffA(key.data(), static_cast<DWORD>(key.size()));
+    if (m_keys.insert(key).second) m_paths.push_back(path);
+  }
+  const std::vector<std::string>& Paths() const { return m_paths; }
+
+ private:
+  std::vector<std::string> m_paths;
+  std::set<std::string> m_keys;
+};
 
 }  // namespace
 
@@ -26,18 +37,18 @@ std::vector<std::string> TakeDroppedFiles(HDROP drop) {
   return paths;
 }
 
-std::string JoinInputList(const std::vector<std::string>& paths) {
-  std::string list;
-  WindowsFiles files;
+std::vector<std::string> ListDroppedFiles(const std::vector<std::string>& paths) {
+  PathList list;
   for (const std::string& path : paths) {
-    const DWORD attributes = GetFileAttributesA(path.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-      Append(path, list);
+    if (!IsFolder(path)) {
+      list.Add(path);
       continue;
     }
-    for (const FoundFile& file : files.Find(path + "\\*.tif")) {
-      if (!file.isDirectory) Append(file.path, list);
+    std::vector<FoundFile> found;
+    FindFiles(path + "\\*.tif", found);
+    for (const FoundFile& file : found) {
+      if (!file.isDirectory) list.Add(file.path);
     }
   }
-  return list;
+  return list.Paths();
 }

@@ -12,7 +12,7 @@
 // The paths of a WM_DROPFILES, sorted, as Explorer shows them in no useful order; drop is released.
 std::vector<std::string> TakeDroppedFiles(HDROP drop);
 
-// The input list of several dropped paths: files as they are, a folder as its "*.tif" files.
-std::string JoinInputList(const std::vector<std::string>& paths);
+// What several dropped paths stand for: files as they are, a folder as its "*.tif" files, each once.
+std::vector<std::string> ListDroppedFiles(const std::vector<std::string>& paths);
 
 #endif  // MOSAICON_JOB_DROPPED_FILES_H_

@@ -61,7 +61,7 @@ CMosaiconDlg::CMosaiconDlg(std::string strInputList, const std::string& programP
 
 void CMosaiconDlg::StartJob() {
   const FlagGuard running(m_bJobRunning);
-  ScanTypedPath();
+  ScanForJob();
   if (m_bClosed) return;
   m_driver.StartJob(ReadForm(), m_vOrthophotos);
 }

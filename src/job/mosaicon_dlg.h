@@ -47,12 +47,12 @@ class CMosaiconDlg : public CDialogEx, private JobHost {
 
  protected:
   BOOL OnInitDialog() override;
+  // The gate for all that the window is told: mosaicon_dlg_gate.cpp.
+  LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
   // Enter, Escape and the close button of the window's frame are three different things here.
   void OnOK() override;
   void OnCancel() override;
   DECLARE_MESSAGE_MAP()
-  // The gate for all that the window is told: mosaicon_dlg_gate.cpp.
-  LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
 
  private:
   // Setting up: mosaicon_dlg_setup.cpp
@@ -60,7 +60,6 @@ class CMosaiconDlg : public CDialogEx, private JobHost {
   void SubclassControls();
   void CreatePreview();
   void AddToolTips();
-  void RestoreInput();
   void RestoreForm();
   void RestorePlace();
   void SavePlace() const;
@@ -77,25 +76,28 @@ class CMosaiconDlg : public CDialogEx, private JobHost {
   void OnSysCommand(UINT id, LPARAM lParam);
   LRESULT OnDpiChanged(WPARAM wParam, LPARAM lParam);
   void OnClose();
+  void Close(int result);
   void OnDestroy();
   void OpenTutorial(const char* name);
   JobSettings ReadForm() const;
-  void Close(int result);
 
-  // The orthophotos: mosaicon_dlg_input.cpp
-  LRESULT OnOrthoPath(WPARAM wParam, LPARAM lParam);
-  void OnOrthophotoLeft();
   // The gate: mosaicon_dlg_gate.cpp
   LRESULT WindowProcWhenClosed(UINT message, WPARAM wParam, LPARAM lParam);
   bool IsInTurn(UINT message, WPARAM wParam) const;
   void LockControls(bool locked);
 
+  // The orthophotos: mosaicon_dlg_input.cpp
+  LRESULT OnOrthoPath(WPARAM wParam, LPARAM lParam);
+  void OnOrthophotoLeft();
   LRESULT OnScanTypedPath(WPARAM wParam, LPARAM lParam);
   void OnPickFolder();
   void OnDropFiles(HDROP drop);
   void SetFolderMode(bool folderMode);
-  void Scan(const std::string& path);
-  void ScanTypedPath();
+  void ShowInputList(const std::string& inputList);
+  void ShowInputPath(const std::string& path, bool folderMode);
+  void Scan(const std::string& path, MessageSink& messages);
+  bool ScanTypedPath();
+  void ScanForJob();
 
   // The host of a job: mosaicon_dlg_host.cpp
   void ShowMessage(MessageIcon icon, const std::string& text) override;
@@ -116,7 +118,7 @@ class CMosaiconDlg : public CDialogEx, private JobHost {
   void ShowButtonIcons();
   void ShowAnimation(bool busy);
 
-  const std::string m_strInputList;
+  std::string m_strInputList;  // that the orthophotos come from; empty when they come from the field
   const std::string m_strProgramPath;
   DialogOpener& m_opener;
 

@@ -2,26 +2,37 @@
 #include "job/dropped_files.h"
 #include "job/input_list.h"
 #include "job/mosaicon_dlg.h"
+#include "mfc/wait_cursor.h"
 #include "resources/resource.h"
 
 namespace {
 
-// Shows the hourglass for as long as it lives.
-class WaitCursor {
+// Of messages that were shown already, or that somebody else will show.
+class NoMessages : public MessageSink {
  public:
-  WaitCursor() : m_hPrevious(SetCursor(LoadCursorA(nullptr, IDC_WAIT))) {}
-  ~WaitCursor() { SetCursor(m_hPrevious); }
-  WaitCursor(const WaitCursor&) = delete;
-  WaitCursor& operator=(const WaitCursor&) = delete;
-
- private:
-  HCURSOR m_hPrevious;
+  void ShowMessage(MessageIcon /*icon*/, const std::string& /*text*/) override {}
 };
 
 }  // namespace
 
+// The form follows a list that was given neither by browsing nor by typing.
+void CMosaiconDlg::ShowInputList(const std::string& inputList) {
+  const CWaitCursor wait;
+  RestoredInput input = RestoreInputList(inputList);
+  m_strInputList = inputList;
+  m_strScannedPath = input.shownPath;
+  m_vOrthophotos = std::move(input.orthophotos);
+  ShowInputPath(input.shownPath, input.folderMode);
+}
+
+void CMosaiconDlg::ShowInputPath(const std::string& path, bool folderMode) {
+  CheckDlgButton(IDC_PICK_FOLDER, folderMode);
+  SetFolderMode(folderMode);
+  m_orthophoto.SetWindowText(path);
+}
+
 LRESULT CMosaiconDlg::OnOrthoPath(WPARAM /*wParam*/, LPARAM lParam) {
-  if (lParam != 0) Scan(reinterpret_cast<const char*>(lParam));
+  if (lParam != 0) Scan(reinterpret_cast<const char*>(lParam), *this);
   return 0;
 }
 
@@ -47,35 +58,45 @@ void CMosaiconDlg::OnPickFolder() {
   m_strScannedPath.clear();
 }
 
-void CMosaiconDlg::Scan(const std::string& path) {
+void CMosaiconDlg::Scan(const std::string& path, MessageSink& messages) {
+  m_strInputList.clear();
   m_strScannedPath = path;
-  const WaitCursor wait;
-  ScanInput(path, IsDlgButtonChecked(IDC_PICK_FOLDER) != FALSE, m_files, *this, m_vOrthophotos);
+  const CWaitCursor wait;
+  ScanInput(path, IsDlgButtonChecked(IDC_PICK_FOLDER) != FALSE, m_files, messages, m_vOrthophotos);
 }
 
-void CMosaiconDlg::ScanTypedPath() {
-  const std::string path = m_orthophoto.GetWindowText();
-  if (path != m_strScannedPath) Scan(path);
+// Looks at what the field says, unless the list was made from that; false then.
+bool CMosaiconDlg::ScanTypedPath() {
+  const std::string typed = m_orthophoto.GetWindowText();
+  const std::string path = m_files.FullPath(Unquote(typed));
+  if (path != typed) m_orthophoto.SetWindowText(path);
+  if (path == m_strScannedPath) return false;
+  Scan(path, *this);
+  return true;
+}
+
+// Files that could not be used may have arrived meanwhile. The job itself tells when they have not.
+void CMosaiconDlg::ScanForJob() {
+  if (ScanTypedPath() || !m_vOrthophotos.empty()) return;
+  if (!m_strInputList.empty()) {
+    m_vOrthophotos = RestoreInputList(m_strInputList).orthophotos;
+  } else {
+    NoMessages messages;
+    Scan(m_strScannedPath, messages);
+  }
 }
 
 void CMosaiconDlg::OnDropFiles(HDROP drop) {
-  const std::vector<std::string> paths = TakeDroppedFiles(drop);
-  if (m_bJobRunning || paths.empty()) return;
+  std::vector<std::string> paths = TakeDroppedFiles(drop);
+  if (paths.empty()) return;
   SetForegroundWindow(m_hWnd);
-  const bool isFolder = (GetFileAttributesA(paths.front().c_str()) & FILE_ATTRIBUTE_DIRECTORY) != 0;
-  const bool folderMode = paths.size() > 1 || isFolder;
-  CheckDlgButton(IDC_PICK_FOLDER, folderMode);
-  SetFolderMode(folderMode);
+  if (paths.size() > 1) paths = ListDroppedFiles(paths);
   if (paths.size() == 1) {
-    m_orthophoto.SetWindowText(paths.front());
-    Scan(paths.front());
+    ShowInputPath(paths.front(), IsFolder(paths.front()));
+    Scan(paths.front(), *this);
     return;
   }
-  const WaitCursor wait;
-  RestoredInput input = RestoreInputList(JoinInputList(paths));
-  m_orthophoto.SetWindowText(input.shownPath);
-  m_strScannedPath = input.shownPath;
-  m_vOrthophotos = std::move(input.orthophotos);
+  ShowInputList(JoinInputList(paths));
   if (m_vOrthophotos.empty()) {
     ShowMessage(MessageIcon::kWarning, "No valid orthophoto found inside selected folder");
   }

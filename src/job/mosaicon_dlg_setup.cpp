@@ -50,7 +50,7 @@ BOOL CMosaiconDlg::OnInitDialog() {
     m_icons.Load(m_hWnd, MAKEINTRESOURCEA(icon));
   }
   ShowButtonIcons();
-  RestoreInput();
+  ShowInputList(MakeInputListFull(m_strInputList, m_files));
   RestoreForm();
   RestorePlace();
   DragAcceptFiles(m_hWnd, TRUE);
@@ -100,15 +100,6 @@ void CMosaiconDlg::CreatePreview() {
 void CMosaiconDlg::AddToolTips() {
   m_toolTips.Create(this);
   for (const ToolTip& tip : kToolTips) m_toolTips.AddTool(GetDlgItem(tip.id), tip.text);
-}
-
-void CMosaiconDlg::RestoreInput() {
-  RestoredInput input = RestoreInputList(m_strInputList);
-  CheckDlgButton(IDC_PICK_FOLDER, input.folderMode);
-  SetFolderMode(input.folderMode);
-  m_orthophoto.SetWindowText(input.shownPath);
-  m_strScannedPath = input.shownPath;
-  m_vOrthophotos = std::move(input.orthophotos);
 }
 
 void CMosaiconDlg::RestoreForm() {
