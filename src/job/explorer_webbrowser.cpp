@@ -57,15 +57,18 @@ BOOL CExplorer_webbrowser::CreateControl(const char* classId, const RECT& rectan
 
 bool CExplorer_webbrowser::Navigate(const std::string& url) {
   const ComPointer<IDispatch> control = m_hWnd != nullptr ? GetControl(m_hWnd) : nullptr;
-  if (!control) return false;
+  return control && NavigateControl(*control, url);
+}
+
+bool NavigateControl(IDispatch& control, const std::string& url) {
   // From the last to the first; the four optional ones are empty.
   VARIANT arguments[kNavigateArguments];
   for (VARIANT& argument : arguments) VariantInit(&argument);
   arguments[kNavigateArguments - 1].vt = VT_BSTR;
   arguments[kNavigateArguments - 1].bstrVal = MakeWideText(url);
   DISPPARAMS parameters = {arguments, nullptr, kNavigateArguments, 0};
-  const HRESULT result = control->Invoke(kNavigate, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD,
-                                         &parameters, nullptr, nullptr, nullptr);
+  const HRESULT result = control.Invoke(kNavigate, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD,
+                                        &parameters, nullptr, nullptr, nullptr);
   VariantClear(&arguments[kNavigateArguments - 1]);
   return SUCCEEDED(result);
 }

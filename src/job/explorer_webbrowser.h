@@ -3,6 +3,8 @@
 #ifndef MOSAICON_JOB_EXPLORER_WEBBROWSER_H_
 #define MOSAICON_JOB_EXPLORER_WEBBROWSER_H_
 
+#include <oaidl.h>
+
 #include <string>
 
 #include "mfc/wnd.h"
@@ -22,5 +24,8 @@ class CExplorer_webbrowser : public CWnd {
   // a control.
   bool Navigate(const std::string& url);
 };
+
+// The same with a control in hand.
+bool NavigateControl(IDispatch& control, const std::string& url);
 
 #endif  // MOSAICON_JOB_EXPLORER_WEBBROWSER_H_

@@ -20,7 +20,5 @@ BOOL CProcessReportDlg::OnInitDialog() {
   // The log of a folder with thousands of orthophotos is longer than what a person may type.
   SendDlgItemMessageA(m_hWnd, IDC_LOG, EM_SETLIMITTEXT, 0, 0);
   SetDlgItemText(IDC_LOG, m_strLog);
-  // In the log the whole text would be selected.
-  SetFocus(GetDlgItem(IDOK));
-  return FALSE;
+  return TRUE;
 }
