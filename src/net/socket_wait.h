@@ -18,7 +18,8 @@ bool HasPendingBytes(SOCKET socket);
 
 enum class SocketEvent { kReadable, kWritable };
 
-// True when it came within the time. listener may be null.
+// True when it came within the time. False at once when it never can: there is no such socket, or the
+// connection that was to make it writable is refused. listener may be null.
 bool WaitForSocket(SOCKET socket, SocketEvent event, long seconds, long microseconds, WaitListener* listener);
 
 #endif  // MOSAICON_NET_SOCKET_WAIT_H_

@@ -26,7 +26,8 @@ class CUT_WSClient : public CUT_Socket {
   ~CUT_WSClient() override;
 
   // Connects to a dotted address or a name. timeout in seconds; negative blocks for as long as the
-  // system tries. A port that is refused while there is a time-out counts as silent: 5.
+  // system tries. A port that is refused while there is a time-out counts as silent: 5, but
+  // without the wait.
   virtual int Connect(std::uint16_t port, const char* address, long timeout = -1, int family = AF_INET,
                       int type = SOCK_STREAM);
   // The same from a local address and port (null and 0: any). Dotted addresses only, no time-out.

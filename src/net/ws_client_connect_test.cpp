@@ -98,12 +98,11 @@ TEST(Connecting, EndsWithItsTimeOutWhenNobodyAnswers) {
   EXPECT_EQ(client.Connect(listener.Port(), kLoopback, 7), kNetSuccess) << "and can be tried again";
 }
 
-TEST(Connecting, TakesNoLongerThanItsTimeOutForARefusal) {
+TEST(Connecting, DoesNotWaitOnceItIsRefused) {
   Client client;
   const ULONGLONG start = GetTickCount64();
-  const int code = client.Connect(UnusedPort(), kLoopback, 1);
-  EXPECT_TRUE(code == kNetConnectTimedOut || code == kNetNotConnected) << code;
-  EXPECT_LT(GetTickCount64() - start, 3000U);
+  EXPECT_EQ(client.Connect(UnusedPort(), kLoopback, 60), kNetConnectTimedOut);
+  EXPECT_LT(GetTickCount64() - start, 20000U);
   EXPECT_EQ(client.closed, 1);
 }
 

@@ -59,6 +59,23 @@ TEST_F(WaitsOfAClient, EndWithWhatTheyWaitFor) {
   EXPECT_LT(m_watch.Elapsed(), kPromptly);
 }
 
+TEST_F(WaitsOfAClient, EndAtOnceWithoutASocket) {
+  m_client.CloseConnection();
+  EXPECT_EQ(m_client.WaitForReceive(30, 0), 1);
+  EXPECT_EQ(m_client.WaitWritable(30, 0), 1);
+  EXPECT_EQ(m_client.WaitForAccept(30), 1);
+  EXPECT_EQ(m_client.ReceiveLine(m_buffer, sizeof m_buffer, 30), 0);
+  EXPECT_LT(m_watch.Elapsed(), kPromptly);
+  EXPECT_EQ(m_turns.turns, 0);
+}
+
+TEST_F(WaitsOfAClient, EndWithARefusal) {
+  m_client.CloseConnection();
+  const std::uint16_t nobody = UnusedPort();
+  EXPECT_EQ(m_client.Connect(nobody, "127.0.0.1", 60), kNetConnectTimedOut);
+  EXPECT_LT(m_watch.Elapsed(), 20000U);
+}
+
 TEST_F(WaitsOfAClient, AreStoppedForALine) {
   m_turns.patience = 5;
   EXPECT_EQ(m_client.ReceiveLine(m_buffer, sizeof m_buffer, 30), 0);

@@ -40,7 +40,7 @@ for exception_mode in MODES:
             [14], "the server refuses with 550 before it opens the data connection")
 # The command goes out before the connection is made, and a connection that is refused counts as one that
 # is not made in time.
-CLOSES_PORT = "the server may close its data port with the refusal; then the connection times out"
+CLOSES_PORT = "the server may close its data port with the refusal; then the connection is not made"
 EXCEPTIONS["missing file: rename, delete, download", "proftpd", "passive"] = (
     [(65, 10, 48), (65, 10, 5)], CLOSES_PORT)
 EXCEPTIONS["upload into a missing folder", "proftpd", "passive"] = ([51, 5], CLOSES_PORT)
