@@ -5,19 +5,11 @@
 
 #include <cstddef>
 
-class LineSocket {
+#include "net/peek_socket.h"
+
+class LineSocket : public PeekSocket {
  public:
-  virtual ~LineSocket() = default;
-
   virtual bool IsAborted() = 0;
-
-  // False when nothing can be read within the time.
-  virtual bool WaitForData(long seconds) = 0;
-
-  // At most count bytes that are waiting, without and with removing them. The number of bytes; 0 when
-  // the other side has closed, negative when the socket failed.
-  virtual int Peek(char* buffer, int count) = 0;
-  virtual int Take(char* buffer, int count) = 0;
 };
 
 // Puts one line with its line feed and a terminator into buffer, and returns the number of bytes before

@@ -52,7 +52,7 @@ class CUT_WSClient : public CUT_Socket {
   // Closes the connected socket and takes the next pending connection; blocks while there is none.
   virtual int AcceptConnection();
 
-  // In chunks of 255 bytes, from where the stream stands to its end.
+  // In chunks of 255 bytes, from where the stream stands to its end. Several of them may go out together.
   virtual int SendFromStream(ByteStream& stream);
   // Opens the source for reading and closes it.
   virtual int SendFromSource(CUT_DataSource& source);
@@ -134,7 +134,11 @@ class CUT_WSClient : public CUT_Socket {
   bool GetLocalAddress(char* text, size_t size);
 
  private:
+  template <class Interface>
+  class Peeking;
   class Lines;
+  class ReceivedChunks;
+  class SentChunks;
 
   bool FindRemoteAddress(const char* address, sockaddr_in& remote);
   int ConnectWithin(long timeout);

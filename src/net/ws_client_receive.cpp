@@ -1,8 +1,8 @@
 // CUT_WSClient: receiving.
 #include <algorithm>
 #include <climits>
-#include <cstring>
 
+#include "net/chunk_receiver.h"
 #include "net/error_codes.h"
 #include "net/file_data_source.h"
 #include "net/line_reader.h"
@@ -11,23 +11,17 @@
 
 namespace {
 
-constexpr long kReceiveChunk = 256;
 // 1 MiB: a peer that sends for ever must not keep us.
 constexpr int kMaxDrainedChunks = 4096;
 
 }  // namespace
 
-// The connected socket as the line reader sees it.
-class CUT_WSClient::Lines : public LineSocket {
+// The connected socket, behind an interface that is a PeekSocket and more.
+template <class Interface>
+class CUT_WSClient::Peeking : public Interface {
  public:
-  // An abort counts once the deadline has passed.
-  Lines(CUT_WSClient& client, ULONGLONG deadline) : m_client(client), m_nDeadline(deadline) {}
+  explicit Peeking(CUT_WSClient& client) : m_client(client) {}
 
-  bool IsAborted() override {
-    const ULONGLONG lineDeadline = m_client.m_nLineDeadline;
-    if (lineDeadline != 0 && GetTickCount64() >= lineDeadline) return true;
-    return m_client.IsAborted() && GetTickCount64() >= m_nDeadline;
-  }
   bool WaitForData(long seconds) override { return m_client.WaitForReceive(seconds, 0) == 0; }
   int Peek(char* buffer, int count) override {
     if (!m_client.WaitWithListener()) return -1;
@@ -35,9 +29,33 @@ class CUT_WSClient::Lines : public LineSocket {
   }
   int Take(char* buffer, int count) override { return m_client.RecvRaw(m_client.m_socket, buffer, count, 0); }
 
- private:
+ protected:
   CUT_WSClient& m_client;
+};
+
+class CUT_WSClient::Lines : public Peeking<LineSocket> {
+ public:
+  // An abort counts once the deadline has passed.
+  Lines(CUT_WSClient& client, ULONGLONG deadline) : Peeking(client), m_nDeadline(deadline) {}
+
+  bool IsAborted() override {
+    const ULONGLONG lineDeadline = m_client.m_nLineDeadline;
+    if (lineDeadline != 0 && GetTickCount64() >= lineDeadline) return true;
+    return m_client.IsAborted() && GetTickCount64() >= m_nDeadline;
+  }
+
+ private:
   ULONGLONG m_nDeadline;
+};
+
+class CUT_WSClient::ReceivedChunks : public Peeking<ReceiveSocket> {
+ public:
+  using Peeking::Peeking;
+
+  bool GoesOn(long long bytes) override {
+    return m_client.OnReceiveProgress(static_cast<long>(std::min<long long>(bytes, LONG_MAX))) != 0 &&
+           !m_client.IsAborted();
+  }
 };
 
 int CUT_WSClient::ReceiveLine(char* buffer, size_t size, long seconds) {
@@ -79,21 +97,8 @@ int CUT_WSClient::ReceiveAll(char* buffer, int length, long seconds) {
 }
 
 int CUT_WSClient::ReceiveBytes(ByteStream& bytes, long seconds, long maximum) {
-  char chunk[kReceiveChunk];
-  long long total = 0;
-  for (;;) {
-    if (maximum > 0 && total >= maximum) return kNetSuccess;
-    if (seconds > 0 && WaitForReceive(seconds, 0) != 0) return kNetTimedOut;
-    const long long wanted =
-        maximum > 0 ? std::min<long long>(maximum - total, kReceiveChunk) : kReceiveChunk;
-    const int count = Receive(chunk, static_cast<int>(wanted), 0);
-    if (count == 0) return kNetSuccess;
-    if (count < 0) return kNetReceiveFailed;
-    if (bytes.Write(chunk, static_cast<size_t>(count)) < count) return kNetSourceNotWritten;
-    total += count;
-    if (OnReceiveProgress(static_cast<long>(std::min<long long>(total, LONG_MAX))) == 0) return kNetAborted;
-    if (IsAborted()) return kNetAborted;
-  }
+  ReceivedChunks chunks(*this);
+  return ReceiveChunks(chunks, bytes, seconds, maximum);
 }
 
 int CUT_WSClient::ReceiveToStream(ByteStream& stream, long seconds, long maximum) {

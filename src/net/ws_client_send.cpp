@@ -3,14 +3,13 @@
 #include <climits>
 #include <cstring>
 
+#include "net/chunk_sender.h"
 #include "net/error_codes.h"
 #include "net/file_data_source.h"
 #include "net/source_bytes.h"
 #include "net/ws_client.h"
 
 namespace {
-
-constexpr size_t kSendChunk = 255;
 
 int LengthOrTextLength(const char* buffer, int length) {
   if (length > 0) return length;
@@ -57,18 +56,24 @@ int CUT_WSClient::SendInLines(const char* buffer, int length, int lineLength) {
   return sent;
 }
 
-int CUT_WSClient::SendBytes(ByteStream& bytes) {
-  char chunk[kSendChunk];
-  long long total = 0;
-  for (;;) {
-    const int count = bytes.Read(chunk, sizeof chunk);
-    if (count < 1) return kNetSuccess;
-    // All of the chunk: a connection that took a part of it would otherwise lose the rest.
-    if (SendAll(chunk, count) < count) return kNetSendFailed;
-    total += count;
-    if (OnSendProgress(static_cast<long>(std::min<long long>(total, LONG_MAX))) == 0) return kNetAborted;
-    if (IsAborted()) return kNetAborted;
+class CUT_WSClient::SentChunks : public SendSocket {
+ public:
+  explicit SentChunks(CUT_WSClient& client) : m_client(client) {}
+
+  bool SendAll(const char* bytes, int count) override { return m_client.SendAll(bytes, count) == count; }
+  bool GoesOn(long long bytes) override {
+    return m_client.OnSendProgress(static_cast<long>(std::min<long long>(bytes, LONG_MAX))) != 0 &&
+           !m_client.IsAborted();
   }
+  std::uint64_t Milliseconds() override { return GetTickCount64(); }
+
+ private:
+  CUT_WSClient& m_client;
+};
+
+int CUT_WSClient::SendBytes(ByteStream& bytes) {
+  SentChunks chunks(*this);
+  return SendChunks(bytes, chunks);
 }
 
 int CUT_WSClient::SendFromStream(ByteStream& stream) {
