@@ -1,6 +1,8 @@
 // Others override and call the clients by the order of their functions.
 #include <gtest/gtest.h>
 
+#include <type_traits>
+
 #include "net/ftp_client.h"
 #include "net/slot_order.h"
 
@@ -9,6 +11,9 @@ namespace {
 constexpr int kSocketFunctions = 7;
 constexpr int kClientFunctions = 33;
 constexpr int kFtpFunctions = 32;
+
+static_assert(std::is_polymorphic_v<CUT_Socket> && sizeof(CUT_Socket) == sizeof(void*), "has no data");
+static_assert(sizeof(CUT_WSDataClient) == sizeof(CUT_WSClient) + sizeof(void*), "has its owner only");
 
 TEST(Slots, OfASocketStandInOrder) {
   using Socket = CUT_Socket;

@@ -1,6 +1,7 @@
 #include "net/cut_socket.h"
 
 #include "net/error_codes.h"
+#include "net/socket_wait.h"
 
 int CUT_Socket::OnSocketConnected(SOCKET /*socket*/, const char* /*remoteAddress*/) {
   return kNetSuccess;
@@ -27,5 +28,5 @@ bool CUT_Socket::HasPendingData(SOCKET socket) {
 }
 
 int CUT_Socket::WaitReadable(SOCKET socket, long seconds, long microseconds) {
-  return WaitForSocket(socket, SocketEvent::kReadable, seconds, microseconds, m_pWaitListener) ? 0 : 1;
+  return WaitForSocket(socket, SocketEvent::kReadable, seconds, microseconds, nullptr) ? 0 : 1;
 }

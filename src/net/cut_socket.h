@@ -4,7 +4,7 @@
 #ifndef MOSAICON_NET_CUT_SOCKET_H_
 #define MOSAICON_NET_CUT_SOCKET_H_
 
-#include "net/socket_wait.h"
+#include "net/winsock.h"
 
 class CUT_Socket {
  public:
@@ -30,15 +30,6 @@ class CUT_Socket {
   // 0 when the socket is readable within the time (bytes, a connection to accept, or the end), 1
   // otherwise.
   virtual int WaitReadable(SOCKET socket, long seconds, long microseconds);
-
-  // Every wait lets the listener have its turns. Borrowed; null (the default): nobody.
-  void SetWaitListener(WaitListener* listener) { m_pWaitListener = listener; }
-
- protected:
-  WaitListener* GetWaitListener() const { return m_pWaitListener; }
-
- private:
-  WaitListener* m_pWaitListener = nullptr;
 };
 
 #endif  // MOSAICON_NET_CUT_SOCKET_H_

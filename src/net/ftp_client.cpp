@@ -97,7 +97,7 @@ int CUT_FTPClient::FTPClose() {
 int CUT_FTPClient::SetTransferType(int type) {
   if (type != 0 && type != 1) return OnError(kNetBadValue);
   const int failed = CheckReply(Ask(type == 1 ? "TYPE I\r\n" : "TYPE A\r\n"), 200, 299, kNetDenied);
-  if (failed == kNetSuccess) m_nTransferType = type;
+  if (failed == kNetSuccess) m_bBinary = type;
   return OnError(failed);
 }
 

@@ -118,7 +118,7 @@ class CUT_FTPClient : public CUT_WSClient {
   // Of the connection for commands and of those for data.
   void SetWaitListener(WaitListener* listener);
 
-  int GetTransferType() const { return m_nTransferType; }
+  int GetTransferType() const { return m_bBinary; }
   int GetTransferMode() const { return m_nTransferMode; }
   int GetStructure() const { return m_nStructure; }
   bool IsLoggedIn() const { return m_bConnected != 0; }
@@ -150,6 +150,7 @@ class CUT_FTPClient : public CUT_WSClient {
   int OfferDataPort(int noPortCode);
   int ListenOnDataPort(int noPortCode);
   int AcceptData(long seconds);
+  int PrepareData();
   int StartActive(const char* command, int refusedCode);
   int FindPassivePort(int noBracketCode, int badPortCode, DataAddress& target);
   int ConnectData(const char* command, int refusedCode, const DataAddress& target);
@@ -168,7 +169,7 @@ class CUT_FTPClient : public CUT_WSClient {
   CUT_WSDataClient m_data;  // keeps the pointer back to this client
   char m_szLastReply[260] = "";
   std::int32_t m_bConnected = 0;
-  std::int32_t m_nTransferType = 1;
+  std::int32_t m_bBinary = 1;  // transfer type image; otherwise ASCII
   std::int32_t m_nTransferMode = 0;
   std::int32_t m_nStructure = 0;
   std::int32_t m_nNextDataPort;

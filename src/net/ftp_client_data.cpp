@@ -48,12 +48,20 @@ int CUT_FTPClient::CloseDataAfter(int code) {
 }
 
 int CUT_FTPClient::AcceptData(long seconds) {
-  if (m_data.WaitForAccept(seconds) == 0 && m_data.AcceptConnection() == kNetSuccess) return kNetSuccess;
+  if (m_data.WaitForAccept(seconds) == 0 && m_data.AcceptConnection() == kNetSuccess &&
+      PrepareData() == kNetSuccess) {
+    return kNetSuccess;
+  }
   m_data.CloseConnection();
   // The server may have said why it does not come.
   m_nLateReplyWait = SkipToFinalReply(0) ? -1 : kLateReplySeconds;
   DrainInput();
   return kNetDataConnectionFailed;
+}
+
+// With somebody who listens to its waits, a transfer must not block instead.
+int CUT_FTPClient::PrepareData() {
+  return GetWaitListener() != nullptr ? m_data.SetBlockingMode(1) : kNetSuccess;
 }
 
 int CUT_FTPClient::StartActive(const char* command, int refusedCode) {
@@ -79,7 +87,8 @@ int CUT_FTPClient::FindPassivePort(int noBracketCode, int badPortCode, DataAddre
 // The command goes first: servers wait for the connection before they answer it.
 int CUT_FTPClient::ConnectData(const char* command, int refusedCode, const DataAddress& target) {
   SendCommand(command);
-  const int connected = m_data.Connect(target.port, target.address.c_str(), m_nConnectTimeout);
+  int connected = m_data.Connect(target.port, target.address.c_str(), m_nConnectTimeout);
+  if (connected == kNetSuccess) connected = PrepareData();
   if (connected != kNetSuccess) {
     m_nLateReplyWait = kLateReplySeconds;
     return CloseDataAfter(connected);

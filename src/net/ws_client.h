@@ -17,6 +17,7 @@
 #include "net/byte_stream.h"
 #include "net/cut_socket.h"
 #include "net/data_source.h"
+#include "net/socket_wait.h"
 
 class CUT_WSClient : public CUT_Socket {
  public:
@@ -24,6 +25,9 @@ class CUT_WSClient : public CUT_Socket {
 
   // The order of the virtual functions is part of the interface.
   ~CUT_WSClient() override;
+
+  // As for every socket, but with the turns of the listener.
+  int WaitReadable(SOCKET socket, long seconds, long microseconds) override;
 
   // Connects to a dotted address or a name. timeout in seconds; negative blocks for as long as the
   // system tries. A port that is refused while there is a time-out counts as silent: 5, but
@@ -115,6 +119,9 @@ class CUT_WSClient : public CUT_Socket {
   // the bytes come. 0: never.
   void SetLineDeadline(ULONGLONG deadline) { m_nLineDeadline = deadline; }
 
+  // Every wait lets the listener have its turns. Borrowed; null (the default): nobody.
+  void SetWaitListener(WaitListener* listener) { m_pWaitListener = listener; }
+
   // ReceiveLine for what must be read, abort or not: an abort ends it only when GetTickCount64 has
   // passed deadline.
   int ReceiveLineDespiteAbort(char* buffer, size_t size, long seconds, ULONGLONG deadline);
@@ -129,6 +136,8 @@ class CUT_WSClient : public CUT_Socket {
  protected:
   // What the setters keep, for connections to come.
   void PresetTimeouts(std::int32_t receiveMilliseconds, std::int32_t sendMilliseconds);
+
+  WaitListener* GetWaitListener() const { return m_pWaitListener; }
 
   // "127.0.0.1" into text; false when there is no local end.
   bool GetLocalAddress(char* text, size_t size);
@@ -171,6 +180,7 @@ class CUT_WSClient : public CUT_Socket {
   std::int32_t m_nSendTimeout = 30000;  // milliseconds
   std::int32_t m_nReceiveTimeout = 30000;
   ULONGLONG m_nLineDeadline = 0;
+  WaitListener* m_pWaitListener = nullptr;
 };
 
 #endif  // MOSAICON_NET_WS_CLIENT_H_

@@ -68,6 +68,10 @@ int CUT_WSClient::ReceiveLineDespiteAbort(char* buffer, size_t size, long second
   return ReadLineFrom(lines, buffer, size, seconds);
 }
 
+int CUT_WSClient::WaitReadable(SOCKET socket, long seconds, long microseconds) {
+  return WaitForSocket(socket, SocketEvent::kReadable, seconds, microseconds, m_pWaitListener) ? 0 : 1;
+}
+
 int CUT_WSClient::WaitForReceive(long seconds, long microseconds) {
   return WaitReadable(m_socket, seconds, microseconds);
 }

@@ -1,11 +1,5 @@
 #include "net/ws_data_client.h"
 
-#include "net/error_codes.h"
-
-int CUT_WSDataClient::OnSocketConnected(SOCKET /*socket*/, const char* /*remoteAddress*/) {
-  return GetWaitListener() != nullptr ? SetBlockingMode(1) : kNetSuccess;
-}
-
 // An owner that overrides the hook for its progress bar can still be aborted.
 
 int CUT_WSDataClient::OnReceiveProgress(long bytes) {

@@ -9,8 +9,6 @@ class CUT_WSDataClient : public CUT_WSClient {
  public:
   explicit CUT_WSDataClient(CUT_WSClient& owner) : m_owner(owner) {}  // borrowed
 
-  // With somebody who listens to its waits, nothing may block instead.
-  int OnSocketConnected(SOCKET socket, const char* remoteAddress) override;
   int OnReceiveProgress(long bytes) override;
   int OnSendProgress(long bytes) override;
 
