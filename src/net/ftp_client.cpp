@@ -79,7 +79,7 @@ int CUT_FTPClient::LogIn(const LoginCommands& commands) {
                {commands.account, kNetAcctRefused}};
   for (const auto& [command, failure] : steps) {
     const int reply = Ask(command);
-    if (const int refused = CheckReply(reply, 200, 399, failure)) return refused;
+    if (const int refused = CheckLastReply(reply, 200, 399, failure)) return refused;
     if (reply < 300) break;
   }
   return kNetSuccess;
@@ -96,7 +96,7 @@ int CUT_FTPClient::FTPClose() {
 
 int CUT_FTPClient::SetTransferType(int type) {
   if (type != 0 && type != 1) return OnError(kNetBadValue);
-  const int failed = CheckReply(Ask(type == 1 ? "TYPE I\r\n" : "TYPE A\r\n"), 200, 299, kNetDenied);
+  const int failed = CheckLastReply(Ask(type == 1 ? "TYPE I\r\n" : "TYPE A\r\n"), 200, 299, kNetDenied);
   if (failed == kNetSuccess) m_bBinary = type;
   return OnError(failed);
 }
@@ -113,7 +113,7 @@ int CUT_FTPClient::SetStructure(int structure) {
 int CUT_FTPClient::AskForChoice(int value, const char* const (&commands)[3], std::int32_t& stored) {
   if (value >= 4) return OnError(kNetBadValue);
   if (value >= 0 && value <= 2) SendCommand(commands[value]);
-  const int failed = CheckReply(GetResponseCode(*this), 200, 299, kNetDenied);
+  const int failed = CheckLastReply(GetResponseCode(*this), 200, 299, kNetDenied);
   if (failed == kNetSuccess) stored = value;
   return OnError(failed);
 }

@@ -141,6 +141,7 @@ class CUT_FTPClient : public CUT_WSClient {
   void SendCommand(const char* command);
   int Ask(const char* command, char* text = nullptr, int size = 0);
   int AskWithText(const char* format, const char* text, int lowest, int highest, int failure);
+  int CheckLastReply(int reply, int lowest, int highest, int failure);
   int AskForChoice(int value, const char* const (&commands)[3], std::int32_t& stored);
   void ReadLateReplies();
   bool SkipToFinalReply(long seconds);

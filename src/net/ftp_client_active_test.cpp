@@ -15,7 +15,7 @@ class FtpActive : public FtpTest {
   }
   static ScriptedServer::Step RefusePort(const std::string& reply) {
     return [reply](ScriptedServer::Stage& stage) {
-      return stage.control.HearLine().rfind("PORT ", 0) == 0 && Say(reply)(stage);
+      return stage.control.HearLine().starts_with("PORT ") && Reply(reply)(stage);
     };
   }
 };

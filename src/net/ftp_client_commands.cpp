@@ -18,9 +18,9 @@ int CUT_FTPClient::RenameFile(const char* oldName, const char* newName) {
   // Both first: a rename that is begun must be finished.
   if (const int refused = CheckText("RNFR %s\r\n", oldName, from)) return OnError(refused);
   if (const int refused = CheckText("RNTO %s\r\n", newName, to)) return OnError(refused);
-  const int failed = CheckReply(Ask(from), 300, 399, kNetRnfrRefused);
+  const int failed = CheckLastReply(Ask(from), 300, 399, kNetRnfrRefused);
   if (failed != kNetSuccess) return OnError(failed);
-  return OnError(CheckReply(Ask(to), 200, 299, kNetRntoRefused));
+  return OnError(CheckLastReply(Ask(to), 200, 299, kNetRntoRefused));
 }
 
 int CUT_FTPClient::DeleteFile(const char* remoteName) {
@@ -31,7 +31,7 @@ int CUT_FTPClient::GetCurDir(char* buffer, int size) {
   if (buffer == nullptr) return OnError(kNetNullBuffer);
   if (size < 1) return OnError(kNetBufferTooShort);
   buffer[0] = '\0';
-  const int failed = CheckReply(Ask("PWD\r\n", buffer, size), 200, 299, kNetDenied);
+  const int failed = CheckLastReply(Ask("PWD\r\n", buffer, size), 200, 299, kNetDenied);
   if (failed == kNetSuccess) QuotedPath(m_szLine, buffer, size);
   return OnError(failed);
 }
@@ -41,7 +41,7 @@ int CUT_FTPClient::ChDir(const char* directory) {
 }
 
 int CUT_FTPClient::CdUp() {
-  return OnError(CheckReply(Ask("CDUP\r\n"), 200, 299, kNetDenied));
+  return OnError(CheckLastReply(Ask("CDUP\r\n"), 200, 299, kNetDenied));
 }
 
 int CUT_FTPClient::MkDir(const char* directory) {
@@ -53,7 +53,7 @@ int CUT_FTPClient::RmDir(const char* directory) {
 }
 
 int CUT_FTPClient::NoOp() {
-  return OnError(CheckReply(Ask("NOOP\r\n"), 200, 299, kNetDenied));
+  return OnError(CheckLastReply(Ask("NOOP\r\n"), 200, 299, kNetDenied));
 }
 
 int CUT_FTPClient::Help(const char* topic) {
@@ -63,7 +63,7 @@ int CUT_FTPClient::Help(const char* topic) {
   }
   ReadLateReplies();
   m_replyLines.Clear();
-  return OnError(CheckReply(Ask(command), 1, 299, kNetDenied));
+  return OnError(CheckLastReply(Ask(command), 1, 299, kNetDenied));
 }
 
 int CUT_FTPClient::Quote(const char* command) {
@@ -74,6 +74,6 @@ int CUT_FTPClient::Quote(const char* command) {
   if (SendInLines(command, -1, kQuoteLine) == 0 && IsAborted()) return OnError(kNetAborted);
   const int code = GetResponseCode(*this);
   // The server takes what follows the first line for commands, and answers each of them.
-  if (std::strlen(command) > kQuoteLine) m_nLateReplyWait = kLateReplySeconds;
+  if (IsPreliminary(code) || std::strlen(command) > kQuoteLine) m_nLateReplyWait = kLateReplySeconds;
   return OnError(code == 0 ? kNetNoResponse : kNetSuccess);
 }

@@ -48,7 +48,7 @@ TEST_F(FtpCommands, AreJudgedByTheClassOfTheReply) {
   for (const CommandCase& command : AllCommands()) {
     Script script;
     for (const char* reply : kReplies) {
-      script = script + Script{Expect(command.sent), Say(reply), Expect("NOOP"), Say("200 own")};
+      script = script + Script{Expect(command.sent), Reply(reply), Expect("NOOP"), Say("200 own")};
     }
     LogInTo(script + InStep());
     for (int i = 0; i < 5; ++i) {
@@ -159,11 +159,11 @@ TEST_F(FtpCommands, RenameInTwoSteps) {
   const int to = kNetRntoRefused;
   Script script;
   for (const char* reply : kReplies) {
-    script = script + Script{Expect("RNFR a b"), Say(reply)};
+    script = script + Script{Expect("RNFR a b"), Reply(reply)};
     if (reply[0] == '3') script = script + Script{Expect("RNTO c d"), Say("250 done")};
   }
   for (const char* reply : kReplies) {
-    script = script + Script{Expect("RNFR a b"), Say("350"), Expect("RNTO c d"), Say(reply)};
+    script = script + Script{Expect("RNFR a b"), Say("350"), Expect("RNTO c d"), Reply(reply)};
   }
   LogInTo(script + InStep());
   for (int code : {from, from, 0, from, from}) EXPECT_EQ(m_client.RenameFile("a b", "c d"), code);

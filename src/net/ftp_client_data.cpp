@@ -38,7 +38,7 @@ int CUT_FTPClient::OfferDataPort(int noPortCode) {
   char command[kFtpLineSize];
   FormatCommand(command, "PORT %s,%d,%d\r\n", address, static_cast<int>(port / 256),
                 static_cast<int>(port % 256));
-  return CloseDataAfter(CheckReply(Ask(command), 200, 299, kNetPortFailed));
+  return CloseDataAfter(CheckLastReply(Ask(command), 200, 299, kNetPortFailed));
 }
 
 // Closes the data connection if code is a failure. Returns the code.
@@ -72,7 +72,7 @@ int CUT_FTPClient::StartActive(const char* command, int refusedCode) {
 
 int CUT_FTPClient::FindPassivePort(int noBracketCode, int badPortCode, DataAddress& target) {
   char text[kPassiveTextSize] = "";
-  const int failed = CheckReply(Ask("PASV\r\n", text, sizeof text), 200, 299, kNetPortFailed);
+  const int failed = CheckLastReply(Ask("PASV\r\n", text, sizeof text), 200, 299, kNetPortFailed);
   if (failed != kNetSuccess) return failed;
   const PasvResult reply = ParsePasvReply(text);
   if (!reply.hasBracket) return noBracketCode;
@@ -99,6 +99,6 @@ int CUT_FTPClient::ConnectData(const char* command, int refusedCode, const DataA
 // The final reply is read whatever happened, so that commands and replies stay in step.
 int CUT_FTPClient::FinishTransfer(int code) {
   m_data.CloseConnection();
-  const int reply = GetResponseCode(*this);
-  return code != kNetSuccess ? code : CheckReply(reply, 200, 299, kNetTerminated);
+  const int judged = CheckLastReply(GetResponseCode(*this), 200, 299, kNetTerminated);
+  return code != kNetSuccess ? code : judged;
 }

@@ -103,13 +103,10 @@ bool CUT_FTPClient::AddEntry() {
 int CUT_FTPClient::FinishListing(int code) {
   m_data.CloseConnection();
   int reply = GetResponseCode(*this);
-  bool isSecond = false;
-  if (reply >= 1 && reply < 200) {
-    reply = GetResponseCode(*this);
-    isSecond = true;
-  }
-  if (code != kNetSuccess) return code;
-  return CheckReply(reply, isSecond ? 200 : 1, 299, kNetListFailed);
+  // One that is below 200 is followed by the last one.
+  if (reply != 0 && reply < 200) reply = GetResponseCode(*this);
+  const int judged = CheckLastReply(reply, 200, 299, kNetListFailed);
+  return code != kNetSuccess ? code : judged;
 }
 
 void CUT_FTPClient::ParseUnixListLine(FtpDirEntry& entry) {

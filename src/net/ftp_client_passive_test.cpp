@@ -98,7 +98,7 @@ TEST_F(FtpPassive, UnderstandsOrRefusesTheAnswer) {
   };
   Script script;
   for (const PasvCase& pasv : cases) {
-    for (int i = 0; i < 3; ++i) script = script + Script{Expect("PASV"), Say(pasv.reply)};
+    for (int i = 0; i < 3; ++i) script = script + Script{Expect("PASV"), Reply(pasv.reply)};
   }
   LogInTo(script + InStep());
   FakeSource source("x");
@@ -143,9 +143,10 @@ TEST_F(FtpPassive, JudgesTheFinalReply) {
   } cases[] = {{"150 x", 4}, {"226 x", 0}, {"299 x", 0}, {"350 x", 4}, {"426 x", 4}, {"552 x", 4}, {"x", 38}};
   Script script;
   for (const auto& last : cases) {
-    script = script + Script{AnswerPasv(),  Expect("RETR x"), AcceptData(),   Say("125 go"),    SendData("y"),
-                             CloseData(),   Say(last.reply),  AnswerPasv(),   Expect("STOR x"), AcceptData(),
-                             Say("200 go"), HearData(),       Say(last.reply)};
+    script =
+        script + Script{AnswerPasv(),  Expect("RETR x"),  AcceptData(),     Say("125 go"),    SendData("y"),
+                        CloseData(),   Reply(last.reply), AnswerPasv(),     Expect("STOR x"), AcceptData(),
+                        Say("200 go"), HearData(),        Reply(last.reply)};
   }
   LogInTo(script + InStep());
   for (const auto& last : cases) {
@@ -182,7 +183,7 @@ TEST_F(FtpPassive, StartsAnewWithoutASource) {
 TEST_F(FtpPassive, LeavesTheSourceAloneWhenItCannotResume) {
   Script script;
   const char* const replies[] = {"150", "250", "351", "450", "502", "x"};
-  for (const char* reply : replies) script = script + Script{AnswerPasv(), Expect("REST 5"), Say(reply)};
+  for (const char* reply : replies) script = script + Script{AnswerPasv(), Expect("REST 5"), Reply(reply)};
   LogInTo(script + Script{AnswerPasv()} + InStep());
   FakeSource source("01234");
   for (const char* reply : replies) {

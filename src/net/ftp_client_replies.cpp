@@ -121,7 +121,14 @@ int CUT_FTPClient::Ask(const char* command, char* text, int size) {
 int CUT_FTPClient::AskWithText(const char* format, const char* text, int lowest, int highest, int failure) {
   char command[kFtpLineSize];
   if (const int refused = CheckText(format, text, command)) return refused;
-  return CheckReply(Ask(command), lowest, highest, failure);
+  return CheckLastReply(Ask(command), lowest, highest, failure);
+}
+
+// Judges the reply that is to be the last one. A preliminary one is not: what it announces must not be
+// taken for the answer to the next command.
+int CUT_FTPClient::CheckLastReply(int reply, int lowest, int highest, int failure) {
+  if (IsPreliminary(reply)) m_nLateReplyWait = kLateReplySeconds;
+  return CheckReply(reply, lowest, highest, failure);
 }
 
 // What the server says about an operation that we have given up, it says to nobody.
@@ -139,7 +146,7 @@ bool CUT_FTPClient::SkipToFinalReply(long seconds) {
   for (int i = 0; i < kMaxPreliminaryReplies && GetTickCount64() - start < patience; ++i) {
     if (WaitForReceive(seconds, 0) != 0) return false;
     const int code = GetResponseCode(*this);
-    if (code < 100 || code > 199) return code != 0;
+    if (!IsPreliminary(code)) return code != 0;
   }
   return false;
 }

@@ -47,6 +47,46 @@ TEST_F(FtpReplies, DoNotWaitForEverOnceAborted) {
   ExpectPlayed();
 }
 
+TEST_F(FtpReplies, MayAnnounceTheLastOneTwice) {
+  const Script own = {Expect("CWD own"), Say("250 own")};
+  LogInTo(Script{AnswerPasv(), Expect("STOR x"), AcceptData(), Say("125 go"), HearData(), Say("150 go on"),
+                 Say("226 done")} +
+          own +
+          Script{AnswerPasv(), Expect("RETR x"), AcceptData(), Say("150"), SendData("y"), CloseData(),
+                 Say("150 again"), Wait(300), Say("150 and again"), Wait(300), Say("226 done")} +
+          own +
+          Script{AnswerPasv(), Expect("LIST"), AcceptData(), Say("150"), CloseData(), Say("150 a"),
+                 Say("150 b"), Say("226 done")} +
+          own + Script{Expect("SITE x"), Say("150 a"), Say("200 done")} + own +
+          Script{Expect("CDUP"), Say("150 a"), Say("250 done")} + own + InStep());
+  m_client.SetPassive(true);
+  FakeSource source("x");
+  const auto expectOwn = [this] {
+    EXPECT_EQ(m_client.ChDir("own"), kNetSuccess);
+    EXPECT_STREQ(m_client.GetLastReplyText(), "250 own");
+  };
+  EXPECT_EQ(m_client.SendFile(source, "x"), kNetTerminated);
+  expectOwn();
+  EXPECT_EQ(m_client.ReceiveFile(source, "x"), kNetTerminated);
+  expectOwn();
+  EXPECT_EQ(m_client.List(), kNetListFailed);
+  expectOwn();
+  EXPECT_EQ(m_client.Quote("SITE x"), kNetSuccess);
+  expectOwn();
+  EXPECT_EQ(m_client.CdUp(), kNetDenied);
+  expectOwn();
+  ExpectInStep();
+}
+
+TEST_F(FtpReplies, AreNotWaitedForForEverOnceAnnounced) {
+  LogInTo(Script{Expect("CDUP"), Say("150 and no more")} + InStep());
+  EXPECT_EQ(m_client.CdUp(), kNetDenied);
+  const Stopwatch watch;
+  ExpectInStep();
+  EXPECT_GE(watch.Elapsed(), 4900U);
+  EXPECT_LT(watch.Elapsed(), 15000U);
+}
+
 TEST_F(FtpReplies, SurviveALineOfTenMegabytes) {
   const std::string line = "250 " + std::string(10 << 20, 'x');
   LogInTo(Script{Expect("CDUP"), Say(line), Expect("CDUP"), Say("250-" + std::string(100000, '-')),

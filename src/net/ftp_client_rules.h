@@ -18,6 +18,11 @@ constexpr bool IsPort(int port) {
   return port >= 1 && port <= 65535;
 }
 
+// Announces that another one follows.
+constexpr bool IsPreliminary(int reply) {
+  return reply >= 100 && reply <= 199;
+}
+
 // A reply code of 0 is no reply.
 constexpr int CheckReply(int reply, int lowest, int highest, int failure) {
   if (reply == 0) return kNetNoResponse;

@@ -110,7 +110,7 @@ int CUT_FTPClient::AskToRestart(CUT_DataSource& source, int& mode) {
   if (size < 0) return kNetSourceNotOpened;
   char command[kFtpLineSize];
   FormatCommand(command, "REST %d\r\n", static_cast<int>(size));
-  const int failed = CheckReply(Ask(command), 350, 350, kNetRestRefused);
+  const int failed = CheckLastReply(Ask(command), 350, 350, kNetRestRefused);
   if (failed == kNetSuccess) mode = kSourceAppend;
   return failed;
 }

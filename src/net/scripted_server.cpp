@@ -47,6 +47,10 @@ Step Say(const std::string& line) {
   return SayRaw(line + "\r\n");
 }
 
+Step Reply(const std::string& line) {
+  return SayRaw(line + "\r\n" + (line.starts_with('1') ? "226 at last\r\n" : ""));
+}
+
 // The client may have gone: what it then does is what the test is about.
 Step SayRaw(const std::string& bytes) {
   return [bytes](Stage& stage) {

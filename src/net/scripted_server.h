@@ -51,6 +51,8 @@ class ScriptedServer {
 
 // The steps. Lines are given without their CR LF.
 ScriptedServer::Step Say(const std::string& line);
+// After a preliminary reply, the last one that it announces, too.
+ScriptedServer::Step Reply(const std::string& line);
 ScriptedServer::Step SayRaw(const std::string& bytes);
 // Fails when the client sends another line, or nothing.
 ScriptedServer::Step Expect(const std::string& line);
