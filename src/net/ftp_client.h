@@ -151,6 +151,7 @@ class CUT_FTPClient : public CUT_WSClient {
   int OfferDataPort(int noPortCode);
   int ListenOnDataPort(int noPortCode);
   int AcceptData(long seconds);
+  bool AcceptServer(long seconds);
   int PrepareData();
   int StartActive(const char* command, int refusedCode);
   int FindPassivePort(int noBracketCode, int badPortCode, DataAddress& target);

@@ -48,15 +48,24 @@ int CUT_FTPClient::CloseDataAfter(int code) {
 }
 
 int CUT_FTPClient::AcceptData(long seconds) {
-  if (m_data.WaitForAccept(seconds) == 0 && m_data.AcceptConnection() == kNetSuccess &&
-      PrepareData() == kNetSuccess) {
-    return kNetSuccess;
-  }
+  if (AcceptServer(seconds) && PrepareData() == kNetSuccess) return kNetSuccess;
   m_data.CloseConnection();
   // The server may have said why it does not come.
   m_nLateReplyWait = SkipToFinalReply(0) ? -1 : kLateReplySeconds;
   DrainInput();
   return kNetDataConnectionFailed;
+}
+
+// Anybody can come to an open port, and would get the file or choose what we receive. Whoever does not
+// come from the server's address is sent away, and the server waited for as long as before.
+bool CUT_FTPClient::AcceptServer(long seconds) {
+  const ULONGLONG start = GetTickCount64();
+  for (long left = seconds; left > 0; left = seconds - static_cast<long>((GetTickCount64() - start) / 1000)) {
+    if (m_data.WaitForAccept(left) != 0 || m_data.AcceptConnection() != kNetSuccess) return false;
+    if (m_data.RemoteIp() == RemoteIp()) return true;
+    m_data.CloseAccepted();
+  }
+  return false;
 }
 
 // With somebody who listens to its waits, a transfer must not block instead.

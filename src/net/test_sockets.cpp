@@ -4,10 +4,10 @@ namespace {
 
 constexpr DWORD kPatience = 20000;  // milliseconds
 
-sockaddr_in Loopback(std::uint16_t port) {
+sockaddr_in Loopback(std::uint16_t port, const std::string& name = "127.0.0.1") {
   sockaddr_in address = {};
   address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  address.sin_addr.s_addr = inet_addr(name.c_str());
   address.sin_port = htons(port);
   return address;
 }
@@ -98,9 +98,9 @@ std::uint16_t TestSocket::LocalPort() const {
   return ntohs(address.sin_port);
 }
 
-TestListener::TestListener(int backlog) : m_socket(NewSocket()) {
-  const sockaddr_in address = Loopback(0);
-  bind(m_socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+TestListener::TestListener(int backlog, const std::string& address) : m_socket(NewSocket()) {
+  const sockaddr_in end = Loopback(0, address);
+  bind(m_socket.Get(), reinterpret_cast<const sockaddr*>(&end), sizeof end);
   listen(m_socket.Get(), backlog);
 }
 
@@ -117,8 +117,10 @@ TestSocket TestListener::Accept() const {
   return TestSocket(accept(m_socket.Get(), nullptr, nullptr));
 }
 
-TestSocket ConnectToLoopback(std::uint16_t port) {
+TestSocket ConnectToLoopback(std::uint16_t port, const std::string& from) {
   TestSocket client(NewSocket());
+  const sockaddr_in own = Loopback(0, from);
+  bind(client.Get(), reinterpret_cast<const sockaddr*>(&own), sizeof own);
   const sockaddr_in address = Loopback(port);
   if (connect(client.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) client.Close();
   return client;

@@ -1,5 +1,5 @@
-// Plain sockets on 127.0.0.1 for the other end of a client under test: they close themselves, and every
-// wait of theirs ends after 20 seconds. Failures are left to the test that looks at the results. Win32;
+// Plain sockets on the loopback network for the other end of a client under test: they close themselves, and
+// every wait of theirs ends after 20 seconds. Failures are left to the test that looks at the results. Win32;
 // test code.
 #ifndef MOSAICON_NET_TEST_SOCKETS_H_
 #define MOSAICON_NET_TEST_SOCKETS_H_
@@ -46,7 +46,7 @@ class TestSocket {
 class TestListener {
  public:
   // On a port that the system chooses.
-  explicit TestListener(int backlog = 8);
+  explicit TestListener(int backlog = 8, const std::string& address = "127.0.0.1");
 
   std::uint16_t Port() const { return m_socket.LocalPort(); }
   bool WaitForPeer(long milliseconds) const;
@@ -58,8 +58,8 @@ class TestListener {
   TestSocket m_socket;
 };
 
-// Not open when it is refused.
-TestSocket ConnectToLoopback(std::uint16_t port);
+// Not open when it is refused. from is another address of the loopback network.
+TestSocket ConnectToLoopback(std::uint16_t port, const std::string& from = "127.0.0.1");
 
 // A port on which nobody listens.
 std::uint16_t UnusedPort();

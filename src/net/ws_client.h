@@ -13,6 +13,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "net/byte_stream.h"
 #include "net/cut_socket.h"
@@ -138,6 +139,12 @@ class CUT_WSClient : public CUT_Socket {
   void PresetTimeouts(std::int32_t receiveMilliseconds, std::int32_t sendMilliseconds);
 
   WaitListener* GetWaitListener() const { return m_pWaitListener; }
+
+  // Of the other end, dotted, however it was named to Connect.
+  std::string RemoteIp() const;
+
+  // Closes the connection that was accepted, and listens on.
+  void CloseAccepted() { CloseSocket(m_socket, true); }
 
   // "127.0.0.1" into text; false when there is no local end.
   bool GetLocalAddress(char* text, size_t size);

@@ -123,6 +123,11 @@ void CUT_WSClient::SetRemote(const sockaddr_in& remote) {
   StorePorts();
 }
 
+std::string CUT_WSClient::RemoteIp() const {
+  const char* const address = inet_ntoa(m_remote.sin_addr);
+  return address != nullptr ? address : "";
+}
+
 bool CUT_WSClient::GetLocalAddress(char* text, size_t size) {
   const sockaddr_in end = LocalEnd(m_socket);
   const char* const address = inet_ntoa(end.sin_addr);

@@ -12,7 +12,9 @@ class CUT_WSDataClient : public CUT_WSClient {
   int OnReceiveProgress(long bytes) override;
   int OnSendProgress(long bytes) override;
 
+  using CUT_WSClient::CloseAccepted;
   using CUT_WSClient::PresetTimeouts;
+  using CUT_WSClient::RemoteIp;
 
  private:
   CUT_WSClient& m_owner;
