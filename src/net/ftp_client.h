@@ -105,6 +105,10 @@ class CUT_FTPClient : public CUT_WSClient {
   int GetResponseCode(CUT_WSClient& connection, char* text = nullptr, int size = 0);
 
   void SetPassive(bool passive) { m_bPassive = passive ? 1 : 0; }
+  // True: passive data connections go to the address of the connection for commands, whatever address
+  // the server names. False (the default): to the one that it names, which may be any host that this
+  // computer reaches, and none at all when the server does not know how it is reached.
+  void SetPassiveToControlAddress(bool always) { m_bPassiveToControl = always ? 1 : 0; }
   // Not a port: 106.
   int SetControlPort(int port);
   // For the port that the next transfer offers, 1 to 32000. Otherwise 106.
@@ -189,6 +193,7 @@ class CUT_FTPClient : public CUT_WSClient {
   // The entry asked for last, where the search for a later one begins; null before the first question.
   const FtpDirEntry* m_pFound = nullptr;
   std::int32_t m_nFound = 0;
+  std::int32_t m_bPassiveToControl = 0;
 };
 
 #endif  // MOSAICON_NET_FTP_CLIENT_H_

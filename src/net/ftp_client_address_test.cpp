@@ -69,4 +69,56 @@ TEST_F(FtpStrangers, DoNotReplaceAServerThatDoesNotCome) {
   ExpectInStep();
 }
 
+struct PassiveCase {
+  const char* listensAt;
+  const char* named;
+  bool toControl;
+  int code;
+};
+
+// The connection for commands goes to 127.0.0.1.
+TEST_F(FtpStrangers, AreNotFollowedWhenToldSo) {
+  const PassiveCase cases[] = {
+      {"127.0.0.1", "127.0.0.1", false, kNetSuccess}, {"127.0.0.1", "127.0.0.1", true, kNetSuccess},
+      {"127.0.0.2", "127.0.0.2", false, kNetSuccess}, {"127.0.0.2", "127.0.0.2", true, kNetConnectTimedOut},
+      {"127.0.0.1", "127.0.0.2", true, kNetSuccess},  {"127.0.0.1", "10.255.255.1", true, kNetSuccess},
+  };
+  m_client.SetPassive(true);
+  FakeSource source("x");
+  for (const PassiveCase& pasv : cases) {
+    m_client.SetPassiveToControlAddress(pasv.toControl);
+    const bool isMade = pasv.code == kNetSuccess;
+    const Script rest =
+        isMade ? Script{AcceptData(), Say("150"), HearData(), Say("226")} : Script{Say("425")};
+    LogInTo(Script{AnswerPasv(pasv.listensAt, pasv.named), Expect("STOR x")} + rest + InStep());
+    EXPECT_EQ(m_client.SendFile(source, "x"), pasv.code) << pasv.named << " " << pasv.toControl;
+    ExpectInStep();
+    EXPECT_EQ(m_server->HeardOnData(), isMade ? "x" : "");
+  }
+}
+
+TEST_F(FtpStrangers, AreNotFollowedForAListingEither) {
+  m_client.SetPassive(true);
+  m_client.SetPassiveToControlAddress(true);
+  LogInTo(Script{AnswerPasv("127.0.0.1", "127.0.0.2"), Expect("LIST"), AcceptData(), Say("150"), CloseData(),
+                 Say("226")} +
+          InStep());
+  EXPECT_EQ(m_client.List(), kNetSuccess);
+  ExpectInStep();
+}
+
+TEST_F(FtpStrangers, WithAnAddressThatNoServerHasAreRefused) {
+  Script script;
+  const char* const refused[] = {"0.0.0.0", "0.1.2.3", "224.0.0.1", "239.255.255.255", "255.255.255.255"};
+  for (const char* address : refused) script = script + Script{AnswerPasv("127.0.0.1", address)};
+  m_client.SetPassive(true);
+  m_client.SetPassiveToControlAddress(true);
+  LogInTo(script + InStep());
+  FakeSource source("x");
+  for (const char* address : refused) {
+    EXPECT_EQ(m_client.SendFile(source, "x"), kNetDataConnectionFailed) << address;
+  }
+  ExpectInStep();
+}
+
 }  // namespace

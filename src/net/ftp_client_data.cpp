@@ -85,10 +85,9 @@ int CUT_FTPClient::FindPassivePort(int noBracketCode, int badPortCode, DataAddre
   if (failed != kNetSuccess) return failed;
   const PasvResult reply = ParsePasvReply(text);
   if (!reply.hasBracket) return noBracketCode;
-  if (reply.address.empty() || inet_addr(reply.address.c_str()) == INADDR_NONE)
-    return kNetDataConnectionFailed;
+  if (!IsServerAddress(reply.address)) return kNetDataConnectionFailed;
   if (!IsPort(reply.port)) return badPortCode;
-  target.address = reply.address;
+  target.address = m_bPassiveToControl != 0 ? RemoteIp() : reply.address;
   target.port = static_cast<std::uint16_t>(reply.port);
   return kNetSuccess;
 }

@@ -1,6 +1,7 @@
 #include "net/ftp_pasv.h"
 
 #include <cstddef>
+#include <cstdlib>
 #include <optional>
 #include <string_view>
 
@@ -61,4 +62,9 @@ PasvResult ParsePasvReply(const char* text) {
   const std::optional<int> low = TakeNumber(numbers);
   if (high.has_value() && low.has_value()) result.port = *high * 256 + *low;
   return result;
+}
+
+bool IsServerAddress(const std::string& dotted) {
+  const long network = std::strtol(dotted.c_str(), nullptr, 10);
+  return network >= 1 && network <= 223;
 }

@@ -17,4 +17,8 @@ struct PasvResult {
 // missing ")".
 PasvResult ParsePasvReply(const char* text);
 
+// False for what no server can have: 0.x.x.x, which some systems take for themselves, the groups, reserved
+// addresses and broadcast from 224.x.x.x on, and no address at all. dotted is as in PasvResult.
+bool IsServerAddress(const std::string& dotted);
+
 #endif  // MOSAICON_NET_FTP_PASV_H_

@@ -69,6 +69,15 @@ TEST(PasvReply, HasNoPortWhenOneNumberIsMissing) {
   EXPECT_EQ(Told("(127,0,0,1,4,x)"), "127.0.0.1:0");
 }
 
+TEST(ServerAddress, IsNoneOfThoseThatNoServerHas) {
+  for (const char* address : {"1.0.0.0", "10.0.0.1", "127.0.0.1", "192.168.1.1", "223.255.255.255"}) {
+    EXPECT_TRUE(IsServerAddress(address)) << address;
+  }
+  for (const char* address : {"", "0.0.0.0", "0.255.255.255", "224.0.0.1", "240.0.0.1", "255.255.255.255"}) {
+    EXPECT_FALSE(IsServerAddress(address)) << address;
+  }
+}
+
 TEST(PasvReply, MayBeLong) {
   EXPECT_EQ(Told((std::string(10000, ' ') + "(127,0,0,1,4,210)").c_str()), "127.0.0.1:1234");
   EXPECT_EQ(Told(std::string(10000, '(').c_str()), "no address:0");

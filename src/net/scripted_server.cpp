@@ -1,5 +1,6 @@
 #include "net/scripted_server.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -12,8 +13,9 @@ bool Fail(Stage& stage, const std::string& problem) {
   return false;
 }
 
-std::string PortNumbers(std::uint16_t port) {
-  return "127,0,0,1," + std::to_string(port / 256) + "," + std::to_string(port % 256);
+std::string PortNumbers(std::uint16_t port, std::string address = "127.0.0.1") {
+  std::replace(address.begin(), address.end(), '.', ',');
+  return address + "," + std::to_string(port / 256) + "," + std::to_string(port % 256);
 }
 
 }  // namespace
@@ -102,11 +104,11 @@ Step SayForEver(const std::string& bytes) {
   };
 }
 
-Step AnswerPasv() {
-  return [](Stage& stage) {
+Step AnswerPasv(const std::string& address, const std::string& named) {
+  return [address, named](Stage& stage) {
     if (!Expect("PASV")(stage)) return false;
-    stage.listener = std::make_unique<TestListener>();
-    return Say("227 Entering Passive Mode (" + PortNumbers(stage.listener->Port()) + ").")(stage);
+    stage.listener = std::make_unique<TestListener>(8, address);
+    return Say("227 Entering Passive Mode (" + PortNumbers(stage.listener->Port(), named) + ").")(stage);
   };
 }
 

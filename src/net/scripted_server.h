@@ -64,8 +64,10 @@ ScriptedServer::Step Reset();
 // Says so over and over until the client has gone.
 ScriptedServer::Step SayForEver(const std::string& bytes);
 
-// Passive: hears PASV, opens a port and says where. The client's connection is taken by AcceptData.
-ScriptedServer::Step AnswerPasv();
+// Passive: hears PASV, opens a port and says where. The client's connection is taken by AcceptData. The
+// port is one of address, and named is what the answer says instead.
+ScriptedServer::Step AnswerPasv(const std::string& address = "127.0.0.1",
+                                const std::string& named = "127.0.0.1");
 ScriptedServer::Step AcceptData();
 // Active: hears PORT of 127.0.0.1 and accepts it; ConnectData goes there.
 ScriptedServer::Step AnswerPort();
