@@ -52,7 +52,7 @@ int CUT_FTPClient::FTPConnect(const char* host, const char* user, const char* pa
   m_replyLines.Clear();
   m_szLastReply[0] = '\0';
   const int connected = Connect(static_cast<std::uint16_t>(m_nControlPort), host, m_nConnectTimeout);
-  if (connected != kNetSuccess) return OnError(connected);
+  if (connected != kNetSuccess) return OnError(AfterWait(connected));
   if (const int refused = LogIn(commands)) return OnError(refused);
 
   // A server that refuses one of these can still be worked with.

@@ -1,13 +1,13 @@
 // The FTP client: logs in, moves through remote folders, lists them, and moves files between the server
 // and data sources. It speaks on its own connection and opens a second one for each transfer or
-// listing, on a port of ours (PORT) or of the server's (PASV), and closes it before the operation
-// returns.
+// listing, on a port of ours (PORT), where only the server's address is let in, or of the server's
+// (PASV), and closes it before the operation returns.
 //
 // One thread at a time. Operations return an error code (0: success), every code goes through OnError,
 // and nothing throws. A wait for a reply ends after the data connection's receive time-out. An abort
 // (IsAborted, the progress hooks) is looked for between chunks and between listing lines, and every
-// second or so within a slow one; the reply that is due by then is still read, so that the next command
-// gets its own.
+// second or so within a slow one, and tells the operation's code (98) also where it ended a wait; the
+// reply that is due by then is still read, so that the next command gets its own.
 //
 // Names and other texts are 8-bit and go to the server as they are; null counts as "". One with a CR or
 // LF is refused (137), and so is a command beyond 260 characters (105), before anything is sent.
@@ -157,6 +157,7 @@ class CUT_FTPClient : public CUT_WSClient {
   int AcceptData(long seconds);
   bool AcceptServer(long seconds);
   int PrepareData();
+  int AfterWait(int code);
   int StartActive(const char* command, int refusedCode);
   int FindPassivePort(int noBracketCode, int badPortCode, DataAddress& target);
   int ConnectData(const char* command, int refusedCode, const DataAddress& target);

@@ -53,7 +53,7 @@ int CUT_FTPClient::AcceptData(long seconds) {
   // The server may have said why it does not come.
   m_nLateReplyWait = SkipToFinalReply(0) ? -1 : kLateReplySeconds;
   DrainInput();
-  return kNetDataConnectionFailed;
+  return AfterWait(kNetDataConnectionFailed);
 }
 
 // Anybody can come to an open port, and would get the file or choose what we receive. Whoever does not
@@ -71,6 +71,20 @@ bool CUT_FTPClient::AcceptServer(long seconds) {
 // With somebody who listens to its waits, a transfer must not block instead.
 int CUT_FTPClient::PrepareData() {
   return GetWaitListener() != nullptr ? m_data.SetBlockingMode(1) : kNetSuccess;
+}
+
+// What an abort has cut short did not fail by itself.
+int CUT_FTPClient::AfterWait(int code) {
+  switch (code) {
+    case kNetConnectTimedOut:
+    case kNetDataConnectionFailed:
+    case kNetTimedOut:
+    case kNetReceiveFailed:
+    case kNetSendFailed:
+      return IsAborted() ? kNetAborted : code;
+    default:
+      return code;
+  }
 }
 
 int CUT_FTPClient::StartActive(const char* command, int refusedCode) {
@@ -99,7 +113,7 @@ int CUT_FTPClient::ConnectData(const char* command, int refusedCode, const DataA
   if (connected == kNetSuccess) connected = PrepareData();
   if (connected != kNetSuccess) {
     m_nLateReplyWait = kLateReplySeconds;
-    return CloseDataAfter(connected);
+    return CloseDataAfter(AfterWait(connected));
   }
   return CloseDataAfter(CheckReply(GetResponseCode(*this), 100, 299, refusedCode));
 }
@@ -107,6 +121,7 @@ int CUT_FTPClient::ConnectData(const char* command, int refusedCode, const DataA
 // The final reply is read whatever happened, so that commands and replies stay in step.
 int CUT_FTPClient::FinishTransfer(int code) {
   m_data.CloseConnection();
+  code = AfterWait(code);
   const int judged = CheckLastReply(GetResponseCode(*this), 200, 299, kNetTerminated);
   return code != kNetSuccess ? code : judged;
 }

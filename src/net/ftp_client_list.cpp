@@ -65,7 +65,8 @@ int CUT_FTPClient::ReceiveListing() {
     }
     if (IsAborted()) return FinishListing(kNetAborted);
   }
-  return FinishListing(kNetSuccess);
+  // A wait that was cut short ends the lines, too.
+  return FinishListing(IsAborted() ? kNetAborted : kNetSuccess);
 }
 
 // The next line, or as much of it as fits. When it comes slowly an abort is looked for meanwhile, and

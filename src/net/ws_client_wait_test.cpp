@@ -134,7 +134,8 @@ TEST_F(FtpWaits, AreStoppedForAListing) {
   m_client.SetPassive(true);
   turns.patience = 5;
   const Stopwatch watch;
-  EXPECT_NE(m_client.List(), kNetSuccess);
+  EXPECT_EQ(m_client.List(), kNetNoResponse);
+  EXPECT_EQ(m_client.GetDirEntryCount(), 0);
   EXPECT_LT(watch.Elapsed(), kPromptly);
   m_client.CloseConnection();
   EXPECT_EQ(m_server->Finish(), "");
