@@ -17,6 +17,7 @@
 #define MOSAICON_NET_FTP_CLIENT_H_
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "net/ftp_listing.h"
@@ -164,6 +165,7 @@ class CUT_FTPClient : public CUT_WSClient {
   int CloseDataAfter(int code);
   int FinishTransfer(int code);
 
+  int Store(CUT_DataSource& source, const std::function<int()>& start);
   int ReceivePassive(CUT_DataSource& source, const char* remoteName, bool resumes);
   int ReceiveActive(CUT_DataSource& source, const char* remoteName, bool resumes);
   int AskToRestart(CUT_DataSource& source, int& mode);

@@ -136,7 +136,8 @@ TEST_F(FtpPassive, JudgesThePreliminaryReply) {
     EXPECT_EQ(m_client.SendFile(source, "x"), preliminary.stor) << preliminary.reply;
     EXPECT_EQ(m_client.List(), preliminary.list) << preliminary.reply;
   }
-  EXPECT_TRUE(source.modes.empty());
+  EXPECT_EQ(source.bytes, "x") << "not emptied for what does not come";
+  EXPECT_EQ(source.openNow, 0);
   ExpectInStep();
 }
 

@@ -3,6 +3,7 @@
 #include "net/file_data_source.h"
 #include "net/ftp_client.h"
 #include "net/ftp_client_rules.h"
+#include "net/source_bytes.h"
 
 namespace {
 
@@ -41,9 +42,7 @@ int CUT_FTPClient::SendFilePassive(CUT_DataSource& source, const char* remoteNam
   if (const int refused = CheckText(kStorCommand, remoteName, command)) return OnError(refused);
   DataAddress target;
   if (const int failed = FindPassivePort(kNetStorFailed, kNetTerminated, target)) return OnError(failed);
-  if (IsAborted()) return OnError(CloseDataAfter(kNetAborted));
-  if (const int failed = ConnectData(command, kNetStorFailed, target)) return OnError(failed);
-  return OnError(FinishTransfer(m_data.SendFromSource(source)));
+  return OnError(Store(source, [&] { return ConnectData(command, kNetStorFailed, target); }));
 }
 
 int CUT_FTPClient::SendFile(CUT_DataSource& source, const char* remoteName) {
@@ -51,9 +50,17 @@ int CUT_FTPClient::SendFile(CUT_DataSource& source, const char* remoteName) {
   char command[kFtpLineSize];
   if (const int refused = CheckText(kStorCommand, remoteName, command)) return OnError(refused);
   if (const int failed = OfferDataPort(kNetDataConnectionFailed)) return OnError(failed);
-  if (IsAborted()) return OnError(CloseDataAfter(kNetAborted));
-  if (const int failed = StartActive(command, kNetStorFailed)) return OnError(failed);
-  return OnError(FinishTransfer(m_data.SendFromSource(source)));
+  return OnError(Store(source, [&] { return StartActive(command, kNetStorFailed); }));
+}
+
+// start sends the command, upon which the server makes the file, or empties it: by then it is known that
+// there is something to send.
+int CUT_FTPClient::Store(CUT_DataSource& source, const std::function<int()>& start) {
+  if (IsAborted()) return CloseDataAfter(kNetAborted);
+  SourceBytes bytes(source, kSourceRead);
+  if (!bytes.IsOpen()) return CloseDataAfter(kNetSourceNotOpened);
+  if (const int failed = start()) return failed;
+  return FinishTransfer(m_data.SendFromStream(bytes));
 }
 
 int CUT_FTPClient::ReceiveFilePassive(CUT_DataSource& source, const char* remoteName) {

@@ -195,15 +195,23 @@ TEST_F(FtpTrouble, IsAbortedWhileItSends) {
   EXPECT_EQ(m_server->HeardOnData().size(), 1020U);
 }
 
-TEST_F(FtpTrouble, ReportsASourceThatFails) {
-  LogInTo(Script{AnswerPasv(),  Expect("STOR x"), AcceptData(),     Say("150"),       HearData(),
-                 Say("226"),    AnswerPasv(),     Expect("RETR x"), AcceptData(),     Say("150"),
-                 SendData("x"), ExpectDataLeft(), Say("426"),       AnswerPasv(),     Expect("RETR x"),
-                 AcceptData(),  Say("150"),       SendData("x"),    ExpectDataLeft(), Say("426")} +
-          InStep());
+// The server would make the file, or empty the one that it has.
+TEST_F(FtpTrouble, StoresNothingWhenTheSourceCannotBeOpened) {
+  LogInTo(Script{AnswerPasv(), AnswerPort(), Expect("NOOP"), ConnectDataInVain(), Say("200")} + InStep());
   FakeSource source("x");
   source.refusedMode = kSourceRead;
   EXPECT_EQ(m_client.SendFile(source, "x"), kNetSourceNotOpened);
+  m_client.SetPassive(false);
+  EXPECT_EQ(m_client.SendFile(source, "x"), kNetSourceNotOpened);
+  EXPECT_EQ(m_client.NoOp(), kNetSuccess);
+  ExpectInStep();
+}
+
+TEST_F(FtpTrouble, ReportsASourceThatFails) {
+  const Script download = {AnswerPasv(),  Expect("RETR x"), AcceptData(), Say("150"),
+                           SendData("x"), ExpectDataLeft(), Say("426")};
+  LogInTo(download + download + InStep());
+  FakeSource source("x");
   source.refusedMode = kSourceWrite;
   EXPECT_EQ(m_client.ReceiveFile(source, "x"), kNetSourceNotOpened);
   source.refusedMode = -1;
