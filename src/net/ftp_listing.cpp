@@ -48,6 +48,13 @@ std::int32_t TakeTwoDigits(string_view& text) {
   return number;
 }
 
+std::int32_t DosYear(string_view text) {
+  constexpr size_t kWholeYear = 4;
+  if (std::min(text.find_first_not_of("0123456789"), text.size()) == kWholeYear) return Number(text);
+  const std::int32_t twoDigits = TakeTwoDigits(text);
+  return 1900 + twoDigits + (twoDigits < 70 ? 100 : 0);
+}
+
 // From the start of a field to the end of the line; empty when there is no such field.
 string_view FromField(string_view line, int index) {
   for (; index >= 0; --index) {
@@ -130,11 +137,10 @@ void ParseDosListLine(const char* line, FtpDirEntry& entry) {
 
   string_view month = Field(text, 0);
   string_view day = After(month, '-');
-  string_view year = After(day, '-');
+  const string_view year = After(day, '-');
   entry.month = TakeTwoDigits(month);
   entry.day = TakeTwoDigits(day);
-  const std::int32_t twoDigits = TakeTwoDigits(year);
-  entry.year = 1900 + twoDigits + (twoDigits < 70 ? 100 : 0);
+  entry.year = DosYear(year);
 
   const string_view time = Field(text, 1);
   if (time.find(':') == string_view::npos) return;

@@ -32,8 +32,9 @@ struct FtpDirEntry {
 // English abbreviation counts as 1, a missing year as 1900.
 void ParseUnixListLine(const char* line, int currentYear, FtpDirEntry& entry);
 
-// Years are two digits: 70 to 99 mean 1970 to 1999, others 2000 to 2069; of a longer number the first
-// two digits count. "P" behind the minutes adds 12 to the hour, also to 12, which makes 24.
+// Years are two digits: 70 to 99 mean 1970 to 1999, others 2000 to 2069. Four digits are the year itself;
+// of any other number the first two digits count. "P" behind the minutes adds 12 to the hour, also to 12,
+// which makes 24.
 void ParseDosListLine(const char* line, FtpDirEntry& entry);
 
 #endif  // MOSAICON_NET_FTP_LISTING_H_
