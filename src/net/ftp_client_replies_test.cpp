@@ -135,9 +135,16 @@ TEST_F(FtpReplies, UnderstandThreeDigitsOnly) {
 }
 
 TEST_F(FtpReplies, TakeALineWithoutACodeForNoReply) {
-  LogInTo(Script{Expect("CDUP"), Say("done"), Expect("CDUP"), Say(""), Expect("CDUP"), Say(" 250 done")} +
+  LogInTo(Script{Expect("CDUP"), Say("done"), Expect("CDUP"), Say(""), Expect("CDUP"), Say("    250 done")} +
           InStep());
   for (int i = 0; i < 3; ++i) EXPECT_EQ(m_client.CdUp(), kNetNoResponse);
+  ExpectInStep();
+}
+
+TEST_F(FtpReplies, HaveTheNumberOfTheirFirstThreeCharacters) {
+  LogInTo(Script{Expect("CDUP"), Say(" 250 done"), Expect("CDUP"), Say("-22"), Expect("CDUP"), Say("  2")} +
+          InStep());
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(m_client.CdUp(), kNetDenied);
   ExpectInStep();
 }
 

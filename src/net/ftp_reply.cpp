@@ -1,7 +1,9 @@
 #include "net/ftp_reply.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 #include "net/net_text.h"
@@ -41,12 +43,8 @@ LineResult ReadLine(ReplySource& source, char (&line)[kFtpLineSize]) {
 }  // namespace
 
 int ReplyCode(const char* line) {
-  int code = 0;
-  for (const char c : View(line).substr(0, kCodeDigits)) {
-    if (c < '0' || c > '9') break;
-    code = code * 10 + (c - '0');
-  }
-  return code;
+  const std::string code(View(line).substr(0, kCodeDigits));
+  return static_cast<int>(std::strtol(code.c_str(), nullptr, 10));
 }
 
 bool OpensMultiLine(const char* line) {

@@ -10,8 +10,8 @@
 #include "net/net_text.h"
 #include "net/string_list.h"
 
-// The number in the first three characters: of the digits that the line begins with, at most three.
-// 0 when it begins with something else (a sign or a blank, too).
+// The number in the first three characters: digits, with blanks or one sign before them. 0 when there is
+// none.
 int ReplyCode(const char* line);
 
 // True when the fourth character is "-".

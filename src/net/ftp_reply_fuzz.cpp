@@ -62,7 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     place = source.Place();
     std::memset(line, '#', sizeof line);
     const int code = ReadReply(source, line, lines);
-    if (code < 0 || code > 999) __builtin_trap();
+    if (code < -99 || code > 999) __builtin_trap();
     if (strnlen(line, sizeof line) == sizeof line || !source.IsBetweenLines()) __builtin_trap();
     if (source.Place() > place && lines.GetString(lines.GetCount() - 1) != std::string(line))
       __builtin_trap();

@@ -19,10 +19,15 @@ TEST(ReplyCode, IsTheNumberOfTheFirstThreeCharacters) {
   EXPECT_EQ(ReplyCode("000 nothing"), 0);
   EXPECT_EQ(ReplyCode("21"), 21);
   EXPECT_EQ(ReplyCode("2x1 odd"), 2);
+  EXPECT_EQ(ReplyCode("999"), 999);
+  EXPECT_EQ(ReplyCode(" 226 indented"), 22);
+  EXPECT_EQ(ReplyCode("  6"), 6);
+  EXPECT_EQ(ReplyCode("-22 negative"), -22);
+  EXPECT_EQ(ReplyCode("+22"), 22);
 }
 
 TEST(ReplyCode, IsZeroForOtherBeginnings) {
-  for (const char* line : {"", " 226 indented", "hello", "-22 negative", "+22", "\xFF\xFE", "\x01"}) {
+  for (const char* line : {"", "   226", "hello", "--2", "- 2", "\xFF\xFE", "\x01"}) {
     EXPECT_EQ(ReplyCode(line), 0) << line;
   }
   EXPECT_EQ(ReplyCode(nullptr), 0);
