@@ -42,15 +42,15 @@ void CUT_FTPClient::SetWaitListener(WaitListener* listener) {
 }
 
 int CUT_FTPClient::FTPConnect(const char* host, const char* user, const char* password, const char* account) {
+  FTPClose();
+  m_replyLines.Clear();
+  m_szLastReply[0] = '\0';
   LoginCommands commands;
   for (const int refused :
        {CheckText("USER %s\r\n", user, commands.user), CheckText("PASS %s\r\n", password, commands.password),
         CheckText("ACCT %s\r\n", account, commands.account)}) {
     if (refused != kNetSuccess) return OnError(refused);
   }
-  FTPClose();
-  m_replyLines.Clear();
-  m_szLastReply[0] = '\0';
   const int connected = Connect(static_cast<std::uint16_t>(m_nControlPort), host, m_nConnectTimeout);
   if (connected != kNetSuccess) return OnError(AfterWait(connected));
   if (const int refused = LogIn(commands)) return OnError(refused);

@@ -48,8 +48,8 @@ class CUT_FTPClient : public CUT_WSClient {
   virtual void ParseUnixListLine(FtpDirEntry& entry);
   virtual void ParseDosListLine(FtpDirEntry& entry);
 
-  // Closes what is open and logs in; the account is sent only when the server asks for one. After a
-  // failed login the connection stays open until FTPClose.
+  // Closes what is open, whatever comes of the rest, and logs in; the account is sent only when the server
+  // asks for one. After a failed login the connection stays open until FTPClose.
   virtual int FTPConnect(const char* host, const char* user, const char* password,
                          const char* account = nullptr);
   // Says goodbye without waiting for the answer. Always 0.

@@ -178,8 +178,8 @@ TEST_F(FtpSession, ForgetsWhatTheLastServerSaid) {
   EXPECT_STREQ(m_client.GetLastReplyText(), "");
 }
 
-TEST_F(FtpSession, RefusesBadTextsBeforeAnythingIsSent) {
-  LogInTo(InStep());
+TEST_F(FtpSession, RefusesBadTextsBeforeItConnects) {
+  m_client.SetControlPort(UnusedPort());
   const std::string tooLong(260 - 7 + 1, 'x');
   EXPECT_EQ(m_client.FTPConnect("127.0.0.1", "ann\r\nDELE x", "secret"), kNetBadCharacters);
   EXPECT_EQ(m_client.FTPConnect("127.0.0.1", "ann", "secret\n"), kNetBadCharacters);
@@ -187,7 +187,15 @@ TEST_F(FtpSession, RefusesBadTextsBeforeAnythingIsSent) {
   EXPECT_EQ(m_client.FTPConnect("127.0.0.1", tooLong.c_str(), "secret"), kNetParameterTooLong);
   EXPECT_EQ(m_client.FTPConnect("127.0.0.1", "ann", tooLong.c_str()), kNetParameterTooLong);
   EXPECT_EQ(m_client.FTPConnect("127.0.0.1", "ann", "secret", tooLong.c_str()), kNetParameterTooLong);
-  ExpectInStep();
+}
+
+TEST_F(FtpSession, EndsTheOldConnectionWhateverTheNewOneIsTold) {
+  LogInTo({Expect("Quit"), ExpectEnd()});
+  EXPECT_EQ(m_client.FTPConnect("127.0.0.1", "ann", "secret\n"), kNetBadCharacters);
+  EXPECT_FALSE(m_client.IsLoggedIn());
+  EXPECT_EQ(m_client.GetReplyLineCount(), 0);
+  EXPECT_STREQ(m_client.GetLastReplyText(), "");
+  EXPECT_EQ(m_server->Finish(), "");
 }
 
 TEST_F(FtpSession, ConnectsAnewOverAnOldConnection) {
