@@ -1,12 +1,15 @@
 // CUT_FTPClient: from the connection to its end.
 #include "net/ftp_client.h"
 
+#include <algorithm>
+
 #include "net/error_codes.h"
 #include "net/ftp_client_rules.h"
 
 namespace {
 
 constexpr int kFirstDataPorts = 20000;
+constexpr std::int32_t kShortestTimeout = 1000;  // milliseconds
 
 }  // namespace
 
@@ -33,7 +36,8 @@ int CUT_FTPClient::SetNextDataPort(int port) {
 }
 
 void CUT_FTPClient::SetDataTimeouts(std::int32_t receiveMilliseconds, std::int32_t sendMilliseconds) {
-  m_data.PresetTimeouts(receiveMilliseconds, sendMilliseconds);
+  m_data.PresetTimeouts(std::max(receiveMilliseconds, kShortestTimeout),
+                        std::max(sendMilliseconds, kShortestTimeout));
 }
 
 void CUT_FTPClient::SetWaitListener(WaitListener* listener) {

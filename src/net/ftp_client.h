@@ -116,8 +116,8 @@ class CUT_FTPClient : public CUT_WSClient {
   int SetNextDataPort(int port);
   // Of the connection for commands, and of those for data in passive mode.
   void SetConnectTimeout(int seconds) { m_nConnectTimeout = seconds; }
-  // Of the data connections to come. The first one is also how long a reply is waited for, in whole
-  // seconds.
+  // Of the data connections to come, a second or more (less counts as one). The first one is also how
+  // long a reply is waited for, in whole seconds.
   void SetDataTimeouts(std::int32_t receiveMilliseconds, std::int32_t sendMilliseconds);
 
   // Of the connection for commands and of those for data.

@@ -133,6 +133,18 @@ TEST_F(FtpSession, WaitsThirtySecondsUnlessToldOtherwise) {
   EXPECT_EQ(m_client.waits, std::vector<long>{30});
 }
 
+// Without a wait of its own the client would wait for as long as the socket does.
+TEST_F(FtpSession, WaitsASecondAtLeast) {
+  LogInTo(Script{Expect("CDUP")} + InStep());
+  m_client.SetDataTimeouts(1, 0);
+  const Stopwatch watch;
+  EXPECT_EQ(m_client.CdUp(), kNetNoResponse);
+  EXPECT_GE(watch.Elapsed(), 900U);
+  EXPECT_LT(watch.Elapsed(), 10000U);
+  m_client.SetDataTimeouts(5000, 5000);
+  ExpectInStep();
+}
+
 TEST_F(FtpSession, IsAbortedAfterTheGreeting) {
   Serve({Say("220 ready"), ExpectEnd()});
   m_client.aborted = true;
