@@ -35,18 +35,22 @@ CUT_DataSource* CUT_FileDataSource::Clone() {
 }
 
 int CUT_FileDataSource::Open(int mode) {
-  m_nBuffered = 0;
   if (m_szName[0] == '\0') return -1;
   switch (mode) {
     case kSourceRead:
-      return m_file.Open(m_szName.data(), kFileReadAccess, kFileOpenExisting, 0);
+      return OpenFile(kFileReadAccess, kFileOpenExisting, 0);
     case kSourceWrite:
-      return m_file.Open(m_szName.data(), kFileReadAccess | kFileWriteAccess, kFileCreateAlways, 0);
+      return OpenFile(kFileReadAccess | kFileWriteAccess, kFileCreateAlways, 0);
     case kSourceAppend:
-      return m_file.Open(m_szName.data(), kFileReadAccess | kFileWriteAccess, kFileOpenAlways, 1);
+      return OpenFile(kFileReadAccess | kFileWriteAccess, kFileOpenAlways, 1);
     default:
       return -1;
   }
+}
+
+int CUT_FileDataSource::OpenFile(std::uint32_t access, std::uint32_t disposition, int append) {
+  m_nBuffered = 0;
+  return m_file.Open(m_szName.data(), access, disposition, append);
 }
 
 int CUT_FileDataSource::Close() {

@@ -42,6 +42,7 @@ class CUT_FileDataSource : public CUT_DataSource {
   long Seek(long offset, int origin) override;
 
  private:
+  int OpenFile(std::uint32_t access, std::uint32_t disposition, int append);
   int FillLineBuffer();
   int TakeBuffered(char* buffer, int count);
 

@@ -273,6 +273,13 @@ TEST_F(FileDataSource, ForgetsWhatWasBufferedWhenOpenedAnew) {
   EXPECT_EQ(Line(source), "failed");
 }
 
+TEST_F(FileDataSource, KeepsWhatWasBufferedWhenAnOpeningIsRefused) {
+  CUT_FileDataSource& source = Holding("one\r\ntwo\r\n");
+  EXPECT_EQ(Line(source), "one\r\n");
+  for (const int mode : {3, -1}) EXPECT_EQ(source.Open(mode), -1);
+  EXPECT_EQ(Line(source), "two\r\n");
+}
+
 TEST_F(FileDataSource, SeeksFromWhatWasConsumed) {
   CUT_FileDataSource& source = Holding("first\r\nsecond\r\nthird\r\n");
   EXPECT_EQ(Line(source), "first\r\n");
