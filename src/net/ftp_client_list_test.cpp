@@ -89,6 +89,19 @@ TEST_F(FtpList, ReplacesTheEntries) {
   ExpectInStep();
 }
 
+TEST_F(FtpList, KeepsTheEntriesWhenThereIsNoDataConnection) {
+  LogInTo(Passive(kListing) +
+          Script{Expect("PASV"), Say("502 no"), AnswerPasv(), Expect("LIST"), AcceptData(), Say("550 no"),
+                 ExpectDataLeft()} +
+          InStep());
+  EXPECT_EQ(m_client.ListPassive(), kNetSuccess);
+  EXPECT_EQ(m_client.ListPassive(), kNetPortFailed);
+  EXPECT_EQ(m_client.ListPassive(), kNetDataConnectionFailed);
+  EXPECT_EQ(m_client.GetDirEntryCount(), 5);
+  EXPECT_STREQ(Entry(1).name, "a b.txt");
+  ExpectInStep();
+}
+
 // Entries with these sizes.
 std::string Lines(const std::vector<int>& sizes) {
   std::string lines;

@@ -106,6 +106,16 @@ TEST(Connecting, DoesNotWaitOnceItIsRefused) {
   EXPECT_EQ(client.closed, 1);
 }
 
+// No dotted address is longer, but the system takes one with blanks behind it.
+TEST(Connecting, KeepsThirtyCharactersOfTheAddress) {
+  const TestListener listener;
+  const std::string padded = std::string(kLoopback) + std::string(60, ' ');
+  Client client;
+  ASSERT_EQ(client.Connect(listener.Port(), padded.c_str(), 5), kNetSuccess);
+  EXPECT_EQ(client.GetRemoteAddress(), padded.substr(0, 30));
+  EXPECT_EQ(client.greeted, padded);
+}
+
 TEST(Connecting, LeavesAnOpenSocketAlone) {
   const TestListener listener;
   Client client;

@@ -345,6 +345,17 @@ TEST(NotifyWindow, FailsWhenTheWindowDoes) {
   EXPECT_EQ(client.CreateNotifyWindow(module), kNetSuccess);
 }
 
+TEST(NotifyWindow, BelongsToNobodyWhenItIsCreated) {
+  Client client;
+  ASSERT_EQ(client.CreateNotifyWindow(GetModuleHandleA(nullptr)), kNetSuccess);
+  const HWND window = FindWindowExA(HWND_MESSAGE, nullptr, "CUT_WSClient", nullptr);
+  ASSERT_NE(GetWindowLongPtrA(window, 0), 0);
+  SendMessageA(window, WM_CREATE, 0, 0);
+  EXPECT_EQ(GetWindowLongPtrA(window, 0), 0);
+  SendMessageA(window, 1152, 7, MAKELPARAM(11, 12));
+  EXPECT_TRUE(client.notes.empty());
+}
+
 TEST(NotifyWindow, EndsWithItsClient) {
   {
     Client client;
