@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
 """Times the upload dialog against lftp: upload_bench.py STAGE DRIVE_WINDOW [FILES [ROUNDS [KIND]]].
 
-Both send the same folder of small files to the same server on this machine, in turns, so that a machine
-whose speed drifts treats them alike. Only what a user waits for is counted: from the press on Upload to the
-report, and the whole run of "lftp mirror -R". lftp is told to send files and nothing else, as the dialog does:
-no modes, no times. The ratios are taken round by round and their median is what counts.
+Both send the same folders to the same server on this machine, in turns, so that a machine whose speed drifts
+treats them alike: one of FILES small files, and one of a tenth as many tiles as an orthophoto has them. Only
+what a user waits for is counted: from the press on Upload to the report, and the whole run of "lftp mirror -R".
+lftp is told to send files and nothing else, as the dialog does: no modes, no times. The ratios are taken round
+by round and their median is what counts.
 
 Where the dialog's time goes is told as processor seconds of those who work on it meanwhile. Needs a complete
 Wine prefix in WINEPREFIX, and a screen."""
@@ -27,16 +28,15 @@ import keeper  # noqa: E402
 
 MARK = "MOSAICON_BENCH_RUN"
 IN_ONE_FOLDER = 100
-LARGEST = 4096  # bytes
+SIZES = {"small": (0, 4096), "tiles": (30_000, 150_000)}  # bytes
 INTERVAL = 0.2  # seconds
-NAME = "tiles"
 
 
-def make_files(folder, count):
+def make_files(folder, count, smallest, largest):
     for i in range(count):
         path = folder / "17" / str(i // IN_ONE_FOLDER) / f"{i}.png"
         path.parent.mkdir(parents=True, exist_ok=True)
-        path.write_bytes(os.urandom(i * 37 % LARGEST))
+        path.write_bytes(os.urandom(smallest + i * 37 % (largest - smallest)))
 
 
 def processor_seconds(pid):
@@ -103,7 +103,7 @@ def windows_path(path):
 def ours(stage, drive, folder, server, scratch):
     """Seconds, and the processor seconds of each party."""
     mark = uuid.uuid4().hex
-    watch = Watch(mark, server, server.root / NAME)
+    watch = Watch(mark, server, server.root / folder.name)
     try:
         run = subprocess.run(
             [sys.executable, "-B", str(TESTS / "ui" / "in_own_prefix.py"), str(drive),
@@ -120,7 +120,7 @@ def lftp(folder, server):
     commands = "; ".join((
         "set ftp:ssl-allow no", "set ftp:use-site-chmod no", "set ftp:use-site-utime no",
         "set ftp:use-site-utime2 no", "set ftp:use-mdtm-overloaded no", "set ftp:use-feat no",
-        "set cmd:fail-exit yes", f"mirror -R --no-perms '{folder}' {NAME}", "quit"))
+        "set cmd:fail-exit yes", f"mirror -R --no-perms '{folder}' {folder.name}", "quit"))
     start = time.monotonic()
     subprocess.run(["lftp", "--norc", "-u", f"{server.user},{server.password}", "-p", str(server.port), "-e",
                     commands, server.host], check=True, stdout=subprocess.DEVNULL)
@@ -129,28 +129,32 @@ def lftp(folder, server):
 
 def take_away(folder, server):
     """What has arrived, once it is known to be all."""
-    subprocess.run(["diff", "-r", folder, server.root / NAME], check=True)
-    shutil.rmtree(server.root / NAME)
+    subprocess.run(["diff", "-r", folder, server.root / folder.name], check=True)
+    shutil.rmtree(server.root / folder.name)
 
 
 def main(stage, drive, files=10000, rounds=3, kind="vsftpd"):
-    rows = []
+    counts = {"small": files, "tiles": max(files // 10, 1)}
+    rows = {what: [] for what in SIZES}
     with tempfile.TemporaryDirectory(prefix="mosaicon-bench-") as name, ftp_servers.start(kind) as server:
         scratch = pathlib.Path(name)
-        folder = scratch / NAME
-        make_files(folder, files)
+        for what, sizes in SIZES.items():
+            make_files(scratch / what, counts[what], *sizes)
         for number in range(1, rounds + 1):
-            theirs = lftp(folder, server)
-            take_away(folder, server)
-            seconds, parties = ours(stage, drive, folder, server, scratch)
-            take_away(folder, server)
-            rows.append((theirs, seconds, seconds / theirs))
-            print(f"round {number}: lftp {theirs:.1f} s, dialog {seconds:.1f} s, dialog/lftp {seconds / theirs:.2f}; "
-                  "processor seconds: " +
-                  ", ".join(f"{who} {spent:.1f}" for who, spent in sorted(parties.items())), flush=True)
-    medians = [statistics.median(column) for column in zip(*rows)]
-    print(f"{files} files to {kind}, {len(os.sched_getaffinity(0))} cores; medians: lftp {medians[0]:.1f} s, "
-          f"dialog {medians[1]:.1f} s, dialog/lftp {medians[2]:.2f}")
+            for what in SIZES:
+                folder = scratch / what
+                theirs = lftp(folder, server)
+                take_away(folder, server)
+                seconds, parties = ours(stage, drive, folder, server, scratch)
+                take_away(folder, server)
+                rows[what].append((theirs, seconds, seconds / theirs))
+                print(f"round {number}, {what}: lftp {theirs:.1f} s, dialog {seconds:.1f} s, "
+                      f"dialog/lftp {seconds / theirs:.2f}; processor seconds: " +
+                      ", ".join(f"{who} {spent:.1f}" for who, spent in sorted(parties.items())), flush=True)
+    for what in SIZES:
+        medians = [statistics.median(column) for column in zip(*rows[what])]
+        print(f"{counts[what]} {what} files to {kind}, {len(os.sched_getaffinity(0))} cores; medians: "
+              f"lftp {medians[0]:.1f} s, dialog {medians[1]:.1f} s, dialog/lftp {medians[2]:.2f}")
 
 
 if __name__ == "__main__":

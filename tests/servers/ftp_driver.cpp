@@ -48,6 +48,12 @@ class Client : public CUT_FTPClient {
   bool m_isAborted = false;
 };
 
+// Has nothing to do, but is asked.
+class Listener : public WaitListener {
+ public:
+  bool OnWait() override { return true; }
+};
+
 class Driver {
  public:
   // False at the end.
@@ -82,6 +88,10 @@ class Driver {
   int Close(const Words&) { return m_client.FTPClose(); }
   int Passive(const Words& words) {
     m_client.SetPassive(Number(words[1]) != 0);
+    return kNetSuccess;
+  }
+  int Listen(const Words& words) {
+    m_client.SetWaitListener(Number(words[1]) != 0 ? &m_listener : nullptr);
     return kNetSuccess;
   }
   int Timeouts(const Words& words) {
@@ -157,6 +167,7 @@ class Driver {
     return kNetSuccess;
   }
 
+  Listener m_listener;
   Client m_client;
   Words m_details;
   const std::map<std::string, Command> m_commands = {
@@ -168,6 +179,7 @@ class Driver {
       {"connect", &Driver::Connect},
       {"delete", &Driver::Delete},
       {"list", &Driver::List},
+      {"listen", &Driver::Listen},
       {"mkdir", &Driver::MakeFolder},
       {"noop", &Driver::NoOp},
       {"passive", &Driver::Passive},

@@ -27,8 +27,8 @@ class Answer:
 
 
 class Driver:
-    def __init__(self):
-        program = os.environ["MOSAICON_FTP_DRIVER"]
+    def __init__(self, program=None):
+        program = program or os.environ["MOSAICON_FTP_DRIVER"]
         self._process = subprocess.Popen([WINE, program], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                          stderr=subprocess.DEVNULL)
         self._unread = b""
