@@ -72,13 +72,6 @@ class ReplyLines : public ReplySource {
   bool m_bEmpty = true;
 };
 
-template <size_t Size>
-void CopyCut(char (&target)[Size], const char* text) {
-  const size_t length = strnlen(text, Size - 1);
-  std::memcpy(target, text, length);
-  target[length] = '\0';
-}
-
 int CopyWhole(const char* text, char* buffer, int size) {
   const size_t length = std::strlen(text);
   if (size < 0 || length >= static_cast<size_t>(size)) return kNetBufferTooShort;
@@ -95,7 +88,7 @@ int CUT_FTPClient::GetResponseCode(CUT_WSClient& connection, char* text, int siz
   if (code == 0 || !lines.IsLastWhole()) m_nLateReplyWait = std::max(m_nLateReplyWait, 0);
   // A line without a code is no answer, but shows what the server has to say.
   if (lines.IsEmpty() || lines.IsEndless()) return 0;
-  CopyCut(m_szLastReply, m_szLine);
+  CopyCut(m_szLine, m_szLastReply);
   if (text != nullptr) CopyReplyText(m_szLine, text, size);
   return code;
 }

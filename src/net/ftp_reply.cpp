@@ -17,11 +17,6 @@ std::string_view View(const char* text) {
   return text == nullptr ? std::string_view() : text;
 }
 
-// Copies as much as fits before the terminator.
-void CopyCut(std::string_view text, char* buffer, size_t size) {
-  buffer[text.copy(buffer, size - 1)] = '\0';
-}
-
 enum class LineResult { kRead, kNothing, kEndless };
 
 // Of a line that does not fit, reads the rest and forgets it.
@@ -88,7 +83,7 @@ int ReadReply(ReplySource& source, char (&line)[kFtpLineSize], CUT_StringList& l
     return code;
   }
   char opening[kCodeDigits + 1];
-  CopyCut(line, opening, sizeof opening);
+  CopyCut(line, opening);
   lines.Clear();
   lines.AddString(line);
   char next[kFtpLineSize];

@@ -1,8 +1,10 @@
 #include "net/net_text.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 void TrimLineEnd(char* line) {
   if (line == nullptr) return;
@@ -11,6 +13,12 @@ void TrimLineEnd(char* line) {
     char& last = line[length - back];
     if (last == '\r' || last == '\n') last = '\0';
   }
+}
+
+void CopyCut(std::string_view text, char* field, size_t size) {
+  const size_t length = std::min(text.size(), size - 1);
+  std::char_traits<char>::move(field, text.data(), length);
+  field[length] = '\0';
 }
 
 int CountTokens(const char* text, const char* delimiters) {

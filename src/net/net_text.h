@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdio>  // __MINGW_PRINTF_FORMAT
+#include <string_view>
 
 // A command, reply line or listing line of at most 260 characters, with its terminator.
 inline constexpr size_t kFtpLineSize = 261;
@@ -12,6 +13,14 @@ inline constexpr size_t kFtpLineSize = 261;
 // Looks at the last two characters, the last one first, and replaces each that is a CR or LF by NUL.
 // (So a CR before an ordinary last character cuts that character off, too.)
 void TrimLineEnd(char* line);
+
+// Copies text into a field of size bytes, one at least, cut if need be, with a terminator. The two may
+// overlap.
+void CopyCut(std::string_view text, char* field, size_t size);
+template <size_t Size>
+void CopyCut(std::string_view text, char (&field)[Size]) {
+  CopyCut(text, field, Size);
+}
 
 // The number of maximal runs of characters that are none of delimiters.
 int CountTokens(const char* text, const char* delimiters);

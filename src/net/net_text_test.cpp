@@ -82,6 +82,23 @@ TEST(FormatCommand, RefusesMoreThan260Characters) {
   }
 }
 
+TEST(CopyCut, KeepsWhatFitsBeforeTheTerminator) {
+  char field[] = "######";
+  CopyCut("abc", field, 5);
+  EXPECT_STREQ(field, "abc");
+  CopyCut("abcdefgh", field, 5);
+  EXPECT_STREQ(field, "abcd");
+  EXPECT_EQ(field[5], '#');
+  CopyCut("abc", field, 1);
+  EXPECT_STREQ(field, "");
+  CopyCut("abcdefgh", field);
+  EXPECT_STREQ(field, "abcdef");
+  CopyCut(field + 2, field);
+  EXPECT_STREQ(field, "cdef") << "from within itself";
+  CopyCut(std::string_view(), field);
+  EXPECT_STREQ(field, "");
+}
+
 TEST(Wipe, LeavesNothing) {
   char text[] = "secret";
   Wipe(text, 3);

@@ -2,18 +2,12 @@
 #include <cstring>
 
 #include "net/error_codes.h"
+#include "net/net_text.h"
 #include "net/ws_client.h"
 
 namespace {
 
 constexpr char kAnyAddress[] = "0.0.0.0";
-
-template <size_t Size>
-void CopyCut(char (&target)[Size], const char* text) {
-  const size_t length = strnlen(text, Size - 1);
-  std::memmove(target, text, length);
-  target[length] = '\0';
-}
 
 sockaddr_in AddressRecord(int family, u_long address, std::uint16_t port) {
   sockaddr_in record = {};
@@ -58,7 +52,7 @@ bool CUT_WSClient::FindRemoteAddress(const char* address, sockaddr_in& remote) {
   if (address == nullptr) return false;
   remote.sin_addr.s_addr = inet_addr(address);
   if (remote.sin_addr.s_addr != INADDR_NONE) {
-    CopyCut(m_szRemoteAddress, address);
+    CopyCut(address, m_szRemoteAddress);
     return true;
   }
   if (LookUpAddress(address, m_szRemoteAddress, sizeof m_szRemoteAddress) != kNetSuccess) return false;
@@ -119,7 +113,7 @@ void CUT_WSClient::StorePorts() {
 // Whoever connected to us or sent to us.
 void CUT_WSClient::SetRemote(const sockaddr_in& remote) {
   m_remote = remote;
-  if (const char* address = inet_ntoa(remote.sin_addr)) CopyCut(m_szRemoteAddress, address);
+  if (const char* address = inet_ntoa(remote.sin_addr)) CopyCut(address, m_szRemoteAddress);
   StorePorts();
 }
 
@@ -140,7 +134,7 @@ int CUT_WSClient::ConnectBound(std::uint16_t localPort, std::uint16_t remotePort
                                const char* remoteAddress, int family, int type) {
   if (m_socket != INVALID_SOCKET) return OnError(kNetSocketAlreadyOpen);
   if (remoteAddress == nullptr) return OnError(kNetBadAddress);
-  CopyCut(m_szRemoteAddress, remoteAddress);
+  CopyCut(remoteAddress, m_szRemoteAddress);
   m_nFamily = family;
   m_nType = type;
   if (CreateSocketHandle(m_socket, family, type, m_nProtocol) != kNetSuccess)
@@ -166,7 +160,7 @@ int CUT_WSClient::OpenDatagram(std::uint16_t localPort, std::uint16_t remotePort
   const sockaddr_in local = AddressRecord(AF_INET, inet_addr(from), localPort);
   if (bind(m_socket, Generic(local), sizeof local) != 0) return CloseAfter(kNetNotBound);
   const char* const to = remoteAddress != nullptr ? remoteAddress : "";
-  CopyCut(m_szRemoteAddress, to);
+  CopyCut(to, m_szRemoteAddress);
   m_remote = AddressRecord(AF_INET, *to != '\0' ? inet_addr(to) : INADDR_NONE, remotePort);
   StorePorts();
   ApplyTimeouts(m_socket);
