@@ -22,7 +22,7 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-// Gives up a transfer after a number of bytes, in the way that a test asks for.
+// Gives up a transfer after a number of bytes, in the way that a test asks for, or takes its time with it.
 class Client : public CUT_FTPClient {
  public:
   int OnReceiveProgress(long bytes) override { return GoesOn(bytes); }
@@ -34,9 +34,11 @@ class Client : public CUT_FTPClient {
     m_byHook = byHook;
     m_isAborted = false;
   }
+  void TakeForEachChunk(int milliseconds) { m_pace = milliseconds; }
 
  private:
   int GoesOn(long bytes) {
+    if (m_pace > 0) Sleep(static_cast<DWORD>(m_pace));
     if (m_limit == 0 || bytes < m_limit) return 1;
     if (m_byHook) return 0;
     m_isAborted = true;
@@ -46,6 +48,7 @@ class Client : public CUT_FTPClient {
   long m_limit = 0;
   bool m_byHook = true;
   bool m_isAborted = false;
+  int m_pace = 0;
 };
 
 // Has nothing to do, but is asked.
@@ -86,6 +89,10 @@ class Driver {
     return m_client.FTPConnect(words[1].c_str(), words[3].c_str(), words[4].c_str(), words[5].c_str());
   }
   int Close(const Words&) { return m_client.FTPClose(); }
+  int Pace(const Words& words) {
+    m_client.TakeForEachChunk(Number(words[1]));
+    return kNetSuccess;
+  }
   int Passive(const Words& words) {
     m_client.SetPassive(Number(words[1]) != 0);
     return kNetSuccess;
@@ -182,6 +189,7 @@ class Driver {
       {"listen", &Driver::Listen},
       {"mkdir", &Driver::MakeFolder},
       {"noop", &Driver::NoOp},
+      {"pace", &Driver::Pace},
       {"passive", &Driver::Passive},
       {"pwd", &Driver::CurrentFolder},
       {"quote", &Driver::Quote},

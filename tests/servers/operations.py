@@ -351,7 +351,12 @@ def killed_download(trial):
 
 @operation("server killed during an upload")
 def killed_upload(trial):
-    return kill(trial, trial.root / "file", "send", sparse(trial.local / "sent", FILE_LIMIT - 1), "file")
+    # The file is as large as the server takes it, and would be there before anything happens to it.
+    trial.must("pace", 1)
+    try:
+        return kill(trial, trial.root / "file", "send", sparse(trial.local / "sent", FILE_LIMIT - 1), "file")
+    finally:
+        trial.must("pace", 0)
 
 
 def kill(trial, growing, *words):
