@@ -1,18 +1,39 @@
+#include <windows.h>
+
 #include "kvtools/found_files.h"
 #include "kvtools/kvtools.h"
 
-int KVT_CountFileInFolder(const std::string& path, int withSubfolders) {
-  // Without a path the pattern would mean the current folder.
-  if (path.empty()) return 0;
+namespace {
+
+bool IsFolder(const std::string& path) {
+  const DWORD attributes = GetFileAttributesA(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+// The path ends in a backslash. False when the count was ended.
+bool CountInFolder(const std::string& path, bool withSubfolders, const std::function<bool()>& onFolder,
+                   int& count) {
+  if (onFolder && !onFolder()) return false;
   std::vector<FoundFile> found;
-  FindFiles(KVT_OptimizePath(path, 1) + "*.*", found);
-  int count = 0;
+  if (!FindFiles(path + "*.*", found)) ++count;
   for (const FoundFile& file : found) {
     if (!file.isDirectory) {
       ++count;
-    } else if (withSubfolders != 0 && file.name != "." && file.name != "..") {
-      count += KVT_CountFileInFolder(file.path, withSubfolders);
+    } else if (withSubfolders && file.name != "." && file.name != "..") {
+      if (!CountInFolder(file.path + "\\", withSubfolders, onFolder, count)) return false;
     }
   }
+  return true;
+}
+
+}  // namespace
+
+int KVT_CountFileInFolder(const std::string& path, int withSubfolders,
+                          const std::function<bool()>& onFolder) {
+  // Without a path the pattern would mean the current folder.
+  if (path.empty()) return 0;
+  const std::string folder = KVT_OptimizePath(path, 1);
+  int count = 0;
+  if (IsFolder(folder)) CountInFolder(folder, withSubfolders != 0, onFolder, count);
   return count;
 }

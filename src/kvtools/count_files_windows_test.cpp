@@ -45,4 +45,29 @@ TEST_F(FileCount, IsZeroForWhatIsNoFolder) {
   }
 }
 
+// One that goes away before its turn is one that cannot be read.
+TEST_F(FileCount, TakesAFolderThatCannotBeReadForAFile) {
+  MakeFolder("a");
+  MakeFolder("b");
+  MakeFiles({"1.txt", "a\\2.txt"});
+  EXPECT_EQ(KVT_CountFileInFolder(m_folder.Path(), 1), 2);
+  int folders = 0;
+  const auto loseB = [&] {
+    if (++folders == 2) RemoveDirectoryA(m_folder.Path("b").c_str());
+    return true;
+  };
+  EXPECT_EQ(KVT_CountFileInFolder(m_folder.Path(), 1, loseB), 3);
+}
+
+TEST_F(FileCount, AsksBeforeEachFolderWhetherToGoOn) {
+  MakeFolder("a");
+  MakeFolder("a\\b");
+  MakeFiles({"1", "a\\2", "a\\b\\3"});
+  int folders = 0;
+  EXPECT_EQ(KVT_CountFileInFolder(m_folder.Path(), 1, [&] { return ++folders > 0; }), 3);
+  EXPECT_EQ(folders, 3);
+  EXPECT_EQ(KVT_CountFileInFolder(m_folder.Path(), 1, [&] { return --folders > 0; }), 2);
+  EXPECT_EQ(KVT_CountFileInFolder(m_folder.Path(), 1, [] { return false; }), 0);
+}
+
 }  // namespace

@@ -10,6 +10,7 @@
 #ifndef MOSAICON_KVTOOLS_KVTOOLS_H_
 #define MOSAICON_KVTOOLS_KVTOOLS_H_
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -60,9 +61,11 @@ std::string KVT_OptimizePath(const std::string& path, int flag);
 
 // How many files a folder holds; folders do not count. With withSubfolders 1 those in all its
 // subfolders count too, with 0 only its own. Hidden files count, and links to folders are gone into as
-// any walk through the folder would. A folder that is missing or cannot be read holds 0. Windows only;
-// link kvtools_files.
-int KVT_CountFileInFolder(const std::string& path, int withSubfolders);
+// any walk through the folder would. What is no folder holds 0; a folder that cannot be read, or not to its
+// end, counts as one more file, so that nobody takes it for one that holds nothing. onFolder, when given, is
+// called before each folder is read; false ends the count. Windows only; link kvtools_files.
+int KVT_CountFileInFolder(const std::string& path, int withSubfolders,
+                          const std::function<bool()>& onFolder = nullptr);
 
 // The path of the system's folder with this number (a CSIDL; 35 is the application data that all users
 // share), without "\" at its end unless it is a drive root. The folder is made when it is missing. Empty
