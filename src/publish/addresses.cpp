@@ -1,13 +1,14 @@
 #include "publish/addresses.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <string_view>
 
 namespace {
 
 constexpr char kHttp[] = "http://";
 constexpr size_t kHttpLength = 7;
-constexpr char kFtp[] = "ftp://";
-constexpr size_t kFtpLength = 6;
+constexpr std::string_view kFtp = "ftp://";
 constexpr char kBlanks[] = " \t";
 constexpr size_t kLongestPort = 5;
 constexpr int kHighestPort = 65535;
@@ -16,6 +17,14 @@ std::string Trimmed(const std::string& text) {
   const size_t first = text.find_first_not_of(kBlanks);
   if (first == std::string::npos) return "";
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+// In whatever letters the scheme is written.
+bool BeginsWithFtp(const std::string& text) {
+  const auto isSame = [](char wanted, char c) {
+    return wanted == (c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+  };
+  return text.size() >= kFtp.size() && std::equal(kFtp.begin(), kFtp.end(), text.begin(), isSame);
 }
 
 // 0 when the text is no port.
@@ -31,7 +40,7 @@ int PortNumber(const std::string& text) {
 HostAddress ParseHostAddress(const std::string& text) {
   HostAddress address;
   address.host = Trimmed(text);
-  if (address.host.starts_with(kFtp)) address.host.erase(0, kFtpLength);
+  if (BeginsWithFtp(address.host)) address.host.erase(0, kFtp.size());
   while (address.host.ends_with('/')) address.host.pop_back();
   const size_t colon = address.host.rfind(':');
   if (colon == std::string::npos) return address;
