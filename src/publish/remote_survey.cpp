@@ -12,6 +12,7 @@ bool IsTileFolder(const FtpDirEntry& listed) {
 }  // namespace
 
 int RemoteSurvey::Collect(const std::vector<RemoteRow>& rows, std::vector<CRemoteDataEntry>& entries) {
+  m_bLost = false;
   m_bSucceeded = m_server.IsConnected() && m_server.List() == kNetSuccess;
   if (!m_bSucceeded) return 0;
   entries.clear();
@@ -24,6 +25,7 @@ int RemoteSurvey::Collect(const std::vector<RemoteRow>& rows, std::vector<CRemot
     if (SurveyFolder(entry) != 0) entries.push_back(entry);
   }
   m_host.SetProgressPosition(0);
+  if (!m_server.IsConnected()) m_bSucceeded = false;
   return static_cast<int>(entries.size());
 }
 
@@ -61,6 +63,9 @@ bool RemoteSurvey::AddNamesOfTile(const std::string& name, CRemoteDataEntry& ent
 
 bool RemoteSurvey::GoBack() {
   const bool isBack = m_server.GoToParent() == kNetSuccess;
-  if (!isBack) m_bSucceeded = false;
+  if (!isBack) {
+    m_bSucceeded = false;
+    m_bLost = true;
+  }
   return isBack;
 }

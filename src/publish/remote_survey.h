@@ -34,6 +34,8 @@ class RemoteSurvey {
   // True when the last Collect went through and ended in the folder where it began. Otherwise nothing
   // may be written to the current remote folder: it may be another one than the user sees.
   bool HasSucceeded() const { return m_bSucceeded; }
+  // True when it ended in another folder.
+  bool HasLostItsWay() const { return m_bLost; }
 
  private:
   void AddNamesOfFolder(CRemoteDataEntry& entry);
@@ -44,6 +46,7 @@ class RemoteSurvey {
   RemoteServer& m_server;
   PublishHost& m_host;
   bool m_bSucceeded = false;
+  bool m_bLost = false;
 };
 
 #endif  // MOSAICON_PUBLISH_REMOTE_SURVEY_H_
