@@ -60,6 +60,11 @@ void FakeRemoteServer::AddFile(const std::string& path, const std::string& conte
   m_nodes.push_back({path, false, content});
 }
 
+void FakeRemoteServer::AddLink(const std::string& path, const std::string& target) {
+  AddFolder(ParentOf(path));
+  m_nodes.push_back({path, false, "", target});
+}
+
 void FakeRemoteServer::Delete(const std::vector<std::string>& paths) {
   for (const std::string& path : paths) Remove(path);
 }
@@ -95,7 +100,7 @@ void FakeRemoteServer::Refill(const std::string& folder, const std::string& name
 int FakeRemoteServer::ChangeFolder(const std::string& name) {
   const int result = Begin("CWD", name);
   if (result != kNetSuccess) return result;
-  const std::string path = Resolve(name);
+  const std::string path = Follow(Resolve(name));
   if (!IsFolder(path)) return kNetDenied;
   m_current = path;
   return kNetSuccess;
@@ -136,6 +141,12 @@ int FakeRemoteServer::RemoveFile(const std::string& name) {
   return kNetSuccess;
 }
 
+int FakeRemoteServer::CurrentFolder(std::string& path) {
+  const int result = Begin("PWD", "");
+  path = result == kNetSuccess ? m_current : "";
+  return result;
+}
+
 int FakeRemoteServer::SendFile(const std::string& localPath, const std::string& name) {
   const int result = Begin("STOR", name);
   if (result != kNetSuccess) return result;
@@ -162,7 +173,8 @@ int FakeRemoteServer::List() {
   }
   for (const Node& node : m_nodes) {
     if (ParentOf(node.path) != m_current) continue;
-    m_entries.push_back(MakeEntry(NameOf(node.path), node.isFolder, node.content.size()));
+    const bool looksLikeFolder = node.isFolder || !node.target.empty();
+    m_entries.push_back(MakeEntry(NameOf(node.path), looksLikeFolder, node.content.size()));
   }
   return kNetSuccess;
 }
@@ -221,6 +233,11 @@ const FakeRemoteServer::Node* FakeRemoteServer::Find(const std::string& path) co
 bool FakeRemoteServer::IsFolder(const std::string& path) const {
   const Node* node = Find(path);
   return path == "/" || (node != nullptr && node->isFolder);
+}
+
+std::string FakeRemoteServer::Follow(const std::string& path) const {
+  const Node* node = Find(path);
+  return node != nullptr && !node->target.empty() ? node->target : path;
 }
 
 void FakeRemoteServer::Remove(const std::string& path) {

@@ -23,6 +23,9 @@ class FakeRemoteServer : public RemoteServer {
   // Both make the folders above, too.
   void AddFolder(const std::string& path);
   void AddFile(const std::string& path, const std::string& content = "");
+  // A link to a folder, listed as one. From the folder that it leads into, CDUP leads to the folder above
+  // that one.
+  void AddLink(const std::string& path, const std::string& target);
   // Takes files and empty folders away without a command, as another client does.
   void Delete(const std::vector<std::string>& paths);
   bool Has(const std::string& path) const;
@@ -47,7 +50,7 @@ class FakeRemoteServer : public RemoteServer {
   void Disconnect() { DisconnectAfter(0); }
 
   // --- What happened. ---
-  // "CWD a", "CDUP", "MKD a", "RMD a", "DELE a", "STOR a", "LIST"; also of those that failed.
+  // "CWD a", "CDUP", "MKD a", "RMD a", "DELE a", "PWD", "STOR a", "LIST"; also of those that failed.
   std::vector<std::string> commands;
   std::vector<int> reportedErrors;
   // Runs after each command was noted and before it is carried out, as handlers of a user interface do.
@@ -61,6 +64,7 @@ class FakeRemoteServer : public RemoteServer {
   int MakeFolder(const std::string& name) override;
   int RemoveFolder(const std::string& name) override;
   int RemoveFile(const std::string& name) override;
+  int CurrentFolder(std::string& path) override;
   int SendFile(const std::string& localPath, const std::string& name) override;
   int List() override;
   int EntryCount() override { return static_cast<int>(m_entries.size()); }
@@ -72,6 +76,7 @@ class FakeRemoteServer : public RemoteServer {
     std::string path;
     bool isFolder = false;
     std::string content;
+    std::string target = {};  // of a link
   };
   struct Failure {
     std::string command;
@@ -95,6 +100,8 @@ class FakeRemoteServer : public RemoteServer {
   std::string Resolve(const std::string& name) const;
   const Node* Find(const std::string& path) const;
   bool IsFolder(const std::string& path) const;
+  // Where a link leads; any other path as it is.
+  std::string Follow(const std::string& path) const;
   void Remove(const std::string& path);
 
   std::vector<Node> m_nodes;

@@ -17,8 +17,10 @@ int FtpRemoteServer::ChangeFolder(const std::string& name) {
   return Finish(m_client.ChDir(RemotePath(name).c_str()));
 }
 
+// Some servers know the way up by its other name only.
 int FtpRemoteServer::GoToParent() {
-  return Finish(m_client.CdUp());
+  const int result = Finish(m_client.CdUp());
+  return result == kNetDenied ? Finish(m_client.ChDir("..")) : result;
 }
 
 int FtpRemoteServer::MakeFolder(const std::string& name) {
@@ -31,6 +33,13 @@ int FtpRemoteServer::RemoveFolder(const std::string& name) {
 
 int FtpRemoteServer::RemoveFile(const std::string& name) {
   return Finish(m_client.DeleteFile(RemotePath(name).c_str()));
+}
+
+int FtpRemoteServer::CurrentFolder(std::string& path) {
+  char buffer[kFtpLineSize];
+  const int failed = Finish(m_client.GetCurDir(buffer, sizeof buffer));
+  path = failed == kNetSuccess ? buffer : "";
+  return failed;
 }
 
 int FtpRemoteServer::SendFile(const std::string& localPath, const std::string& name) {

@@ -17,6 +17,7 @@ class FtpRemoteServer : public RemoteServer {
   int MakeFolder(const std::string& name) override;
   int RemoveFolder(const std::string& name) override;
   int RemoveFile(const std::string& name) override;
+  int CurrentFolder(std::string& path) override;
   int SendFile(const std::string& localPath, const std::string& name) override;
   int List() override;
   int EntryCount() override;

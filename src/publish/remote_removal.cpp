@@ -7,7 +7,6 @@ namespace {
 
 // A server can list folders in folders for ever. No real path has as many components.
 constexpr int kDeepest = 128;
-constexpr int kMostFailures = 2;
 constexpr char kLinkArrow[] = " -> ";
 
 // Unix servers list a link with what it points to.
@@ -21,64 +20,109 @@ bool MayBeDeleted(const FtpDirEntry& entry) {
   return IsPlainRemoteName(name) || (entry.directory == 0 && IsPlainRemoteName(NameOfLink(name)));
 }
 
+bool IsSeparator(char c) {
+  return c == '/' || c == '\\';
+}
+
 }  // namespace
 
 void RemoteRemoval::RemoveContents(const std::string& name) {
   if (!m_server.IsConnected() || m_host.IsAborted()) return;
-  if (m_nDepth == kDeepest) return GiveUp("too many folders in each other: " + name);
   if (m_server.ChangeFolder(name) != kNetSuccess) return;
-  ++m_nDepth;
   RemoveEntries(name);
-  --m_nDepth;
   if (m_server.GoToParent() != kNetSuccess) m_bStuck = true;
+}
+
+std::string RemoteRemoval::PassedOver() const {
+  if (m_nPassedOver < 2) return m_strFirstPassedOver;
+  return m_strFirstPassedOver + " and " + std::to_string(m_nPassedOver - 1) + " more";
 }
 
 void RemoteRemoval::RemoveEntries(const std::string& folder) {
   if (m_server.List() != kNetSuccess || m_server.EntryCount() == 0) return;
-  int failures = 0;
-  int count = 0;
-  do {
-    if (m_host.IsAborted()) return;
-    const int listed = m_server.List();
-    count = listed == kNetSuccess ? m_server.EntryCount() : 0;
+  std::set<std::string> refused;
+  std::string place;  // as the server calls this folder, once that matters
+  while (!m_bStuck && !m_host.IsAborted()) {
+    const bool isListed = m_server.List() == kNetSuccess && m_server.EntryCount() > 0;
     m_host.PumpMessages();
-    FtpDirEntry entry;
-    if (count == 0) {
+    if (!isListed) {
       m_server.ReportError(kNetBadIndex);
-    } else if (!TakeFirstEntry(entry) || m_host.IsAborted()) {
       return;
-    } else if (RemoveEntry(folder, entry)) {
-      failures = 0;
-    } else if (++failures == kMostFailures) {
-      GiveUp("cannot delete " + folder + "\\" + entry.name);
     }
-  } while (count > 0 && !m_bStuck);
+    FtpDirEntry entry;
+    if (!TakeFirstEntry(refused, entry) || m_host.IsAborted()) return;
+    const int passedOver = m_nPassedOver;
+    if (RemoveEntry(folder, entry, place)) continue;
+    refused.insert(entry.name);
+    // A folder stays with what is passed over in it.
+    if (m_nPassedOver == passedOver) PassOver(folder + "\\" + entry.name);
+  }
 }
 
-bool RemoteRemoval::TakeFirstEntry(FtpDirEntry& entry) {
+bool RemoteRemoval::TakeFirstEntry(const std::set<std::string>& refused, FtpDirEntry& entry) {
   for (int i = 0; i < m_server.EntryCount(); ++i) {
     entry = m_server.Entry(i);
-    if (MayBeDeleted(entry)) return true;
+    if (MayBeDeleted(entry) && !refused.contains(entry.name)) return true;
   }
   return false;
 }
 
-bool RemoteRemoval::RemoveEntry(const std::string& folder, const FtpDirEntry& entry) {
+bool RemoteRemoval::RemoveEntry(const std::string& folder, const FtpDirEntry& entry, std::string& place) {
   const std::string name = entry.name;
-  if (entry.directory == 0) {
-    m_host.SetStatus("deleting " + folder + "\\" + name);
-    return RemoveFileOrLink(name);
-  }
-  RemoveContents(name);
-  // After an abort it is not empty, and there may be nobody to tell.
-  if (m_host.IsAborted() || m_bStuck) return true;
-  return m_server.RemoveFolder(name) == kNetSuccess;
+  if (entry.directory != 0) return RemoveFolder(name, place);
+  m_host.SetStatus("deleting " + folder + "\\" + name);
+  return RemoveFileOrLink(name);
 }
 
 bool RemoteRemoval::RemoveFileOrLink(const std::string& name) {
   if (IsPlainRemoteName(name) && m_server.RemoveFile(name) == kNetSuccess) return true;
   const std::string link = NameOfLink(name);
   return IsPlainRemoteName(link) && m_server.RemoveFile(link) == kNetSuccess;
+}
+
+bool RemoteRemoval::RemoveFolder(const std::string& name, std::string& place) {
+  if (m_server.RemoveFile(name) == kNetSuccess) return true;
+  EmptyFolder(name, place);
+  // After an abort it is not empty, and there may be nobody to tell.
+  if (m_host.IsAborted() || m_bStuck) return true;
+  return m_server.RemoveFolder(name) == kNetSuccess;
+}
+
+// place is where the server stands, asked for when it is empty.
+void RemoteRemoval::EmptyFolder(const std::string& name, std::string& place) {
+  if (!m_server.IsConnected() || m_host.IsAborted()) return;
+  if (m_nDepth == kDeepest) return GiveUp("too many folders in each other: " + name);
+  if (place.empty() && (m_server.CurrentFolder(place) != kNetSuccess || place.empty())) return;
+  if (m_server.ChangeFolder(name) != kNetSuccess) return;
+  if (!IsBelow(place)) {
+    if (m_server.ChangeFolder(place) != kNetSuccess || !IsAt(place)) GiveUp("cannot go back to " + place);
+    return;
+  }
+  ++m_nDepth;
+  RemoveEntries(name);
+  --m_nDepth;
+  if (m_server.GoToParent() != kNetSuccess) {
+    m_bStuck = true;
+  } else if (!m_bStuck && !m_host.IsAborted() && !IsAt(place)) {
+    GiveUp("cannot go back to " + place);
+  }
+}
+
+bool RemoteRemoval::IsAt(const std::string& place) {
+  std::string now;
+  return m_server.CurrentFolder(now) == kNetSuccess && now == place;
+}
+
+bool RemoteRemoval::IsBelow(const std::string& place) {
+  std::string now;
+  if (m_server.CurrentFolder(now) != kNetSuccess || now.size() <= place.size() || !now.starts_with(place))
+    return false;
+  return IsSeparator(place.back()) || IsSeparator(now[place.size()]);
+}
+
+void RemoteRemoval::PassOver(const std::string& path) {
+  m_host.SetStatus("cannot delete " + path);
+  if (++m_nPassedOver == 1) m_strFirstPassedOver = path;
 }
 
 void RemoteRemoval::GiveUp(const std::string& status) {

@@ -20,6 +20,8 @@ class RemoteServer {
   virtual int MakeFolder(const std::string& name) = 0;    // MKD
   virtual int RemoveFolder(const std::string& name) = 0;  // RMD
   virtual int RemoveFile(const std::string& name) = 0;    // DELE
+  // How the server calls the current remote folder. A path that it has told may be given to ChangeFolder.
+  virtual int CurrentFolder(std::string& path) = 0;  // PWD
   // Stores the local file under name, replacing what is there.
   virtual int SendFile(const std::string& localPath, const std::string& name) = 0;  // STOR
 
