@@ -10,7 +10,8 @@
 
 class FakePublishHost : public PublishHost {
  public:
-  bool IsAborted() override { return aborted; }
+  bool IsAborted() override { return aborted || leaving; }
+  bool IsLeaving() override { return leaving; }
   void PumpMessages() override {
     ++pumps;
     if (onPump) onPump();
@@ -22,6 +23,7 @@ class FakePublishHost : public PublishHost {
   void SetStatus(const std::string& text) override { statuses.push_back(text); }
 
   bool aborted = false;
+  bool leaving = false;
   int pumps = 0;
   int range = -1;
   std::vector<int> positions;

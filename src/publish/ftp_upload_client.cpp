@@ -3,7 +3,10 @@
 namespace {
 
 constexpr ULONGLONG kPumpMilliseconds = 20;
-constexpr ULONGLONG kAnswerMilliseconds = 1000;
+// Of silence after an abort. A transfer that was cut short is answered when the server has received what
+// was on its way, and the answer takes the way back.
+constexpr ULONGLONG kAnswerMilliseconds = 4000;
+constexpr ULONGLONG kGoodbyeMilliseconds = 1000;
 
 }  // namespace
 
@@ -22,10 +25,16 @@ int CFtpUploadClient::IsAborted() {
   return IsStopAsked() ? 1 : 0;
 }
 
+// The result of an operation: what comes next may take its own time.
+int CFtpUploadClient::OnError(int code) {
+  m_nSilentSince = 0;
+  return CUT_FTPClient::OnError(code);
+}
+
 // Every abort has its own time to wait for an answer.
 bool CFtpUploadClient::IsStopAsked() {
   const bool isAsked = m_host.IsAborted();
-  if (!isAsked) m_nAbortedSince = 0;
+  if (!isAsked) m_nSilentSince = 0;
   return isAsked;
 }
 
@@ -38,8 +47,8 @@ bool CFtpUploadClient::OnWait() {
   m_host.PumpMessages();
   if (!IsStopAsked()) return true;
   const ULONGLONG now = GetTickCount64();
-  if (m_nAbortedSince == 0) m_nAbortedSince = now;
-  if (now - m_nAbortedSince < kAnswerMilliseconds) return true;
+  if (m_nSilentSince == 0) m_nSilentSince = now;
+  if (now - m_nSilentSince < (m_host.IsLeaving() ? kGoodbyeMilliseconds : kAnswerMilliseconds)) return true;
   m_bGivenUp = true;
   return false;
 }

@@ -73,6 +73,7 @@ class CFtpUploadFolderDlg : public CDialogEx, private PublishHost {
 
   // PublishHost
   bool IsAborted() override;
+  bool IsLeaving() override { return m_bCloseAsked; }
   void PumpMessages() override;
   void SetProgressRange(int count) override;
   void SetProgressPosition(int position) override;

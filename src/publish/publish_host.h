@@ -12,6 +12,8 @@ class PublishHost {
 
   // True once the user has confirmed that the operation shall stop.
   virtual bool IsAborted() = 0;
+  // True when the connection, too, is not wanted any more; IsAborted is then true as well.
+  virtual bool IsLeaving() = 0;
   // Dispatches what is pending and returns.
   virtual void PumpMessages() = 0;
 
