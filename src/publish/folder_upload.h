@@ -1,7 +1,8 @@
 // Copies a local folder, with everything below it, into a new folder of the same name in the current
 // remote folder. Blanks in the names of folders become underscores; those of files stay.
 //
-// A file that cannot be sent, and a folder that cannot be made, is left out and the rest goes on. An
+// A file that cannot be sent, and a folder that cannot be made, is left out and the rest goes on; a local
+// folder that cannot be read is like an empty one, save for the count of files to upload. An
 // abort ends it at the next entry. At the end the current remote folder is again what it was; when the
 // server cannot be brought back there, the upload stops rather than go on in the wrong folder.
 //

@@ -1,6 +1,7 @@
 // The upload dialog: the connection.
 #include "publish/ftp_upload_folder_dlg.h"
 
+#include <optional>
 #include <utility>
 
 #include "kvtools/flag_guard.h"
@@ -57,13 +58,18 @@ CFtpUploadFolderDlg::CFtpUploadFolderDlg(std::string webUrl, std::string localFo
       m_ftp(*this),
       m_server(m_ftp) {}
 
+CFtpUploadFolderDlg::Hourglass::Hourglass(CFtpUploadFolderDlg& dialog)
+    : m_dialog(dialog), m_pOuter(dialog.m_pWaitCursor) {
+  dialog.m_pWaitCursor = &m_cursor;
+}
+
 void CFtpUploadFolderDlg::OnConnect() {
-  if (m_bBusy) return;
+  if (!MayBegin(IDC_FTP_CONNECT)) return;
   {
     const FlagGuard busy(m_bBusy);
     Connect();
   }
-  CloseIfAsked();
+  FinishConversation();
 }
 
 void CFtpUploadFolderDlg::Connect() {
@@ -73,11 +79,25 @@ void CFtpUploadFolderDlg::Connect() {
   SaveFirewallMode(firewallMode);
   m_host = GetDlgItemText(IDC_FTP_HOST);
   m_remoteFolder = GetDlgItemText(IDC_FTP_REMOTE_FOLDER);
+  if (const int failed = LogIn()) {
+    if (!m_bCloseAsked) Tell(CUT_ERR::GetErrorString(failed), MB_ICONEXCLAMATION);
+    return;
+  }
+  {
+    const Hourglass hourglass(*this);
+    EnterRemoteFolder();
+    SaveRemoteFolder(m_remoteFolder);
+    EnableWindow(m_list.GetSafeHwnd(), TRUE);
+    FillList();
+  }
+  ShowConnected(true);
+  if (m_hWnd != nullptr) SetTimer(m_hWnd, kKeepAliveTimer, kKeepAliveMilliseconds, nullptr);
+}
+
+int CFtpUploadFolderDlg::LogIn() {
+  const Hourglass hourglass(*this);
   const std::string userName = GetDlgItemText(IDC_FTP_USER_NAME);
   const Password password(GetDlgItemText(IDC_FTP_PASSWORD));
-
-  CWaitCursor wait;
-  m_pWaitCursor = &wait;
   const HostAddress address = ParseHostAddress(m_host);
   m_ftp.Reset();
   m_ftp.SetControlPort(address.port);
@@ -85,20 +105,11 @@ void CFtpUploadFolderDlg::Connect() {
   if (failed != kNetSuccess) {
     // A login that was refused leaves a connection, which would be taken for a good one.
     m_ftp.FTPClose();
-    m_pWaitCursor = nullptr;
-    if (!m_bCloseAsked) Tell(CUT_ERR::GetErrorString(failed), MB_ICONEXCLAMATION);
-    return;
+    return failed;
   }
   ChooseTransferType();
   SaveLogin(m_host, userName, password.Text());
-  EnterRemoteFolder();
-  SaveRemoteFolder(m_remoteFolder);
-  EnableWindow(m_list.GetSafeHwnd(), TRUE);
-  FillList();
-  m_pWaitCursor = nullptr;
-  ShowConnected(true);
-  SetTimer(m_hWnd, kKeepAliveTimer, kKeepAliveMilliseconds, nullptr);
-  NoticeLostConnection();
+  return kNetSuccess;
 }
 
 // A server that refuses it can still be worked with; the error hook has seen the result.
@@ -128,36 +139,65 @@ void CFtpUploadFolderDlg::EnterRemoteFolder() {
 }
 
 void CFtpUploadFolderDlg::OnDisconnect() {
-  if (m_bBusy || !m_ftp.IsConnected()) return;
-  m_ftp.FTPClose();
-  NoticeLostConnection();
+  if (!m_bConnected || m_bOperation || m_bBoxIsOpen) return;
+  m_bDisconnectAsked = true;
+  if (!m_bBusy) FinishConversation();
 }
 
-// Also when the server has gone away by itself: the controls must not promise what is not there.
-void CFtpUploadFolderDlg::NoticeLostConnection() {
-  if (!m_bConnected || m_ftp.IsConnected()) return;
+void CFtpUploadFolderDlg::Disconnect() {
+  m_bDisconnectAsked = false;
   m_ftp.FTPClose();
   KillTimer(m_hWnd, kKeepAliveTimer);
   m_list.DeleteAllItems();
   ShowConnected(false);
 }
 
-void CFtpUploadFolderDlg::OnRefresh() {
-  if (m_bBusy) return;
-  {
-    const FlagGuard busy(m_bBusy);
-    FillList();
-    NoticeLostConnection();
+// When the server has gone away by itself: the controls must not promise what is not there.
+void CFtpUploadFolderDlg::NoticeLostConnection() {
+  if (!m_bConnected || m_ftp.IsConnected()) return;
+  m_bLossUntold = !m_bDisconnectAsked;
+  Disconnect();
+}
+
+// Whether the handler of a button may talk to the server.
+bool CFtpUploadFolderDlg::MayBegin(int command) {
+  if (m_bBusy && m_bKeepingAlive) m_nPostponed = command;
+  return !m_bBusy && !m_bBoxIsOpen;
+}
+
+// What has come up during a conversation. Every handler ends with it, and none that runs inside another.
+void CFtpUploadFolderDlg::FinishConversation() {
+  if (m_hWnd == nullptr || m_bBoxIsOpen) return;
+  NoticeLostConnection();
+  if (m_bDisconnectAsked) Disconnect();
+  if (m_bLossUntold && !m_bCloseAsked) {
+    m_bLossUntold = false;
+    Tell("Connection lost", MB_ICONEXCLAMATION);
   }
-  CloseIfAsked();
+  if (m_bCloseAsked) return Exit();
+  const int command = std::exchange(m_nPostponed, 0);
+  if (command != 0 && m_bConnected) PostMessageA(m_hWnd, WM_COMMAND, MAKEWPARAM(command, BN_CLICKED), 0);
+}
+
+void CFtpUploadFolderDlg::OnRefresh() {
+  if (!MayBegin(IDC_FTP_REFRESH)) return;
+  Refresh();
+  FinishConversation();
+}
+
+void CFtpUploadFolderDlg::Refresh() {
+  const FlagGuard busy(m_bBusy);
+  FillList();
 }
 
 void CFtpUploadFolderDlg::FillList() {
   if (!m_ftp.IsConnected()) return;
+  std::optional<Hourglass> hourglass(*this);
   m_list.DeleteAllItems();
   const int failed = m_server.List();
   if (failed != kNetSuccess) {
-    if (!m_bCloseAsked) Tell(CUT_ERR::GetErrorString(failed), MB_ICONEXCLAMATION);
+    hourglass.reset();
+    if (!IsAborted()) Tell(CUT_ERR::GetErrorString(failed), MB_ICONEXCLAMATION);
     return;
   }
   m_list.SendMessage(WM_SETREDRAW, FALSE);
@@ -188,13 +228,14 @@ void CFtpUploadFolderDlg::OnTimer(UINT_PTR id) {
   if (!m_bBusy) {
     {
       const FlagGuard busy(m_bBusy);
+      const FlagGuard keepingAlive(m_bKeepingAlive);
       if (m_ftp.IsConnected()) m_ftp.NoOp();
       if (m_ftp.HasGivenUp()) m_ftp.CloseConnection();
       NoticeLostConnection();
     }
-    CloseIfAsked();
+    FinishConversation();
   }
-  if (m_bConnected) SetTimer(m_hWnd, kKeepAliveTimer, kKeepAliveMilliseconds, nullptr);
+  if (m_bConnected && m_hWnd != nullptr) SetTimer(m_hWnd, kKeepAliveTimer, kKeepAliveMilliseconds, nullptr);
 }
 
 LRESULT CFtpUploadFolderDlg::OnSetCursor(WPARAM wParam, LPARAM lParam) {
@@ -214,18 +255,15 @@ void CFtpUploadFolderDlg::OnCancel() {
   Exit();
 }
 
-// In the middle of a conversation the dialog ends when that has come to its end.
+// In the middle of a conversation the dialog ends when that has come to its end, and below a message box
+// when that is answered.
 void CFtpUploadFolderDlg::Exit() {
-  if (m_bBusy) {
-    if (!m_bOperation || AskToStop()) m_bCloseAsked = true;
+  if (m_bBusy || m_bBoxIsOpen) {
+    if (!m_bOperation || m_bSendingPage || AskToStop()) m_bCloseAsked = true;
     return;
   }
   if (m_ftp.IsConnected()) m_ftp.FTPClose();
   EndDialog(IDOK);
-}
-
-void CFtpUploadFolderDlg::CloseIfAsked() {
-  if (m_bCloseAsked && m_hWnd != nullptr) Exit();
 }
 
 void CFtpUploadFolderDlg::OnDestroy() {

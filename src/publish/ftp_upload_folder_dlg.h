@@ -2,8 +2,14 @@
 // the local one into it and removes remote ones.
 //
 // Everything runs in the handlers of its buttons, in the thread of the user interface. While a handler
-// talks to the server it pumps messages, so others may be called inside it; only the Abort button, the
-// close button of the frame and the timer do anything then, and none of them talks to the server.
+// talks to the server it pumps messages, so others may be called inside it; none of them talks to the
+// server then. Abort, Disconnect and the close button of the frame are remembered and end what goes on;
+// a click on another button that finds the timer keeping the connection alive is answered afterwards, and
+// any other finds the hourglass or a locked button. While a message box of the dialog is open, only the
+// timer does anything.
+//
+// The dialog is connected or it is not, and all controls follow from that (ShowState). That a connection
+// is lost is noticed after every conversation and told once.
 //
 // The password is kept as plain text in the user's profile and sent unencrypted, as FTP does.
 #ifndef MOSAICON_PUBLISH_FTP_UPLOAD_FOLDER_DLG_H_
@@ -25,6 +31,7 @@
 #include "publish/ftp_upload_client.h"
 #include "publish/publish_host.h"
 #include "publish/remote_data_entry.h"
+#include "publish/remote_survey.h"
 #include "publish/windows_folders.h"
 
 class CFtpUploadFolderDlg : public CDialogEx, private PublishHost {
@@ -41,6 +48,20 @@ class CFtpUploadFolderDlg : public CDialogEx, private PublishHost {
  private:
   enum class Operation { kUpload, kRemoval, kIndex };
 
+  // The hourglass while it lives, wherever the mouse goes while messages are pumped.
+  class Hourglass {
+   public:
+    explicit Hourglass(CFtpUploadFolderDlg& dialog);
+    ~Hourglass() { m_dialog.m_pWaitCursor = m_pOuter; }
+    Hourglass(const Hourglass&) = delete;
+    Hourglass& operator=(const Hourglass&) = delete;
+
+   private:
+    CWaitCursor m_cursor;
+    CFtpUploadFolderDlg& m_dialog;
+    CWaitCursor* m_pOuter;
+  };
+
   // The connection: ftp_upload_folder_dlg.cpp
   void OnConnect();
   void OnDisconnect();
@@ -51,21 +72,31 @@ class CFtpUploadFolderDlg : public CDialogEx, private PublishHost {
   void OnDestroy();
   LRESULT OnSetCursor(WPARAM wParam, LPARAM lParam);
   void Connect();
+  int LogIn();
+  void Disconnect();
   void ChooseTransferType();
   void EnterRemoteFolder();
+  void Refresh();
   void FillList();
   void NoticeLostConnection();
+  bool MayBegin(int command);
+  void FinishConversation();
   void Exit();
-  bool AskToStop();
-  void CloseIfAsked();
 
   // The long operations: ftp_upload_folder_dlg_operations.cpp
   void OnUpload();
   void OnRemove();
   void OnUpdateRemoteIndex();
   void OnAbort();
+  bool AskToStop();
+  bool EntersRemoteFolder(const std::string& name);
   void Upload(const std::string& folder);
-  bool Remove(const std::string& name);
+  int CountFiles(const std::string& folder);
+  void AskAndRemove(const std::string& name);
+  void Remove(const std::string& name);
+  void UpdateRemoteIndex();
+  std::vector<RemoteRow> Rows() const;
+  bool SendIndexPage();
   void BeginOperation(Operation operation);
   void EndOperation(Operation operation);
   void ShowCaption();
@@ -73,7 +104,7 @@ class CFtpUploadFolderDlg : public CDialogEx, private PublishHost {
 
   // PublishHost
   bool IsAborted() override;
-  bool IsLeaving() override { return m_bCloseAsked; }
+  bool IsLeaving() override;
   void PumpMessages() override;
   void SetProgressRange(int count) override;
   void SetProgressPosition(int position) override;
@@ -87,9 +118,11 @@ class CFtpUploadFolderDlg : public CDialogEx, private PublishHost {
   void AddToolTips();
   void RestoreSettings();
   void ShowConnected(bool connected);
+  void ShowState();
   void EnableControls(std::span<const int> ids, bool enable);
   void KeepFocus(HWND focusBefore, int fallback);
-  int Tell(const std::string& text, UINT icon) const;
+  int Ask(const std::string& text, UINT type);
+  void Tell(const std::string& text, UINT icon);
 
   std::string m_webUrl;
   const std::string m_localFolder;
@@ -107,11 +140,17 @@ class CFtpUploadFolderDlg : public CDialogEx, private PublishHost {
   CMFCLinkCtrl m_check;
   CToolTipCtrl m_toolTips;
 
-  bool m_bConnected = false;   // as the controls show it
-  bool m_bBusy = false;        // talking to the server
-  bool m_bOperation = false;   // one that Abort stops
-  bool m_bAsking = false;      // whether to stop it
-  bool m_bCloseAsked = false;  // when the server is done with
+  bool m_bConnected = false;  // as the controls show it
+  bool m_bBusy = false;       // talking to the server
+  bool m_bOperation = false;  // one that Abort stops
+  bool m_bKeepingAlive = false;
+  bool m_bSendingPage = false;  // which nothing may stop
+  bool m_bBoxIsOpen = false;
+  // What the end of the conversation brings.
+  bool m_bCloseAsked = false;
+  bool m_bDisconnectAsked = false;
+  bool m_bLossUntold = false;
+  int m_nPostponed = 0;  // the number of a button
   CWaitCursor* m_pWaitCursor = nullptr;
   bool m_bCaptionStale = false;  // the progress bar shows an older one
   ULONGLONG m_nCaptionShown = 0;

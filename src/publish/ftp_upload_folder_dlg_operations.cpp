@@ -9,9 +9,9 @@
 #include "publish/ftp_upload_folder_dlg.h"
 #include "publish/index_page.h"
 #include "publish/index_upload.h"
+#include "publish/keep_awake.h"
 #include "publish/remote_names.h"
 #include "publish/remote_removal.h"
-#include "publish/remote_survey.h"
 #include "resources/resource.h"
 
 namespace {
@@ -19,56 +19,64 @@ namespace {
 constexpr ULONGLONG kCaptionMilliseconds = 100;  // painting takes its time
 constexpr int kCommonApplicationData = 35;       // CSIDL_COMMON_APPDATA
 
-// Locked while an operation runs.
-constexpr int kLockedControls[] = {
-    IDC_FTP_DISCONNECT, IDOK,         IDC_FTP_REMOVE,       IDC_FTP_REFRESH,
-    IDC_FTP_UPLOAD,     IDC_FTP_LIST, IDC_FTP_UPDATE_INDEX, IDC_FTP_DATA_FOLDER};
+std::string RemovalFailure(const std::string& name) {
+  return "Unable to remove remote folder '" + name + "'";
+}
 
 }  // namespace
 
 void CFtpUploadFolderDlg::OnUpload() {
-  if (m_bBusy) return;
+  if (!MayBegin(IDC_FTP_UPLOAD)) return;
   const std::string folder = KVT_OptimizePath(m_localFolder, 0);
   const std::string remoteName = RemoteNameOfFolder(folder);
   if (!m_ftp.IsConnected()) {
-    Tell("Connection lost", MB_ICONEXCLAMATION);
-    NoticeLostConnection();
+    m_bLossUntold = true;
   } else if (!m_folders.FolderExists(folder)) {
     Tell("The folder to upload does not exist", MB_ICONINFORMATION);
   } else if (remoteName.empty()) {
     Tell("Unable to upload local folder", MB_ICONINFORMATION);
-  } else {
+  } else if (EntersRemoteFolder(remoteName)) {
+    Tell("Remote folder already exists.\nPlease remove it or specify a different folder name",
+         MB_ICONINFORMATION);
+    // It stays there, which the list must not hide: what is removed next would be in there.
+    if (!IsAborted()) Refresh();
+  } else if (m_ftp.IsConnected() && !IsAborted()) {
     Upload(folder);
   }
-  CloseIfAsked();
+  FinishConversation();
+}
+
+bool CFtpUploadFolderDlg::EntersRemoteFolder(const std::string& name) {
+  const FlagGuard busy(m_bBusy);
+  const Hourglass hourglass(*this);
+  return m_server.ChangeFolder(name) == kNetSuccess;
 }
 
 void CFtpUploadFolderDlg::Upload(const std::string& folder) {
   int total = 0;
   int uploaded = 0;
-  bool isThere = false;
-  bool hasBegun = false;
   {
     const FlagGuard busy(m_bBusy);
-    isThere = m_server.ChangeFolder(RemoteNameOfFolder(folder)) == kNetSuccess;
-    if (!isThere && !m_bCloseAsked) {
-      hasBegun = true;
-      BeginOperation(Operation::kUpload);
-      total = m_folders.CountFiles(folder);
-      SetProgressRange(total);
-      SetProgressPosition(0);
-      m_progress.m_startTicks = static_cast<std::int32_t>(clock());
-      KVT_PumpMessages();
-      uploaded = FolderUpload(m_server, m_folders, *this, total).Upload(folder);
-      EndOperation(Operation::kUpload);
-    }
+    const KeepAwake awake;
+    BeginOperation(Operation::kUpload);
+    total = CountFiles(folder);
+    SetProgressRange(total);
+    SetProgressPosition(0);
+    m_progress.m_startTicks = static_cast<std::int32_t>(clock());
+    KVT_PumpMessages();
+    uploaded = FolderUpload(m_server, m_folders, *this, total).Upload(folder);
+    EndOperation(Operation::kUpload);
   }
-  if (isThere) {
-    Tell("Remote folder already exists.\nPlease remove it or specify a different folder name",
-         MB_ICONINFORMATION);
-  } else if (hasBegun && m_hWnd != nullptr) {
-    ShowUploadReport(uploaded, total);
-  }
+  ShowUploadReport(uploaded, total);
+}
+
+// A disk can take its time.
+int CFtpUploadFolderDlg::CountFiles(const std::string& folder) {
+  const Hourglass hourglass(*this);
+  return m_folders.CountFiles(folder, [this] {
+    PumpMessages();
+    return !IsAborted();
+  });
 }
 
 void CFtpUploadFolderDlg::ShowUploadReport(int uploaded, int total) {
@@ -82,66 +90,90 @@ void CFtpUploadFolderDlg::ShowUploadReport(int uploaded, int total) {
 }
 
 void CFtpUploadFolderDlg::OnRemove() {
-  if (m_bBusy || !m_ftp.IsConnected()) return;
+  if (!MayBegin(IDC_FTP_REMOVE)) return;
   const int row = m_list.GetSelectionMark();
-  if (row < 0 || row >= m_list.GetItemCount()) return;
-  const std::string name = m_list.GetItemText(row, 0);
-  const std::string failure = "Unable to remove remote folder '" + name + "'";
-  if (!IsPlainRemoteName(name)) {
-    Tell(failure, MB_ICONEXCLAMATION);
-  } else if (MessageBox("Do you want to remove remote folder '" + name + "'?\nYou cannot undo this operation",
-                        MB_YESNO | MB_ICONINFORMATION) == IDYES &&
-             !Remove(name) && !m_bCloseAsked) {
-    Tell(failure, MB_ICONEXCLAMATION);
-  }
-  CloseIfAsked();
+  if (m_ftp.IsConnected() && row >= 0 && row < m_list.GetItemCount())
+    AskAndRemove(m_list.GetItemText(row, 0));
+  FinishConversation();
 }
 
-// False when the folder is still there and nobody asked to stop.
-bool CFtpUploadFolderDlg::Remove(const std::string& name) {
-  if (m_bBusy) return true;  // something else began while the question was open
-  const FlagGuard busy(m_bBusy);
-  BeginOperation(Operation::kRemoval);
-  SetStatus("Start deleting...");
-  KVT_PumpMessages();
-  CWaitCursor wait;
-  m_pWaitCursor = &wait;
+void CFtpUploadFolderDlg::AskAndRemove(const std::string& name) {
+  if (!IsPlainRemoteName(name)) {
+    Tell(RemovalFailure(name), MB_ICONEXCLAMATION);
+  } else if (Ask("Do you want to remove remote folder '" + name + "'?\nYou cannot undo this operation",
+                 MB_YESNO | MB_ICONINFORMATION) == IDYES &&
+             // It may have gone while the question was open.
+             m_ftp.IsConnected() && !IsAborted()) {
+    Remove(name);
+  }
+}
+
+void CFtpUploadFolderDlg::Remove(const std::string& name) {
   RemoteRemoval removal(m_server, *this);
-  removal.RemoveContents(name);
-  const bool isAborted = IsAborted();
-  const bool isRemoved = !isAborted && removal.IsSound() && m_server.RemoveFolder(name) == kNetSuccess;
-  m_pWaitCursor = nullptr;
-  EndOperation(Operation::kRemoval);
-  return isRemoved || isAborted;
+  bool isAborted = false;
+  bool isRemoved = false;
+  {
+    const FlagGuard busy(m_bBusy);
+    const KeepAwake awake;
+    BeginOperation(Operation::kRemoval);
+    KVT_PumpMessages();
+    {
+      const Hourglass hourglass(*this);
+      removal.RemoveContents(name);
+      isAborted = IsAborted();
+      isRemoved = !isAborted && removal.IsSound() && m_server.RemoveFolder(name) == kNetSuccess;
+    }
+    EndOperation(Operation::kRemoval);
+  }
+  if (isRemoved || isAborted) return;
+  const std::string left = removal.PassedOver();
+  Tell(RemovalFailure(name) + (left.empty() ? "" : "\nNot deleted: " + left), MB_ICONEXCLAMATION);
 }
 
 void CFtpUploadFolderDlg::OnUpdateRemoteIndex() {
-  if (m_bBusy || !m_ftp.IsConnected()) return;
+  if (!MayBegin(IDC_FTP_UPDATE_INDEX)) return;
+  if (m_ftp.IsConnected()) UpdateRemoteIndex();
+  FinishConversation();
+}
+
+void CFtpUploadFolderDlg::UpdateRemoteIndex() {
   bool isUpdated = false;
   {
     const FlagGuard busy(m_bBusy);
+    const KeepAwake awake;
     BeginOperation(Operation::kIndex);
-    std::vector<RemoteRow> rows;
-    for (int i = 0; i < m_list.GetItemCount(); ++i) {
-      rows.push_back({m_list.GetItemText(i, 0), m_list.GetItemText(i, 1)});
-    }
     RemoteSurvey survey(m_server, *this);
-    survey.Collect(rows, m_entries);
-    // An abort ends the survey, but what was gathered is still published.
+    survey.Collect(Rows(), m_entries);
+    // An abort ends the survey, but what was gathered is still published. Who leaves leaves the old page.
     m_bAbort = 0;
-    isUpdated = survey.HasSucceeded() &&
-                UploadIndexPage(m_server, LocalIndexPath(KVT_GetSpecialFolder(kCommonApplicationData)),
-                                MakeIndexPage(m_entries, m_webUrl, KVT_GetCurrentSysDate(0, 0))) != 0;
+    isUpdated = survey.HasSucceeded() && !IsAborted() && SendIndexPage();
     EndOperation(Operation::kIndex);
+    // The names in the list mean nothing in another folder.
+    if (survey.HasLostItsWay() && !IsAborted()) FillList();
   }
   EnableWindow(m_check.GetSafeHwnd(), isUpdated);
   if (isUpdated) {
     m_check.SetURL(IndexPageAddress(m_webUrl));
     Tell("Remote index updated", MB_ICONINFORMATION);
-  } else if (m_hWnd != nullptr) {
+  } else if (!m_bCloseAsked) {
     Tell("Unable to update the remote index", MB_ICONEXCLAMATION);
   }
-  CloseIfAsked();
+}
+
+std::vector<RemoteRow> CFtpUploadFolderDlg::Rows() const {
+  std::vector<RemoteRow> rows;
+  const int count = m_list.GetItemCount();
+  rows.reserve(static_cast<size_t>(count));
+  for (int i = 0; i < count; ++i) rows.push_back({m_list.GetItemText(i, 0), m_list.GetItemText(i, 1)});
+  return rows;
+}
+
+// Between the old page and the new one there is none: a wish to close has to wait.
+bool CFtpUploadFolderDlg::SendIndexPage() {
+  const FlagGuard sending(m_bSendingPage);
+  EnableWindow(GetDlgItem(IDC_FTP_ABORT), FALSE);
+  return UploadIndexPage(m_server, LocalIndexPath(KVT_GetSpecialFolder(kCommonApplicationData)),
+                         MakeIndexPage(m_entries, m_webUrl, KVT_GetCurrentSysDate(0, 0))) != 0;
 }
 
 void CFtpUploadFolderDlg::OnAbort() {
@@ -150,48 +182,48 @@ void CFtpUploadFolderDlg::OnAbort() {
 
 // True when the operation is to stop.
 bool CFtpUploadFolderDlg::AskToStop() {
-  if (!m_bOperation || m_bAsking) return false;
-  const FlagGuard asking(m_bAsking);
-  if (MessageBox("Do you want to stop current operation?", MB_YESNO | MB_ICONQUESTION) == IDNO) return false;
+  if (!m_bOperation || m_bSendingPage || m_bBoxIsOpen) return false;
+  if (m_bAbort != 0) return true;
+  if (Ask("Do you want to stop current operation?", MB_YESNO | MB_ICONQUESTION) == IDNO) return false;
   m_bAbort = 1;
   return true;
 }
 
 void CFtpUploadFolderDlg::BeginOperation(Operation operation) {
-  const HWND focus = GetFocus();
   m_bOperation = true;
   m_bAbort = 0;
-  EnableControls(kLockedControls, false);
   if (operation != Operation::kIndex) EnableWindow(m_check.GetSafeHwnd(), FALSE);
   if (operation == Operation::kRemoval) {
+    SetStatus("Start deleting...");
     ShowWindow(m_progress.GetSafeHwnd(), SW_HIDE);
     ShowWindow(GetDlgItem(IDC_FTP_STATUS), SW_SHOW);
   }
-  EnableWindow(GetDlgItem(IDC_FTP_ABORT), TRUE);
-  KeepFocus(focus, IDC_FTP_ABORT);
+  ShowState();
 }
 
 void CFtpUploadFolderDlg::EndOperation(Operation operation) {
-  const HWND focus = GetFocus();
   m_bAbort = 0;
   m_bOperation = false;
   SetProgressPosition(0);
   SetProgressCaption("");
   ShowCaption();
-  EnableWindow(GetDlgItem(IDC_FTP_ABORT), FALSE);
-  EnableControls(kLockedControls, true);
+  NoticeLostConnection();
   if (operation != Operation::kIndex) EnableWindow(m_check.GetSafeHwnd(), TRUE);
   if (operation == Operation::kRemoval) {
     ShowWindow(GetDlgItem(IDC_FTP_STATUS), SW_HIDE);
     ShowWindow(m_progress.GetSafeHwnd(), SW_SHOW);
   }
-  KeepFocus(focus, IDC_FTP_UPLOAD);
-  if (operation != Operation::kIndex && !m_bCloseAsked) FillList();
+  ShowState();
+  if (operation != Operation::kIndex && !IsAborted()) FillList();
   NoticeLostConnection();
 }
 
 bool CFtpUploadFolderDlg::IsAborted() {
-  return m_bAbort != 0 || m_bCloseAsked;
+  return IsLeaving() || (m_bAbort != 0 && !m_bSendingPage);
+}
+
+bool CFtpUploadFolderDlg::IsLeaving() {
+  return (m_bCloseAsked || m_bDisconnectAsked) && !m_bSendingPage;
 }
 
 // Costs nothing when there is nothing to do: an upload of small files asks after each of them.

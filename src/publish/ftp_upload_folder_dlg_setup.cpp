@@ -4,6 +4,7 @@
 // After windows.h.
 #include <commctrl.h>
 
+#include "kvtools/flag_guard.h"
 #include "publish/addresses.h"
 #include "publish/ftp_settings.h"
 #include "resources/resource.h"
@@ -30,13 +31,13 @@ constexpr ToolTip kToolTips[] = {
     {IDC_FTP_UPLOAD, "Copy the data folder into the current remote folder"},
 };
 
-// What stands for a connection, and what needs one.
+// What leads to a connection, what needs one, and what needs that nothing goes on.
 constexpr int kConnectionControls[] = {IDC_FTP_HOST,     IDC_FTP_REMOTE_FOLDER, IDC_FTP_USER_NAME,
                                        IDC_FTP_PASSWORD, IDC_FTP_FIREWALL_MODE, IDC_FTP_BYTE,
                                        IDC_FTP_ASCII,    IDC_FTP_CONNECT};
 constexpr int kRemoteControls[] = {IDC_FTP_LIST, IDC_FTP_UPLOAD, IDC_FTP_DISCONNECT, IDC_FTP_REMOVE,
                                    IDC_FTP_REFRESH};
-constexpr int kIndexControls[] = {IDC_FTP_UPDATE_INDEX, IDC_FTP_CHECK};
+constexpr int kIdleControls[] = {IDOK, IDC_FTP_DATA_FOLDER, IDC_FTP_UPDATE_INDEX};
 
 }  // namespace
 
@@ -86,12 +87,19 @@ void CFtpUploadFolderDlg::RestoreSettings() {
 }
 
 void CFtpUploadFolderDlg::ShowConnected(bool connected) {
-  const HWND focus = GetFocus();
   m_bConnected = connected;
-  EnableControls(kConnectionControls, !connected);
-  EnableControls(kRemoteControls, connected);
-  EnableControls(kIndexControls, true);
-  KeepFocus(focus, connected ? IDC_FTP_UPLOAD : IDC_FTP_CONNECT);
+  EnableWindow(m_check.GetSafeHwnd(), TRUE);
+  ShowState();
+}
+
+// The link to the index page has a state of its own.
+void CFtpUploadFolderDlg::ShowState() {
+  const HWND focus = GetFocus();
+  EnableControls(kConnectionControls, !m_bConnected);
+  EnableControls(kRemoteControls, m_bConnected && !m_bOperation);
+  EnableControls(kIdleControls, !m_bOperation);
+  EnableWindow(GetDlgItem(IDC_FTP_ABORT), m_bOperation);
+  KeepFocus(focus, m_bOperation ? IDC_FTP_ABORT : m_bConnected ? IDC_FTP_UPLOAD : IDC_FTP_CONNECT);
 }
 
 void CFtpUploadFolderDlg::EnableControls(std::span<const int> ids, bool enable) {
@@ -104,6 +112,13 @@ void CFtpUploadFolderDlg::KeepFocus(HWND focusBefore, int fallback) {
   SendMessage(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(fallback)), TRUE);
 }
 
-int CFtpUploadFolderDlg::Tell(const std::string& text, UINT icon) const {
-  return MessageBox(text, MB_OK | icon);
+// A window that is gone has nothing to ask or to say.
+int CFtpUploadFolderDlg::Ask(const std::string& text, UINT type) {
+  if (m_hWnd == nullptr) return 0;
+  const FlagGuard open(m_bBoxIsOpen);
+  return MessageBox(text, type);
+}
+
+void CFtpUploadFolderDlg::Tell(const std::string& text, UINT icon) {
+  Ask(text, MB_OK | icon);
 }

@@ -9,8 +9,8 @@ bool WindowsFolders::FolderExists(const std::string& path) {
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-int WindowsFolders::CountFiles(const std::string& path) {
-  return KVT_CountFileInFolder(path, 1);
+int WindowsFolders::CountFiles(const std::string& path, const std::function<bool()>& onFolder) {
+  return KVT_CountFileInFolder(path, 1, onFolder);
 }
 
 std::vector<FoundFile> WindowsFolders::List(const std::string& path) {

@@ -7,7 +7,7 @@
 class WindowsFolders : public LocalFolders {
  public:
   bool FolderExists(const std::string& path) override;
-  int CountFiles(const std::string& path) override;
+  int CountFiles(const std::string& path, const std::function<bool()>& onFolder) override;
   std::vector<FoundFile> List(const std::string& path) override;
 };
 

@@ -116,6 +116,17 @@ TEST_F(Dialog, RemembersTheLastConnection) {
   EXPECT_TRUE(FtpItem(IDC_FTP_ASCII).IsChecked());
 }
 
+// The password, too, which nobody can look at.
+TEST_F(Dialog, ConnectsAsTheLastTime) {
+  WriteProfile("FTP", "host", Serve(LoggingIn() + Listing("") + kLeaving));
+  WriteProfile("FTP", "username", "ann");
+  WriteProfile("FTP", "password", "secret");
+  WriteProfile("FTP", "bFirewall", "1");
+  ASSERT_TRUE(OpenUpload(""));
+  FtpItem(IDC_FTP_CONNECT).Click();
+  EXPECT_TRUE(WaitUntil([this] { return LooksConnected(); }));
+}
+
 TEST_F(Dialog, SaysEveryStepOfAConnection) {
   ASSERT_TRUE(OpenUpload(""));
   Login login = LoginTo(LoggingIn("A") + Answering("CWD www", "250") + Answering("CWD my maps", "250") +
@@ -177,6 +188,7 @@ TEST_F(Dialog, TellsOfAServerThatGoesAwayMeanwhile) {
   FillInLogin(login);
   FtpItem(IDC_FTP_CONNECT).Click();
   EXPECT_EQ(NextMessage(), (Told{"no response", BoxIcon::kWarning}));
+  EXPECT_EQ(NextMessage(), (Told{"Connection lost", BoxIcon::kWarning}));
   EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }));
 }
 
@@ -225,75 +237,6 @@ TEST_F(Dialog, ClosesWhileAServerIsSilent) {
   EXPECT_LT(GetTickCount64() - start, kPromptly);
   EXPECT_FALSE(FindMessageBox(Running()));
   Go();
-}
-
-TEST_F(Dialog, KeepsAConnectionAliveButStaysOutOfConversations) {
-  ASSERT_TRUE(ConnectTo(Answering("NOOP", "200 fine") + Answering("CWD up", "550 no") +
-                            Answering("MKD up", "257") + Answering("CWD up", "250") +
-                            Script{AnswerPasv(), Expect("STOR a"), AcceptData(), Say("150"), Gate(),
-                                   HearData(), CloseData(), Say("226")} +
-                            Answering("CDUP", "250") + Listing("") + Answering("NOOP", "200 fine") + kLeaving,
-                        {"a"}));
-  PostTimer();
-  FtpItem(IDC_FTP_UPLOAD).Click();
-  ASSERT_TRUE(IsAtGate());
-  for (int i = 0; i < 3; ++i) PostTimer();
-  EXPECT_TRUE(Ftp().AnswerTime(kPromptly));
-  Go();
-  EXPECT_EQ(NextMessage().text, "1 file uploaded");
-  PostTimer();
-}
-
-TEST_F(Dialog, NoticesThatTheServerHasGone) {
-  ASSERT_TRUE(ConnectTo({Gate(), Close()}));
-  Go();
-  m_server->Finish();
-  PostTimer();
-  EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }));
-  EXPECT_FALSE(FindMessageBox(Running()));
-}
-
-TEST_F(Dialog, SaysThatAConnectionIsLost) {
-  ASSERT_TRUE(ConnectTo({Gate(), Close()}));
-  Go();
-  m_server->Finish();
-  FtpItem(IDC_FTP_UPLOAD).Click();
-  EXPECT_EQ(NextMessage(), (Told{"Connection lost", BoxIcon::kWarning}));
-  EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }));
-}
-
-using Index = ScriptedDialog;
-
-// The button is hidden, but it is there.
-TEST_F(Index, IsSentInPlaceOfTheOldOne) {
-  ASSERT_TRUE(OpenUpload("", "http://www.example.org/maps"));
-  ASSERT_TRUE(
-      Connect(LoginTo(LoggingIn() + Listing(kOneFolder) + Listing(kOneFolder) + Answering("CWD x", "250") +
-                      Listing("-rw-r--r-- 1 ann ann 9 Mar 07 2014 preview.jpg\r\n"
-                              "-rw-r--r-- 1 ann ann 9 Mar 07 2014 doc.kml\r\n") +
-                      Answering("CDUP", "250") + Answering("DELE index.html", "550 none yet") +
-                      Receiving("index.html") + kLeaving)));
-  FtpItem(IDC_FTP_UPDATE_INDEX).Click();
-  EXPECT_EQ(NextMessage(), (Told{"Remote index updated", BoxIcon::kInformation}));
-  EXPECT_TRUE(LooksConnected());
-  EXPECT_TRUE(CloseUpload());
-  EXPECT_EQ(m_server->Finish(), "");
-  const std::string page = m_server->HeardOnData();
-  EXPECT_NE(page.find("<img style=\"vertical-align: middle;\" src=\"x/preview.jpg\""), std::string::npos);
-  EXPECT_NE(page.find("<li><a href=\"http://www.example.org/maps/x/doc.kml\""), std::string::npos);
-  EXPECT_NE(page.find("<li>Created: 2014/03/07 00:00</p></li>"), std::string::npos);
-}
-
-TEST_F(Index, IsNotTouchedWhenTheFolderCannotBeListed) {
-  ASSERT_TRUE(OpenUpload("", "http://www.example.org/maps"));
-  ASSERT_TRUE(Connect(LoginTo(LoggingIn() + Listing(kOneFolder) + Answering("PASV", "425 no") + kLeaving)));
-  FtpItem(IDC_FTP_UPDATE_INDEX).Click();
-  EXPECT_EQ(NextMessage(), (Told{"Unable to update the remote index", BoxIcon::kWarning}));
-  EXPECT_FALSE(FtpItem(IDC_FTP_CHECK).IsEnabled());
-  for (const int id : {IDC_FTP_DISCONNECT, IDC_FTP_REMOVE, IDC_FTP_REFRESH, IDC_FTP_LIST, IDC_FTP_UPLOAD,
-                       IDC_FTP_UPDATE_INDEX, IDC_FTP_DATA_FOLDER, static_cast<int>(IDOK)}) {
-    EXPECT_TRUE(FtpItem(id).IsEnabled()) << id;
-  }
 }
 
 }  // namespace

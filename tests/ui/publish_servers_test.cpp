@@ -182,8 +182,7 @@ TEST_F(Server, IsNotOverwritten) {
                   BoxIcon::kInformation}));
   EXPECT_TRUE(LooksConnected());
   EXPECT_EQ(ReadTree(Remote(RemoteName())).at("a"), "new");
-  // It stays in the folder that it has found.
-  FtpItem(IDC_FTP_REFRESH).Click();
+  // It stays in the folder that it has found, and shows that.
   EXPECT_TRUE(WaitUntil([this] { return HasRow("a"); }));
 }
 
