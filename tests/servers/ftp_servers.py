@@ -4,8 +4,8 @@ configuration alone and end with the test, however it ends.
     with start("vsftpd") as server:
         ...  # server.host, server.port, server.user, server.password, server.root
 
-KINDS names them: vsftpd, proftpd, pure-ftpd, pyftpdlib, and pyftpdlib-dos, which lists as servers on
-Windows do. Options of start(), as far as the kind knows them (others raise ValueError):
+KINDS names them: vsftpd, proftpd, pure-ftpd, pyftpdlib, and two that do not tell links from what they point
+to: proftpd-no-links, and pyftpdlib-dos, which lists as servers on Windows do. Options of start(), as far as the kind knows them (others raise ValueError):
 
     root        the folder that the login sees as "/"; otherwise a fresh one that goes with the server
     user, password
@@ -256,6 +256,7 @@ class Vsftpd(FtpServer):
 class Proftpd(FtpServer):
     kind = "proftpd"
     own_options = ("login_text",)
+    shows_links = True
 
     def command(self):
         account = self.account
@@ -273,6 +274,8 @@ class Proftpd(FtpServer):
             "AllowRetrieveRestart on", f'PidFile "{self.folder}/pid"',
             f'ScoreboardFile "{self.folder}/scoreboard"', "DelayEngine off", "TransferLog none",
             "WtmpLog off", "UseReverseDNS off", f'SystemLog "{self.folder}/system-log"', "MaxInstances none"]
+        if not self.shows_links:
+            lines.append("ShowSymlinks off")
         if self.idle:
             lines += [f"TimeoutIdle {self.idle}", f"TimeoutNoTransfer {self.idle}"]
         if self.banner:
@@ -286,6 +289,11 @@ class Proftpd(FtpServer):
             lines += [f"<Limit {' '.join(refused)}>", "DenyAll", "</Limit>"]
         configuration = self.write("proftpd.conf", "\n".join(lines) + "\n")
         return [*self.program("usr", "sbin", "proftpd"), "-n", "-q", "-c", str(configuration)]
+
+
+class ProftpdNoLinks(Proftpd):
+    kind = "proftpd-no-links"
+    shows_links = False
 
 
 class PureFtpd(FtpServer):
@@ -329,7 +337,8 @@ class PyftpdlibDos(Pyftpdlib):
     dos = True
 
 
-CLASSES = {server.kind: server for server in (Vsftpd, Proftpd, PureFtpd, Pyftpdlib, PyftpdlibDos)}
+CLASSES = {server.kind: server for server in
+           (Vsftpd, Proftpd, ProftpdNoLinks, PureFtpd, Pyftpdlib, PyftpdlibDos)}
 KINDS = tuple(CLASSES)
 
 
