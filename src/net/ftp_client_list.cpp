@@ -5,6 +5,7 @@
 #include "net/error_codes.h"
 #include "net/ftp_client.h"
 #include "net/ftp_client_rules.h"
+#include "net/timeout_clock.h"
 
 namespace {
 
@@ -74,7 +75,7 @@ int CUT_FTPClient::ReceiveListing() {
 int CUT_FTPClient::ReceiveListingLine(bool& isLast) {
   int placed = 0;
   do {
-    m_data.SetLineDeadline(GetTickCount64() + kSlowLineMilliseconds);
+    m_data.SetLineDeadline(TimeoutClock() + kSlowLineMilliseconds);
     const int count = m_data.ReceiveLine(m_szLine + placed, sizeof m_szLine - static_cast<size_t>(placed), 0);
     if (count < 1) {
       isLast = true;

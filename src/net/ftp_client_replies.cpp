@@ -6,6 +6,7 @@
 #include "net/ftp_client.h"
 #include "net/ftp_client_rules.h"
 #include "net/ftp_reply.h"
+#include "net/timeout_clock.h"
 
 namespace {
 
@@ -27,7 +28,7 @@ class ReplyLines : public ReplySource {
       : m_connection(connection),
         m_nSeconds(seconds),
         m_nLineTime(LineMilliseconds(seconds)),
-        m_nStart(GetTickCount64()) {
+        m_nStart(TimeoutClock()) {
     // Otherwise one line could take a wait for each of its bytes.
     m_connection.SetLineDeadline(m_nStart + kReplyPatience * m_nLineTime);
   }
@@ -50,14 +51,14 @@ class ReplyLines : public ReplySource {
   bool IsLastWhole() const { return m_bWhole; }
   // Nothing came at all.
   bool IsEmpty() const { return m_bEmpty; }
-  bool IsEndless() const { return GetTickCount64() - m_nStart >= kReplyPatience * m_nLineTime; }
+  bool IsEndless() const { return TimeoutClock() - m_nStart >= kReplyPatience * m_nLineTime; }
 
  private:
   static bool IsWhole(const char* buffer, int count, size_t size) {
     return count > 0 && (buffer[count - 1] == '\n' || static_cast<size_t>(count) + 1 == size);
   }
   int ReceiveRest(char* buffer, size_t size) {
-    const ULONGLONG now = GetTickCount64();
+    const ULONGLONG now = TimeoutClock();
     const ULONGLONG deadline = m_nStart + m_nLineTime;
     if (now >= deadline) return 0;
     const auto seconds = static_cast<long>((deadline - now + 999) / 1000);
@@ -134,9 +135,9 @@ void CUT_FTPClient::ReadLateReplies() {
 
 // False when none came, each reply within seconds.
 bool CUT_FTPClient::SkipToFinalReply(long seconds) {
-  const ULONGLONG start = GetTickCount64();
+  const ULONGLONG start = TimeoutClock();
   const ULONGLONG patience = kReplyPatience * LineMilliseconds(m_data.GetReceiveTimeout() / 1000);
-  for (int i = 0; i < kMaxPreliminaryReplies && GetTickCount64() - start < patience; ++i) {
+  for (int i = 0; i < kMaxPreliminaryReplies && TimeoutClock() - start < patience; ++i) {
     if (WaitForReceive(seconds, 0) != 0) return false;
     const int code = GetResponseCode(*this);
     if (!IsPreliminary(code)) return code != 0;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "net/timeout_clock.h"
+
 namespace {
 
 constexpr long long kSlice = 20000;  // microseconds
@@ -41,12 +43,12 @@ bool WaitForSocket(SOCKET socket, SocketEvent event, long seconds, long microsec
   if (event == SocketEvent::kReadable && HasPendingBytes(socket)) return true;
   if (listener == nullptr || seconds < 0)
     return WaitOnce(socket, event, seconds, microseconds) == Waited::kCame;
-  const ULONGLONG start = GetTickCount64();
+  const ULONGLONG start = TimeoutClock();
   const long long whole = seconds * kMicroseconds + microseconds;
   for (long long left = whole;;) {
     const Waited waited = WaitOnce(socket, event, 0, static_cast<long>(std::min(left, kSlice)));
     if (waited != Waited::kNotYet) return waited == Waited::kCame;
-    left = whole - static_cast<long long>(GetTickCount64() - start) * 1000;
+    left = whole - static_cast<long long>(TimeoutClock() - start) * 1000;
     if (left <= 0 || !listener->OnWait()) return false;
   }
 }

@@ -116,14 +116,14 @@ class CUT_WSClient : public CUT_Socket {
   // The dotted address of a name, of which only what follows the last "@" counts. 7 or 35.
   int LookUpAddress(const char* name, char* address, size_t size);
 
-  // From this value of GetTickCount64 on, ReceiveLine stops where it is, as after an abort, however fast
+  // From this value of TimeoutClock on, ReceiveLine stops where it is, as after an abort, however fast
   // the bytes come. 0: never.
   void SetLineDeadline(ULONGLONG deadline) { m_nLineDeadline = deadline; }
 
   // Every wait lets the listener have its turns. Borrowed; null (the default): nobody.
   void SetWaitListener(WaitListener* listener) { m_pWaitListener = listener; }
 
-  // ReceiveLine for what must be read, abort or not: an abort ends it only when GetTickCount64 has
+  // ReceiveLine for what must be read, abort or not: an abort ends it only when TimeoutClock has
   // passed deadline.
   int ReceiveLineDespiteAbort(char* buffer, size_t size, long seconds, ULONGLONG deadline);
 

@@ -7,6 +7,7 @@
 #include "net/file_data_source.h"
 #include "net/line_reader.h"
 #include "net/source_bytes.h"
+#include "net/timeout_clock.h"
 #include "net/ws_client.h"
 
 namespace {
@@ -40,8 +41,8 @@ class CUT_WSClient::Lines : public Peeking<LineSocket> {
 
   bool IsAborted() override {
     const ULONGLONG lineDeadline = m_client.m_nLineDeadline;
-    if (lineDeadline != 0 && GetTickCount64() >= lineDeadline) return true;
-    return m_client.IsAborted() && GetTickCount64() >= m_nDeadline;
+    if (lineDeadline != 0 && TimeoutClock() >= lineDeadline) return true;
+    return m_client.IsAborted() && TimeoutClock() >= m_nDeadline;
   }
 
  private:

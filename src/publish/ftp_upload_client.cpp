@@ -1,5 +1,7 @@
 #include "publish/ftp_upload_client.h"
 
+#include "net/timeout_clock.h"
+
 namespace {
 
 constexpr ULONGLONG kPumpMilliseconds = 20;
@@ -46,7 +48,7 @@ bool CFtpUploadClient::OnWait() {
   m_nLastPump = GetTickCount64();
   m_host.PumpMessages();
   if (!IsStopAsked()) return true;
-  const ULONGLONG now = GetTickCount64();
+  const ULONGLONG now = TimeoutClock();
   if (m_nSilentSince == 0) m_nSilentSince = now;
   if (now - m_nSilentSince < (m_host.IsLeaving() ? kGoodbyeMilliseconds : kAnswerMilliseconds)) return true;
   m_bGivenUp = true;

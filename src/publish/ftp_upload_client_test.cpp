@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "net/error_codes.h"
 #include "net/scripted_server.h"
+#include "net/timeout_clock.h"
 #include "publish/fake_publish_host.h"
 
 namespace {
@@ -73,6 +76,38 @@ TEST_F(UploadClient, GivesEveryAbortItsTime) {
   m_host.aborted = true;
   EXPECT_EQ(m_client.ChDir("b"), kNetSuccess);
   EXPECT_FALSE(m_client.HasGivenUp());
+  m_client.FTPClose();
+  EXPECT_EQ(m_server->Finish(), "");
+}
+
+// The question whether to stop, answered with No after longer than a reply is waited for.
+class UploadClientWithAQuestion : public UploadClient {
+ protected:
+  void AskOnceFor(DWORD milliseconds) {
+    m_host.onPump = [this, milliseconds] {
+      if (std::exchange(m_bAsked, true)) return;
+      const TimeoutPause pause;
+      Sleep(milliseconds);
+    };
+  }
+
+  bool m_bAsked = false;
+};
+
+TEST_F(UploadClientWithAQuestion, GoesOnWaitingAsLongAsItWouldHave) {
+  LogInTo({Expect("CWD a"), Wait(5000), Say("250"), Expect("Quit"), ExpectEnd()});
+  m_client.SetDataTimeouts(3000, 3000);
+  AskOnceFor(4000);
+  EXPECT_EQ(m_client.ChDir("a"), kNetSuccess);
+  m_client.FTPClose();
+  EXPECT_EQ(m_server->Finish(), "");
+}
+
+TEST_F(UploadClientWithAQuestion, TakesTheAnswerThatHasComeMeanwhile) {
+  LogInTo({Expect("CWD a"), Wait(500), Say("250"), Expect("Quit"), ExpectEnd()});
+  m_client.SetDataTimeouts(1000, 1000);
+  AskOnceFor(5000);
+  EXPECT_EQ(m_client.ChDir("a"), kNetSuccess);
   m_client.FTPClose();
   EXPECT_EQ(m_server->Finish(), "");
 }

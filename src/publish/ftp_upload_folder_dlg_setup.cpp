@@ -5,6 +5,7 @@
 #include <commctrl.h>
 
 #include "kvtools/flag_guard.h"
+#include "net/timeout_clock.h"
 #include "publish/addresses.h"
 #include "publish/ftp_settings.h"
 #include "resources/resource.h"
@@ -116,6 +117,8 @@ void CFtpUploadFolderDlg::KeepFocus(HWND focusBefore, int fallback) {
 int CFtpUploadFolderDlg::Ask(const std::string& text, UINT type) {
   if (m_hWnd == nullptr) return 0;
   const FlagGuard open(m_bBoxIsOpen);
+  // It may have come up in the middle of a wait for the server.
+  const TimeoutPause pause;
   return MessageBox(text, type);
 }
 
