@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
+#include <string>
+
 #include "kvtools/kvtools.h"
 
 namespace {
@@ -58,6 +61,17 @@ TEST_F(FtpSettingsTest, TakeAnyNumberButZeroForByte) {
     KVT_WriteUserProfileString("FTP", "transferType", text);
     EXPECT_EQ(LoadFtpSettings().byteTransfer, isByte) << text;
   }
+}
+
+// Looks at the memory in which the settings were; so short a password stands in the object itself.
+TEST_F(FtpSettingsTest, LeaveNoPasswordBehind) {
+  SaveLogin("host", "ann", "hush-hush");
+  alignas(FtpSettings) char memory[sizeof(FtpSettings)] = "";
+  const auto bytes = [&memory] { return std::string(memory, sizeof memory); };
+  auto* const settings = new (memory) FtpSettings(LoadFtpSettings());
+  ASSERT_NE(bytes().find("hush-hush"), std::string::npos);
+  settings->~FtpSettings();
+  EXPECT_EQ(bytes().find("hush-hush"), std::string::npos);
 }
 
 TEST_F(FtpSettingsTest, AreCutToTheirBuffer) {
