@@ -55,6 +55,22 @@ TEST_F(FakeServer, LetsNamesReachOtherFolders) {
   EXPECT_EQ(m_server.CurrentFolder(), "/");
 }
 
+TEST_F(FakeServer, ShowsLinksAsFolders) {
+  m_server.AddFile("/a/b/x");
+  m_server.AddLink("/link", "/a/b");
+  EXPECT_EQ(ListNames(), (Texts{"a", "link"}));
+  EXPECT_EQ(m_server.Entry(1).directory, 1);
+  EXPECT_EQ(m_server.ChangeFolder("link"), kNetSuccess);
+  std::string place;
+  EXPECT_EQ(m_server.CurrentFolder(place), kNetSuccess);
+  EXPECT_EQ(place, "/a/b");
+  EXPECT_EQ(m_server.GoToParent(), kNetSuccess);
+  EXPECT_EQ(m_server.CurrentFolder(), "/a");
+  EXPECT_EQ(m_server.RemoveFolder("/link"), kNetDenied);
+  EXPECT_EQ(m_server.RemoveFile("/link"), kNetSuccess);
+  EXPECT_EQ(m_server.Paths(), (Texts{"/a/", "/a/b/", "/a/b/x"}));
+}
+
 TEST_F(FakeServer, FailsAsScripted) {
   m_server.AddFolder("/a");
   m_server.Fail("CWD a", kNetNoResponse, 1, 1);

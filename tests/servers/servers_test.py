@@ -41,9 +41,10 @@ for exception_mode in MODES:
 # The command goes out before the connection is made, and a connection that is refused counts as one that
 # is not made in time.
 CLOSES_PORT = "the server may close its data port with the refusal; then the connection is not made"
-EXCEPTIONS["missing file: rename, delete, download", "proftpd", "passive"] = (
-    [(65, 10, 48), (65, 10, 5)], CLOSES_PORT)
-EXCEPTIONS["upload into a missing folder", "proftpd", "passive"] = ([51, 5], CLOSES_PORT)
+for exception_kind in ("proftpd", "proftpd-no-links"):
+    EXCEPTIONS["missing file: rename, delete, download", exception_kind, "passive"] = (
+        [(65, 10, 48), (65, 10, 5)], CLOSES_PORT)
+    EXCEPTIONS["upload into a missing folder", exception_kind, "passive"] = ([51, 5], CLOSES_PORT)
 
 
 def try_operation(trial, function, seconds):
