@@ -37,16 +37,18 @@ std::vector<Property> GetProperties(const PropertyArea& area) {
   const uint32_t valid = area.valid.load();
   if (valid > 1) return properties;
   const PropertyArea::Copy& copy = area.copies[valid];
-  if (copy.used > kPropertyRoom || (copy.used > 0 && copy.text[copy.used - 1] != '\0')) return properties;
-  const char* position = copy.text;
-  const char* const end = copy.text + copy.used;
-  while (position != end) {
-    const std::string name = position;
-    position += name.size() + 1;
-    if (position == end) return {};  // a name without its value
-    const std::string value = position;
-    position += value.size() + 1;
-    properties.push_back({name, value});
+  const uint32_t used = copy.used;
+  if (used > kPropertyRoom) return properties;
+  // A copy, because the program may be changing the area at this moment.
+  const std::string texts(copy.text, used);
+  size_t position = 0;
+  while (position < texts.size()) {
+    const size_t nameEnd = texts.find('\0', position);
+    const size_t valueEnd = nameEnd != std::string::npos ? texts.find('\0', nameEnd + 1) : nameEnd;
+    if (valueEnd == std::string::npos) return {};
+    properties.push_back(
+        {texts.substr(position, nameEnd - position), texts.substr(nameEnd + 1, valueEnd - nameEnd - 1)});
+    position = valueEnd + 1;
   }
   return properties;
 }

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <memory>
+#include <thread>
 
 namespace {
 
@@ -52,6 +54,19 @@ TEST_F(Properties, StayAsTheyWereWhileAChangeIsUnderWay) {
   next.used = 1;
   next.text[0] = 'x';
   EXPECT_EQ(Get(), (std::vector<Property>{{"a", "1"}}));
+}
+
+TEST_F(Properties, MayBeReadWhileTheyChange) {
+  std::atomic<bool> done = false;
+  std::thread program([&] {
+    for (size_t i = 0; !done; ++i) Set("a", std::string(i * 7919 % 30000, 'x'));
+  });
+  for (int i = 0; i < 20000; ++i) {
+    for (const Property& property : Get())
+      ASSERT_LE(property.name.size() + property.value.size(), kPropertyRoom);
+  }
+  done = true;
+  program.join();
 }
 
 TEST_F(Properties, AreNothingWhenTheMemoryIsDamaged) {
