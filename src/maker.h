@@ -5,7 +5,7 @@
 inline constexpr char kMakerName[] = "Kovel Software";
 inline constexpr char kSupportEmail[] = "support@kovel-software.example";
 inline constexpr char kContactEmail[] = "info@kovel-software.example";
-inline constexpr char kMakerWebAddress[] = "http://www.kovel-software.example";
-inline constexpr char kUpdateAddress[] = "http://ftp.kovel-software.example/mosaicon/";
+inline constexpr char kMakerWebAddress[] = "https://www.kovel-software.example";
+inline constexpr char kUpdateAddress[] = "https://ftp.kovel-software.example/mosaicon/";
 
 #endif  // MOSAICON_MAKER_H_

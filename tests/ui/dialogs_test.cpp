@@ -6,7 +6,7 @@
 namespace {
 
 constexpr char kAboutTitle[] = "About Mosaicon";
-constexpr char kUserDataTitle[] = "User Data - http://www.kovel-software.example";
+constexpr char kUserDataTitle[] = "User Data - https://www.kovel-software.example";
 constexpr WPARAM kAboutCommand = 16;
 
 // As the shell shows it.
