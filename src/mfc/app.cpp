@@ -39,7 +39,7 @@ std::string AfxGetAppName() {
 
 BOOL AfxEnableControlContainer() {
   // Loaded by hand, and never unloaded: a program without a browser does not need it.
-  HMODULE library = LoadLibraryA("atl.dll");
+  HMODULE library = LoadLibraryExA("atl.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
   if (library == nullptr) return FALSE;
   const auto initialize =
       reinterpret_cast<InitializeHost>(reinterpret_cast<void*>(GetProcAddress(library, "AtlAxWinInit")));
