@@ -57,6 +57,7 @@ BOOL CMosaiconApp::InitInstance() {
 
   AfxEnableControlContainer();
   InitShellManager();
+  // The visual manager is Windows itself: the manifest chooses its themed controls, and nothing else draws.
   SetRegistryKey("Mosaicon");
   SetUpGdal(programPath);
   KVT_ShowSplashScreen(IDB_SPLASH, kSplashMilliseconds);

@@ -43,7 +43,8 @@ class CWinApp {
 
 class CWinAppEx : public CWinApp {
  public:
-  // The maker's name, under which the framework keeps what windows remember.
+  // The name under which the framework would keep what its windows remember; those that there are here
+  // remember nothing by themselves.
   void SetRegistryKey(const std::string& name) { m_strRegistryKey = name; }
   void InitShellManager() { m_pShellManager = std::make_unique<CShellManager>(); }
   void DeleteShellManager() { m_pShellManager.reset(); }
