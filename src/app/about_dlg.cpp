@@ -1,5 +1,6 @@
 #include "app/about_dlg.h"
 
+#include "app/crash_reporting.h"
 #include "app/user_data_dlg.h"
 #include "kvtools/kvtools.h"
 #include "maker.h"
@@ -37,5 +38,5 @@ BOOL CAboutDlg::OnInitDialog() {
 }
 
 void CAboutDlg::OnChangeUserData() {
-  ShowUserDataDialog(this);
+  ShowUserDataInReports(ShowUserDataDialog(this));
 }

@@ -26,7 +26,7 @@ std::string Cut(const std::string& text) {
 
 }  // namespace
 
-std::vector<CrashProperty> MakeCrashProperties(const SystemTexts& system, const UserData& user) {
+std::vector<CrashProperty> MakeSystemProperties(const SystemTexts& system) {
   std::vector<CrashProperty> properties = {
       {"ExceptionTypeMeaning", kExceptionTypes},
       {"OS_Info", Cut(system.os)},
@@ -37,12 +37,15 @@ std::vector<CrashProperty> MakeCrashProperties(const SystemTexts& system, const 
   for (size_t i = 0; i < system.graphicAdapters.size(); ++i) {
     properties.emplace_back("Graphic_Adapter_" + std::to_string(i), Cut(system.graphicAdapters[i]));
   }
-  properties.emplace_back("User Data - Name", user.name);
-  properties.emplace_back("User Data - Surname", user.surname);
-  properties.emplace_back("User Data - email", user.email);
-  properties.emplace_back("User Data - company", user.company);
-  properties.emplace_back("User Data - telephone", user.telephone);
   return properties;
+}
+
+std::vector<CrashProperty> MakeUserProperties(const UserData& user) {
+  return {{"User Data - Name", user.name},
+          {"User Data - Surname", user.surname},
+          {"User Data - email", user.email},
+          {"User Data - company", user.company},
+          {"User Data - telephone", user.telephone}};
 }
 
 std::string MakeReportSubject(const std::string& application, const std::string& version) {

@@ -23,8 +23,9 @@ inline constexpr int kSystemTextBuffer = 1024;
 
 using CrashProperty = std::pair<std::string, std::string>;  // name, value
 
-// In the order in which reports show them.
-std::vector<CrashProperty> MakeCrashProperties(const SystemTexts& system, const UserData& user);
+// In the order in which reports show them: first those of the computer.
+std::vector<CrashProperty> MakeSystemProperties(const SystemTexts& system);
+std::vector<CrashProperty> MakeUserProperties(const UserData& user);
 
 // "<application> (ver. <version>) Error report", at most 1024 bytes with the terminator.
 std::string MakeReportSubject(const std::string& application, const std::string& version);

@@ -34,6 +34,10 @@ SystemTexts DescribeSystem() {
   return system;
 }
 
+void AddProperties(const std::vector<CrashProperty>& properties) {
+  for (const auto& [name, value] : properties) CrashReportAddProperty(name.c_str(), value.c_str());
+}
+
 }  // namespace
 
 bool InstallCrashReporting(const std::string& programPath, const std::string& version, const UserData& user,
@@ -60,8 +64,11 @@ bool InstallCrashReporting(const std::string& programPath, const std::string& ve
     return false;
   }
   CrashReportAddPicture(kDesktopPicture);
-  for (const auto& [propertyName, value] : MakeCrashProperties(DescribeSystem(), user)) {
-    CrashReportAddProperty(propertyName.c_str(), value.c_str());
-  }
+  AddProperties(MakeSystemProperties(DescribeSystem()));
+  AddProperties(MakeUserProperties(user));
   return true;
+}
+
+void ShowUserDataInReports(const UserData& user) {
+  AddProperties(MakeUserProperties(user));
 }

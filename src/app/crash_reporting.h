@@ -12,4 +12,7 @@
 bool InstallCrashReporting(const std::string& programPath, const std::string& version, const UserData& user,
                            std::string& message);
 
+// From here on reports show these data of the user in the place of those before.
+void ShowUserDataInReports(const UserData& user);
+
 #endif  // MOSAICON_APP_CRASH_REPORTING_H_
