@@ -60,7 +60,7 @@ typedef struct CrashInstallInfo {
   const char* applicationVersion;  // empty in reports
   const char* emailTo;             // field "email" of the upload; empty
   const char* emailSubject;        // field "subject" of the upload; "<name> <version> crash report"
-  const char* uploadUrl;           // http or https; without one reports stay on disk
+  const char* uploadUrl;           // https; without such a one reports stay on disk
   const char* senderPath;          // the sender program, or its folder; crashsender.exe beside the DLL
   CrashCallback callback;          // none: every crash is reported
   int32_t priorities[5];           // see CRASH_WAY_...; the last two are reserved

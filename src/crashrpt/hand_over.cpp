@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "crashrpt/crashrpt.h"
+#include "crashrpt/upload_url.h"
 
 namespace {
 
@@ -24,14 +25,18 @@ bool Ends(const char (&text)[kSize]) {
   return std::memchr(text, '\0', kSize) != nullptr;
 }
 
+bool IsEmpty(const char* text) {
+  return text == nullptr || *text == '\0';
+}
+
 bool MayUseHttp(const int32_t (&priorities)[5]) {
   const bool anyWay = std::any_of(std::begin(priorities), std::end(priorities),
                                   [](int32_t priority) { return priority > 0; });
   return !anyWay || priorities[CRASH_WAY_HTTP] > 0;
 }
 
-bool IsEmpty(const char* text) {
-  return text == nullptr || *text == '\0';
+bool MayUpload(const CrashInstallInfo& info) {
+  return !IsEmpty(info.uploadUrl) && MayUseHttp(info.priorities) && IsSafeUploadUrl(info.uploadUrl);
 }
 
 }  // namespace
@@ -50,8 +55,7 @@ bool FillHandOver(const CrashInstallInfo& info, const std::string& programName, 
   if (!Copy(info.emailTo, "e-mail recipient", handOver.emailTo, error) ||
       !Copy(subject.c_str(), "e-mail subject", handOver.emailSubject, error) ||
       !Copy(info.emailText, "e-mail text", handOver.emailText, error) ||
-      !Copy(MayUseHttp(info.priorities) ? info.uploadUrl : nullptr, "upload URL", handOver.uploadUrl,
-            error) ||
+      !Copy(MayUpload(info) ? info.uploadUrl : nullptr, "upload URL", handOver.uploadUrl, error) ||
       !Copy(info.privacyPolicyUrl, "privacy policy URL", handOver.privacyPolicyUrl, error) ||
       !Copy(info.debugHelpDll, "path of the debug help DLL", handOver.debugHelpDll, error) ||
       !Copy(info.reportFolder, "path of the report folder", handOver.reportFolder, error)) {

@@ -51,8 +51,8 @@ TEST_F(FilledIn, TakesWhatIsGiven) {
   m_info.applicationVersion = "1.0";
   m_info.emailTo = "a@b.example";
   m_info.emailText = "text";
-  m_info.uploadUrl = "http://c.example/";
-  m_info.privacyPolicyUrl = "http://d.example/";
+  m_info.uploadUrl = "https://c.example/";
+  m_info.privacyPolicyUrl = "https://d.example/";
   m_info.debugHelpDll = "C:\\dbghelp.dll";
   m_info.reportFolder = "C:\\reports";
   m_info.dumpType = 2;
@@ -62,8 +62,8 @@ TEST_F(FilledIn, TakesWhatIsGiven) {
   EXPECT_STREQ(m_handOver->emailTo, "a@b.example");
   EXPECT_STREQ(m_handOver->emailSubject, "Mosaicon 1.0 crash report");
   EXPECT_STREQ(m_handOver->emailText, "text");
-  EXPECT_STREQ(m_handOver->uploadUrl, "http://c.example/");
-  EXPECT_STREQ(m_handOver->privacyPolicyUrl, "http://d.example/");
+  EXPECT_STREQ(m_handOver->uploadUrl, "https://c.example/");
+  EXPECT_STREQ(m_handOver->privacyPolicyUrl, "https://d.example/");
   EXPECT_STREQ(m_handOver->debugHelpDll, "C:\\dbghelp.dll");
   EXPECT_STREQ(m_handOver->reportFolder, "C:\\reports");
   EXPECT_EQ(m_handOver->dumpType, 2U);
@@ -76,7 +76,7 @@ TEST_F(FilledIn, TakesTheGivenSubject) {
 }
 
 TEST_F(FilledIn, HasNoAddressWhenOnlyMailMayBeUsed) {
-  m_info.uploadUrl = "http://c.example/";
+  m_info.uploadUrl = "https://c.example/";
   m_info.priorities[CRASH_WAY_SMTP] = 1;
   ASSERT_TRUE(Fill());
   EXPECT_STREQ(m_handOver->uploadUrl, "");
@@ -85,7 +85,13 @@ TEST_F(FilledIn, HasNoAddressWhenOnlyMailMayBeUsed) {
   EXPECT_STREQ(m_handOver->uploadUrl, "");
   m_info.priorities[CRASH_WAY_HTTP] = 1;
   ASSERT_TRUE(Fill());
-  EXPECT_STREQ(m_handOver->uploadUrl, "http://c.example/");
+  EXPECT_STREQ(m_handOver->uploadUrl, "https://c.example/");
+}
+
+TEST_F(FilledIn, HasNoAddressThatOthersCouldReadAlongAt) {
+  m_info.uploadUrl = "http://c.example/";
+  ASSERT_TRUE(Fill());
+  EXPECT_STREQ(m_handOver->uploadUrl, "");
 }
 
 TEST_F(FilledIn, CutsNothing) {

@@ -10,6 +10,7 @@
 
 #include "crashrpt/ansi_text.h"
 #include "crashrpt/unique_handle.h"
+#include "crashrpt/upload_url.h"
 
 namespace {
 
@@ -124,10 +125,12 @@ std::string Post(HINTERNET request, const MultipartBody& body) {
 }  // namespace
 
 std::string UploadByHttp(const std::string& url, const MultipartBody& body) {
+  if (!IsSafeUploadUrl(url)) return "Reports are sent to https addresses only, not to " + url + ".";
   const std::optional<Address> address = ParseUrl(url);
   if (!address) return "The address of the server is not valid: " + url;
-  const Internet session(WinHttpOpen(L"crashsender/1.0", WINHTTP_ACCESS_TYPE_DEFAULT_PROXY,
-                                     WINHTTP_NO_PROXY_NAME, WINHTTP_NO_PROXY_BYPASS, 0));
+  const DWORD proxy = address->secure ? WINHTTP_ACCESS_TYPE_DEFAULT_PROXY : WINHTTP_ACCESS_TYPE_NO_PROXY;
+  const Internet session(
+      WinHttpOpen(L"crashsender/1.0", proxy, WINHTTP_NO_PROXY_NAME, WINHTTP_NO_PROXY_BYPASS, 0));
   if (session == nullptr) return ErrorText(GetLastError());
   WinHttpSetTimeouts(session.get(), kResolveBound, kConnectBound, kSendBound, kReceiveBound);
   const Internet connection(WinHttpConnect(session.get(), address->host.c_str(), address->port, 0));

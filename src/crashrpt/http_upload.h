@@ -6,8 +6,8 @@
 
 #include "crashrpt/multipart.h"
 
-// Sends body to url, http or https (with a valid certificate). Redirections are not followed: the body
-// would be lost. Returns what went wrong, as a sentence for the user; empty when the server answered
+// Sends body to url, which IsSafeUploadUrl (https needs a valid certificate). Redirections are not followed:
+// the body would be lost. Returns what went wrong, as a sentence for the user; empty when the server answered
 // with a status of 200 to 299.
 std::string UploadByHttp(const std::string& url, const MultipartBody& body);
 
