@@ -1,10 +1,12 @@
 """Every kind of crash leaves one report that tells the truth, and ends the program."""
 
 import datetime
+import shutil
 import unittest
+import uuid
 
 from crash_test_support import (KIND_NAMES, MADE_UP_CODE, REPORTED, UNREPORTED, CrashTest, expected_code,
-                                keep_wine_running, windows_path)
+                                keep_wine_running, local_data_folder, windows_path)
 
 
 def setUpModule():
@@ -135,6 +137,17 @@ class Contents(CrashTest):
         self.reports = large_reports
         large, _ = self.crash("7", "--dump-type=2")  # MiniDumpWithFullMemory
         self.assertGreater(len(large.files["crashdump.dmp"]), 4 * len(small.files["crashdump.dmp"]))
+
+
+class Places(CrashTest):
+    def test_default_folder_is_found_without_its_variable(self):
+        name = f"crashrpt test {uuid.uuid4()}"
+        folder = local_data_folder() / name
+        self.addCleanup(shutil.rmtree, folder, ignore_errors=True)
+        crasher = self.start("crashrpt_crasher.exe", "7", "--no-local-data", "--name=" + name)
+        self.assertEqual(self.end_of(crasher)[0], REPORTED, self.lines_of(crasher))
+        self.reports = folder / "CrashReports"
+        self.assertEqual(self.only_report().texts["application"], name)
 
 
 class Refusals(CrashTest):

@@ -1,5 +1,7 @@
 #include "crashrpt/crash_reporter.h"
 
+#include <shlobj.h>
+
 #include "crashrpt/crashrpt.h"
 #include "crashrpt/report_name.h"
 #include "crashrpt/sender_process.h"
@@ -58,14 +60,26 @@ DWORD WINAPI RunReporter(void*) {
   EndProcess(wanted && IsDumpTaken() ? CRASH_EXIT_REPORTED : CRASH_EXIT_UNREPORTED);
 }
 
+// The user's folder for data of this computer. Its variable may be missing where a service or a script
+// has started the program; then the shell knows it, and where not even that, there is the one for
+// temporary files.
+std::string LocalDataFolder() {
+  char folder[MAX_PATH + 2] = "";
+  const DWORD length = GetEnvironmentVariableA("LOCALAPPDATA", folder, sizeof folder);
+  if (length > 0 && length < sizeof folder) return folder;
+  if (SHGetFolderPathA(nullptr, CSIDL_LOCAL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder) == S_OK) {
+    return folder;
+  }
+  const DWORD temporaryLength = GetTempPathA(sizeof folder, folder);  // ends in a backslash
+  return std::string(folder, temporaryLength > 0 ? temporaryLength - 1 : 0);
+}
+
 bool FillFolder(HandOver& handOver, std::string& error) {
   if (handOver.reportFolder[0] != '\0') return true;
-  char local[MAX_PATH] = "";
-  const DWORD length = GetEnvironmentVariableA("LOCALAPPDATA", local, sizeof local);
   const std::string folder =
-      std::string(local) + "\\" + FileNameOf(handOver.applicationName) + "\\CrashReports";
-  if (length == 0 || length >= sizeof local || folder.size() >= sizeof handOver.reportFolder) {
-    error = "There is no folder for reports: none is given, and LOCALAPPDATA names none.";
+      LocalDataFolder() + "\\" + FileNameOf(handOver.applicationName) + "\\CrashReports";
+  if (folder.size() >= sizeof handOver.reportFolder) {
+    error = "The path of the folder for reports is too long: " + folder;
     return false;
   }
   folder.copy(handOver.reportFolder, folder.size());

@@ -34,6 +34,14 @@ def windows_path(path):
     return "Z:" + str(path).replace("/", "\\") if UNDER_WINE else str(path)
 
 
+def local_data_folder():
+    """The user's folder for data of this computer."""
+    if not UNDER_WINE:
+        return pathlib.Path(os.environ["LOCALAPPDATA"])
+    [folder] = pathlib.Path(os.environ["WINEPREFIX"]).glob("drive_c/users/*/AppData/Local")
+    return folder
+
+
 def keep_wine_running():
     """For a whole module: one Wine process, so that each program does not start Wine's own anew."""
     if not UNDER_WINE:
@@ -122,6 +130,7 @@ class CrashTest(unittest.TestCase):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="crash reports ")).resolve()
         self.addCleanup(shutil.rmtree, self.folder)
         self.reports = self.folder / "reports"
+        self.environment = {**os.environ, "CRASHREPORT_QUIET": self.quiet}
         self.started = []
         self.addCleanup(self.end_all)
 
@@ -138,8 +147,7 @@ class CrashTest(unittest.TestCase):
         output = self.folder / f"output-{len(self.started)}"
         with open(output, "wb") as file:
             process = subprocess.Popen(command(program, *arguments), stdin=subprocess.DEVNULL, stdout=file,
-                                       stderr=subprocess.DEVNULL,
-                                       env={**os.environ, "CRASHREPORT_QUIET": self.quiet})
+                                       stderr=subprocess.DEVNULL, env=self.environment)
         process.output = output
         self.started.append(process)
         return process

@@ -50,6 +50,7 @@ bool IsOption(const std::string& argument, const char* name, std::string& value)
 bool ReadOption(const std::string& argument, Options& options) {
   std::string value;
   if (argument == "--picture") return options.picture = true;
+  if (argument == "--no-local-data") return SetEnvironmentVariableA("LOCALAPPDATA", nullptr) != FALSE;
   if (IsOption(argument, "name", options.name) || IsOption(argument, "version", options.version) ||
       IsOption(argument, "folder", options.folder) || IsOption(argument, "url", options.url) ||
       IsOption(argument, "privacy", options.privacy) || IsOption(argument, "email", options.email) ||
