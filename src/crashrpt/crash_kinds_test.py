@@ -5,8 +5,8 @@ import shutil
 import unittest
 import uuid
 
-from crash_test_support import (KIND_NAMES, MADE_UP_CODE, REPORTED, UNREPORTED, CrashTest, expected_code,
-                                keep_wine_running, local_data_folder, windows_path)
+from crash_test_support import (KIND_NAMES, MADE_UP_CODE, REPORTED, UNREPORTED, CrashTest, Report,
+                                expected_code, keep_wine_running, local_data_folder, wait_until, windows_path)
 
 
 def setUpModule():
@@ -148,6 +148,18 @@ class Places(CrashTest):
         self.assertEqual(self.end_of(crasher)[0], REPORTED, self.lines_of(crasher))
         self.reports = folder / "CrashReports"
         self.assertEqual(self.only_report().texts["application"], name)
+
+    def test_twenty_reports_are_kept(self):
+        old = [f"202001{day:02}T000000Z-6f9619ff-8b86-d011-b42d-00c04fc964ff" for day in range(1, 26)]
+        for name in old:
+            (self.reports / name).mkdir(parents=True)
+            (self.reports / name / "report.xml").write_text("<report/>")
+        crasher = self.start_crasher("7")
+        self.assertEqual(self.end_of(crasher)[0], REPORTED)
+        self.assertTrue(wait_until(lambda: len(self.names()) == 20), self.names())
+        *kept, new = self.names()
+        self.assertEqual(kept, old[-19:])
+        Report(self.reports / new)
 
 
 class Refusals(CrashTest):

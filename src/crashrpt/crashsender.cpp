@@ -83,6 +83,7 @@ int Report(const HandOver& handOver, HANDLE process, HANDLE dumpTaken) {
     }
     return kNotWritten;
   }
+  store.KeepNewest(kKeptReports);
   if (!quiet) Offer(handOver, store, report);
   return kDone;
 }

@@ -3,6 +3,9 @@
 #include <shlobj.h>
 
 #include <algorithm>
+#include <cstring>
+#include <functional>
+#include <utility>
 
 #include "crashrpt/report_name.h"
 
@@ -11,6 +14,27 @@ namespace {
 bool MakeFolders(const std::string& path) {
   const int result = SHCreateDirectoryExA(nullptr, path.c_str(), nullptr);
   return result == ERROR_SUCCESS || result == ERROR_ALREADY_EXISTS || result == ERROR_FILE_EXISTS;
+}
+
+// Names of the folders in a folder, sorted.
+std::vector<std::string> FoldersIn(const std::string& folder) {
+  std::vector<std::string> names;
+  WIN32_FIND_DATAA data;
+  const HANDLE search = FindFirstFileA((folder + "\\*").c_str(), &data);
+  if (search == INVALID_HANDLE_VALUE) return names;
+  do {
+    if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) names.emplace_back(data.cFileName);
+  } while (FindNextFileA(search, &data));
+  FindClose(search);
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+void DeleteReport(const std::string& folder) {
+  for (const char* name : {kReportPicture, kReportDump, kReportXml}) {
+    DeleteFileA((folder + "\\" + name).c_str());
+  }
+  RemoveDirectoryA(folder.c_str());
 }
 
 }  // namespace
@@ -38,17 +62,27 @@ bool ReportStore::MarkSent(const std::string& name) const {
 }
 
 std::vector<std::string> ReportStore::Pending() const {
-  std::vector<std::string> names;
-  WIN32_FIND_DATAA data;
-  const HANDLE search = FindFirstFileA(PendingPath("*").c_str(), &data);
-  if (search == INVALID_HANDLE_VALUE) return names;
-  do {
-    const bool folder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    if (folder && IsReportName(data.cFileName)) names.push_back(data.cFileName);
-  } while (FindNextFileA(search, &data));
-  FindClose(search);
-  std::sort(names.begin(), names.end());
+  std::vector<std::string> names = FoldersIn(m_strFolder + "\\pending");
+  std::erase_if(names, [](const std::string& name) { return !IsReportName(name); });
   return names;
+}
+
+void ReportStore::KeepNewest(size_t count) const {
+  std::vector<std::pair<std::string, std::string>> reports;  // name and path
+  for (const std::string& place : {m_strFolder, m_strFolder + "\\pending", m_strFolder + "\\sent"}) {
+    for (const std::string& folder : FoldersIn(place)) {
+      const std::string name =
+          folder.ends_with(kUnfinished) ? folder.substr(0, folder.size() - std::strlen(kUnfinished)) : folder;
+      if (IsReportName(name)) reports.emplace_back(name, place + "\\" + folder);
+    }
+  }
+  std::sort(reports.begin(), reports.end(), std::greater<>());
+  for (size_t i = count; i < reports.size(); ++i) {
+    const auto& [name, path] = reports[i];
+    const bool isPending = path == PendingPath(name);
+    const UniqueHandle lock = isPending ? LockDelivery(name) : nullptr;
+    if (lock.get() != INVALID_HANDLE_VALUE) DeleteReport(path);
+  }
 }
 
 UniqueHandle ReportStore::LockDelivery(const std::string& name) const {

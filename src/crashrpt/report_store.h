@@ -3,7 +3,7 @@
 //   <folder>\<name>              complete; the user was not asked yet, or declined
 //   <folder>\pending\<name>      the user agreed to send it; not delivered yet
 //   <folder>\sent\<name>         delivered
-// A report goes from one place to the next by one renaming, and is never deleted. Win32.
+// A report goes from one place to the next by one renaming. Those beyond the newest are deleted. Win32.
 #ifndef MOSAICON_CRASHRPT_REPORT_STORE_H_
 #define MOSAICON_CRASHRPT_REPORT_STORE_H_
 
@@ -11,6 +11,8 @@
 #include <vector>
 
 #include "crashrpt/unique_handle.h"
+
+inline constexpr size_t kKeptReports = 20;
 
 class ReportStore {
  public:
@@ -30,6 +32,10 @@ class ReportStore {
 
   // Names of the reports that wait for delivery, oldest first.
   std::vector<std::string> Pending() const;
+
+  // Deletes all reports but the newest count, wherever they lie, and leaves out what another process
+  // delivers right now. Of a folder in which there is anything else, that stays.
+  void KeepNewest(size_t count) const;
 
   // The right to deliver this report, among all processes, until the handle is closed; invalid when
   // another has it.

@@ -9,6 +9,10 @@ namespace {
 constexpr char kOld[] = "20260101T000000Z-6f9619ff-8b86-d011-b42d-00c04fc964ff";
 constexpr char kNew[] = "20260102T000000Z-0f9619ff-8b86-d011-b42d-00c04fc964ff";
 
+std::string NameOfDay(int day) {
+  return "2026010" + std::to_string(day) + "T000000Z-6f9619ff-8b86-d011-b42d-00c04fc964ff";
+}
+
 class Store : public testing::Test {
  protected:
   void Write(const std::string& name) {
@@ -43,6 +47,38 @@ TEST_F(Store, ListsOnlyReportsAsPendingOldestFirst) {
   CreateDirectoryA(m_store.PendingPath("other").c_str(), nullptr);
   WriteFile(m_store.PendingPath("20260103T000000Z-0f9619ff-8b86-d011-b42d-00c04fc964ff"), "a file");
   EXPECT_EQ(m_store.Pending(), (std::vector<std::string>{kOld, kNew}));
+}
+
+TEST_F(Store, KeepsTheNewestReports) {
+  const std::string sent = NameOfDay(1), pending = NameOfDay(2), delivered = NameOfDay(3),
+                    unfinished = NameOfDay(4), declined = NameOfDay(5), last = NameOfDay(6);
+  for (const std::string& name : {sent, pending, delivered, declined, last}) Write(name);
+  for (const std::string& name : {sent, pending, delivered}) ASSERT_TRUE(m_store.MarkAgreed(name));
+  ASSERT_TRUE(m_store.MarkSent(sent));
+  ASSERT_TRUE(m_store.Begin(unfinished));
+  WriteFile(m_store.Path("notes.txt"), "of the user");
+  CreateDirectoryA(m_store.Path("20260101T000000Z-not-ours").c_str(), nullptr);
+
+  m_store.KeepNewest(6);
+  EXPECT_TRUE(PathExists(m_store.SentPath(sent))) << "they are no more than six";
+  const UniqueHandle lock = m_store.LockDelivery(delivered);
+  m_store.KeepNewest(2);
+  EXPECT_FALSE(PathExists(m_store.SentPath(sent)));
+  EXPECT_FALSE(PathExists(m_store.PendingPath(pending)));
+  EXPECT_TRUE(PathExists(m_store.PendingPath(delivered) + "\\report.xml")) << "it is being delivered";
+  EXPECT_FALSE(PathExists(m_store.UnfinishedPath(unfinished)));
+  EXPECT_TRUE(PathExists(m_store.Path(declined) + "\\report.xml"));
+  EXPECT_TRUE(PathExists(m_store.Path(last) + "\\report.xml"));
+  EXPECT_TRUE(PathExists(m_store.Path("notes.txt")));
+  EXPECT_TRUE(PathExists(m_store.Path("20260101T000000Z-not-ours")));
+}
+
+TEST_F(Store, DeletesNothingOfTheUsersInAReport) {
+  Write(kOld);
+  WriteFile(m_store.Path(kOld) + "\\notes.txt", "of the user");
+  m_store.KeepNewest(0);
+  EXPECT_EQ(ReadFile(m_store.Path(kOld) + "\\notes.txt"), "of the user");
+  EXPECT_FALSE(PathExists(m_store.Path(kOld) + "\\report.xml"));
 }
 
 TEST_F(Store, LocksADeliveryUntilItEnds) {
