@@ -20,7 +20,7 @@ class Retry(CrashTest):
         guid = name.partition("-")[2]
         (folder / "report.xml").write_text(
             f"<report><guid>{guid}</guid><application>A &amp; B</application><version>1</version>"
-            "<email></email><subject>s</subject><text></text></report>")
+            "<email></email><subject>s</subject><text></text><file name=\"crashdump.dmp\"/></report>")
         (folder / "crashdump.dmp").write_bytes(bytes(range(256)) * 1000 + b"\r\n--report-")
 
     def start_program(self, url, *options):

@@ -8,11 +8,13 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <exception>
 #include <memory>
 #include <string>
 
+#include "crashrpt/consent_text.h"
 #include "crashrpt/delivery.h"
 #include "crashrpt/hand_over.h"
 #include "crashrpt/report_name.h"
@@ -49,25 +51,31 @@ bool IsQuiet() {
   return value != nullptr && *value != '\0' && std::string(value) != "0";
 }
 
-std::string DescribeContents(const std::vector<std::string>& files) {
-  std::string text = "It holds:\r\n";
-  for (const std::string& file : files) {
-    if (file == kReportXml) text += "- what happened, when, and in which version (" + file + ")\r\n";
-    if (file == kReportDump) text += "- an extract of the program's memory at that moment (" + file + ")\r\n";
-    if (file == kReportPicture) text += "- a picture of your whole screen at that moment (" + file + ")\r\n";
-  }
-  return text;
+bool Has(const WrittenReport& report, const char* file) {
+  return std::find(report.files.begin(), report.files.end(), file) != report.files.end();
+}
+
+// Returns what came of it, as sentences for the user.
+std::string Send(const HandOver& handOver, const ReportStore& store, const std::string& name,
+                 bool withPicture) {
+  const std::string error = DeliverAgreed(store, name, withPicture, handOver.uploadUrl);
+  if (error.empty()) return "The report was sent. Thank you.";
+  if (!PathExists(store.PendingPath(name))) return error + " The report is kept.";
+  return error + " The report is kept, and sending it is tried again when " + handOver.applicationName +
+         " starts the next time.";
 }
 
 void Offer(const HandOver& handOver, const ReportStore& store, const WrittenReport& report) {
   SendOffer offer;
   offer.applicationName = handOver.applicationName;
   offer.reportFolder = store.Path(report.name);
-  offer.contents = DescribeContents(report.files);
+  offer.contents = DescribeContents(GetProperties(handOver.properties), Has(report, kReportDump));
+  offer.hasPicture = Has(report, kReportPicture);
   offer.privacyPolicyUrl = handOver.privacyPolicyUrl;
-  const std::string url = handOver.uploadUrl;
-  if (!url.empty()) {
-    offer.send = [store, url, name = report.name] { return DeliverAgreed(store, name, url); };
+  if (handOver.uploadUrl[0] != '\0') {
+    offer.send = [&handOver, store, name = report.name](bool withPicture) {
+      return Send(handOver, store, name, withPicture);
+    };
   }
   OfferToSend(offer);  // when it cannot be shown, the report is simply kept
 }

@@ -18,8 +18,8 @@ struct FileKind {
   const char* field;
   const char* contentType;
 };
-constexpr FileKind kFiles[] = {{kReportXml, "report", "application/xml"},
-                               {kReportDump, "dump", "application/octet-stream"},
+constexpr char kNoConsent[] = "The user did not agree to send it.";
+constexpr FileKind kFiles[] = {{kReportDump, "dump", "application/octet-stream"},
                                {kReportPicture, "picture", "image/png"}};
 
 std::optional<std::string> ReadText(const std::string& path) {
@@ -34,6 +34,22 @@ std::optional<uint64_t> SizeOfFile(const std::string& path) {
   return static_cast<uint64_t>(data.nFileSizeHigh) << 32U | data.nFileSizeLow;
 }
 
+void AddFile(MultipartBody& body, const FileKind& file, const std::string& folder) {
+  const std::string path = folder + "\\" + file.name;
+  const std::optional<uint64_t> size = SizeOfFile(path);
+  if (size) body.AddFile(file.field, file.name, file.contentType, path, *size);
+}
+
+// What a report does not list is not sent, so that a file that cannot be deleted right now does no harm.
+bool LeaveOutPicture(const std::string& folder) {
+  const std::string xmlPath = folder + "\\" + kReportXml;
+  const std::optional<std::string> xml = ReadText(xmlPath);
+  if (!xml || !ListsFile(*xml, kReportPicture)) return xml.has_value();
+  if (!ReplaceFileBytes(xmlPath, WithoutFile(*xml, kReportPicture, kNoConsent))) return false;
+  DeleteFileA((folder + "\\" + kReportPicture).c_str());
+  return true;
+}
+
 std::string Upload(const std::string& folder, const std::string& url) {
   const std::optional<std::string> xml = ReadText(folder + "\\" + kReportXml);
   if (!xml) return "The report is not complete any more.";
@@ -45,10 +61,9 @@ std::string Upload(const std::string& folder, const std::string& url) {
   body.AddField("email", texts.emailTo);
   body.AddField("subject", texts.emailSubject);
   body.AddField("text", texts.emailText);
+  AddFile(body, {kReportXml, "report", "application/xml"}, folder);
   for (const FileKind& file : kFiles) {
-    const std::string path = folder + "\\" + file.name;
-    const std::optional<uint64_t> size = SizeOfFile(path);
-    if (size) body.AddFile(file.field, file.name, file.contentType, path, *size);
+    if (ListsFile(*xml, file.name)) AddFile(body, file, folder);
   }
   return UploadByHttp(url, body);
 }
@@ -62,9 +77,11 @@ std::string DeliverLocked(const ReportStore& store, const std::string& name, con
 
 }  // namespace
 
-std::string DeliverAgreed(const ReportStore& store, const std::string& name, const std::string& url) {
+std::string DeliverAgreed(const ReportStore& store, const std::string& name, bool withPicture,
+                          const std::string& url) {
   const UniqueHandle lock = store.LockDelivery(name);
   if (lock.get() == INVALID_HANDLE_VALUE) return kInterrupted;
+  if (!withPicture && !LeaveOutPicture(store.Path(name))) return "The picture could not be left out.";
   if (!store.MarkAgreed(name)) return "The report in " + store.Folder() + " cannot be moved.";
   return DeliverLocked(store, name, url);
 }

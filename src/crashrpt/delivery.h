@@ -6,9 +6,11 @@
 
 #include "crashrpt/report_store.h"
 
-// Notes that the user agreed, and delivers the report to url. Returns what went wrong, as a sentence for
-// the user; empty when it was delivered. Once the agreement is noted, a failure leaves it pending.
-std::string DeliverAgreed(const ReportStore& store, const std::string& name, const std::string& url);
+// Notes that the user agreed, to the picture or only to the rest, and delivers that to url. A picture
+// without consent is deleted. Returns what went wrong, as a sentence for the user; empty when it was
+// delivered. Once the agreement is noted, a failure leaves it pending.
+std::string DeliverAgreed(const ReportStore& store, const std::string& name, bool withPicture,
+                          const std::string& url);
 
 // Tries to deliver everything that is pending, one after the other, and leaves out what another process
 // delivers right now. Says nothing; what fails stays pending.

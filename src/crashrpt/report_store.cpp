@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <fstream>
 #include <functional>
 #include <utility>
 
@@ -92,6 +93,16 @@ UniqueHandle ReportStore::LockDelivery(const std::string& name) const {
   return UniqueHandle(CreateFileA((PendingPath(name) + ".lock").c_str(),
                                   GENERIC_READ | GENERIC_WRITE | DELETE, 0, nullptr, OPEN_ALWAYS,
                                   FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+}
+
+bool ReplaceFileBytes(const std::string& path, const std::string& bytes) {
+  const std::string newPath = path + ".new";
+  std::ofstream file(newPath, std::ios::binary);
+  file << bytes;
+  file.close();
+  if (file.good() && MoveFileExA(newPath.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
+  DeleteFileA(newPath.c_str());
+  return false;
 }
 
 bool PathExists(const std::string& path) {

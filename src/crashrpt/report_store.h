@@ -45,6 +45,9 @@ class ReportStore {
   std::string m_strFolder;
 };
 
+// Makes the file, or puts it in the place of the one that is there. False when it stays as it was.
+bool ReplaceFileBytes(const std::string& path, const std::string& bytes);
+
 // Whether there is anything at path.
 bool PathExists(const std::string& path);
 

@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstdio>
-#include <fstream>
 
 #include "crashrpt/ansi_text.h"
 #include "crashrpt/desktop_picture.h"
@@ -53,13 +52,6 @@ std::string WriteDump(const HandOver& handOver, HANDLE process, const std::strin
   return written ? "" : "The dump could not be written, error " + std::to_string(GetLastError()) + ".";
 }
 
-bool WriteBytes(const std::string& path, const std::string& bytes) {
-  std::ofstream file(path, std::ios::binary);
-  file << bytes;
-  file.close();
-  return file.good();
-}
-
 ReportContents ContentsOf(const HandOver& handOver) {
   ReportContents report;
   report.guid = NewGuid();
@@ -103,7 +95,7 @@ WrittenReport WriteReport(const HandOver& handOver, HANDLE process, const Report
     AddFile(report, folder, kReportPicture, WriteDesktopPicture(folder + "\\" + kReportPicture));
   }
   onProgramFree();
-  if (!WriteBytes(folder + "\\" + kReportXml, ReportXml(report)) || !store.Complete(name)) {
+  if (!ReplaceFileBytes(folder + "\\" + kReportXml, ReportXml(report)) || !store.Complete(name)) {
     result.error = "The report in " + folder + " could not be completed.";
     return result;
   }

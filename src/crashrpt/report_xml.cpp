@@ -24,6 +24,14 @@ std::string Hexadecimal(uint64_t number, int digits) {
   return text.data();
 }
 
+std::string FileElement(const std::string& name) {
+  return "<file" + Attribute("name", name) + "/>";
+}
+
+std::string MissingElement(const std::string& what, const std::string& reason) {
+  return "<missing" + Attribute("what", what) + Attribute("reason", reason) + "/>";
+}
+
 std::string CrashElement(const CrashFacts& crash) {
   const auto kind = static_cast<CrashKind>(crash.kind);
   return "<crash" + Attribute("type", std::to_string(crash.kind)) + Attribute("name", CrashKindName(kind)) +
@@ -46,14 +54,23 @@ std::string ReportXml(const ReportContents& report) {
   line(Element("email", report.emailTo));
   line(Element("subject", report.emailSubject));
   line(Element("text", report.emailText));
-  for (const std::string& file : report.files) line("<file" + Attribute("name", file) + "/>");
-  for (const auto& [what, reason] : report.missing) {
-    line("<missing" + Attribute("what", what) + Attribute("reason", reason) + "/>");
-  }
+  for (const std::string& file : report.files) line(FileElement(file));
+  for (const auto& [what, reason] : report.missing) line(MissingElement(what, reason));
   for (const Property& property : report.properties) {
     line("<property" + Attribute("name", property.name) + Attribute("value", property.value) + "/>");
   }
   return xml + "</report>\n";
+}
+
+bool ListsFile(const std::string& reportXml, const std::string& name) {
+  return reportXml.find(FileElement(name)) != std::string::npos;
+}
+
+std::string WithoutFile(const std::string& reportXml, const std::string& name, const std::string& reason) {
+  const std::string element = FileElement(name);
+  const size_t found = reportXml.find(element);
+  if (found == std::string::npos) return reportXml;
+  return std::string(reportXml).replace(found, element.size(), MissingElement(name, reason));
 }
 
 DeliveryTexts ReadDeliveryTexts(const std::string& reportXml) {

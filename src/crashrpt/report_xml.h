@@ -27,6 +27,12 @@ struct ReportContents {
 // The whole document.
 std::string ReportXml(const ReportContents& report);
 
+// Whether a document of ReportXml names this file as one that belongs to it.
+bool ListsFile(const std::string& reportXml, const std::string& name);
+
+// The same document, but with this file as one that is missing.
+std::string WithoutFile(const std::string& reportXml, const std::string& name, const std::string& reason);
+
 // What an upload tells beside the files; read back from a document of ReportXml.
 struct DeliveryTexts {
   std::string guid;

@@ -58,6 +58,27 @@ TEST(ReportXml, DoesNotTakeTextsForMarkup) {
   EXPECT_EQ(texts.applicationVersion, "1.2");
 }
 
+TEST(ReportXml, ListsWhatBelongsToIt) {
+  const std::string xml = ReportXml(Example());
+  EXPECT_TRUE(ListsFile(xml, "crashdump.dmp"));
+  EXPECT_FALSE(ListsFile(xml, "desktop.png"));
+  ReportContents report = Example();
+  report.files.clear();
+  report.properties = {{"<file name=\"crashdump.dmp\"/>", "<file name=\"crashdump.dmp\"/>"}};
+  EXPECT_FALSE(ListsFile(ReportXml(report), "crashdump.dmp"));
+}
+
+TEST(ReportXml, CanDoWithoutAFile) {
+  ReportContents report = Example();
+  report.files = {"crashdump.dmp", "desktop.png"};
+  report.missing = {};
+  ReportContents without = report;
+  without.files = {"crashdump.dmp"};
+  without.missing = {{"desktop.png", "<no>"}};
+  EXPECT_EQ(WithoutFile(ReportXml(report), "desktop.png", "<no>"), ReportXml(without));
+  EXPECT_EQ(WithoutFile(ReportXml(without), "desktop.png", "again"), ReportXml(without));
+}
+
 TEST(CrashKind, HasANameForEachOfTheThirteen) {
   EXPECT_STREQ(CrashKindName(CrashKind::kStructuredException), "structured exception");
   EXPECT_STREQ(CrashKindName(CrashKind::kNewFault), "new operator fault");

@@ -9,9 +9,12 @@
 #include <thread>
 
 #include "crashrpt/crashsender_resource.h"
+#include "crashrpt/report_name.h"
 
 namespace {
 
+// What ShellExecute returns up to this number is an error.
+constexpr INT_PTR kShellFailures = 32;
 constexpr UINT kSent = WM_APP + 1;  // lParam: the std::string that send returned
 
 class SendDialog {
@@ -22,7 +25,7 @@ class SendDialog {
     if (message == WM_INITDIALOG) {
       SetWindowLongPtrA(window, DWLP_USER, lParam);
       reinterpret_cast<SendDialog*>(lParam)->Initialize(window);
-      return TRUE;
+      return FALSE;  // the focus is set
     }
     auto* const self = reinterpret_cast<SendDialog*>(GetWindowLongPtrA(window, DWLP_USER));
     return self != nullptr && self->Handle(message, wParam, lParam) ? TRUE : FALSE;
@@ -35,10 +38,15 @@ class SendDialog {
     SetText(IDC_WHAT_HAPPENED,
             m_offer.applicationName +
                 " had a problem and was closed. We are sorry. A report was written that helps to find the "
-                "cause; nothing is sent unless you say so.");
+                "cause; nothing is sent unless you say so. It holds:");
     SetText(IDC_CONTENTS, m_offer.contents);
     SetText(IDC_REPORT_PATH, m_offer.reportFolder);
     if (m_offer.privacyPolicyUrl.empty()) ShowWindow(Item(IDC_PRIVACY_POLICY), SW_HIDE);
+    for (const int control : {IDC_WITH_PICTURE, IDC_SHOW_PICTURE}) {
+      ShowWindow(Item(control), m_offer.hasPicture ? SW_SHOW : SW_HIDE);
+    }
+    // Not on what sends: a Return that was typed for another window may arrive here.
+    SetFocus(Item(IDC_DO_NOT_SEND));
     if (!m_offer.send) ShowOnlyClose("The report can not be sent from here, but it is kept.");
     SetForegroundWindow(window);
   }
@@ -47,18 +55,15 @@ class SendDialog {
     if (message == WM_COMMAND) return HandleCommand(LOWORD(wParam));
     if (message == WM_NOTIFY) return HandleLink(*reinterpret_cast<NMHDR*>(lParam));
     if (message != kSent) return false;
-    const std::unique_ptr<std::string> error(reinterpret_cast<std::string*>(lParam));
-    ShowOnlyClose(error->empty() ? "The report was sent. Thank you."
-                                 : *error + " The report is kept, and sending it is tried again when " +
-                                       m_offer.applicationName + " starts the next time.");
+    const std::unique_ptr<std::string> result(reinterpret_cast<std::string*>(lParam));
+    ShowOnlyClose(*result);
     return true;
   }
 
   bool HandleCommand(int control) {
     switch (control) {
-      case IDOK:  // Return, wherever the focus is
       case IDC_SEND:
-        if (control == IDC_SEND || IsWindowEnabled(Item(IDC_SEND))) Send();
+        Send();
         return true;
       case IDCANCEL:  // Esc and the close box, also while sending: what was agreed stays agreed
       case IDC_DO_NOT_SEND:
@@ -71,27 +76,44 @@ class SendDialog {
 
   bool HandleLink(const NMHDR& notification) const {
     if (notification.code != NM_CLICK && notification.code != NM_RETURN) return false;
-    if (notification.idFrom == IDC_OPEN_FOLDER)
-      Open(m_offer.reportFolder.substr(0, m_offer.reportFolder.rfind('\\')));
-    if (notification.idFrom == IDC_PRIVACY_POLICY) Open(m_offer.privacyPolicyUrl);
-    return true;
+    switch (notification.idFrom) {
+      case IDC_SHOW_REPORT:
+        ShowReport();
+        return true;
+      case IDC_SHOW_PICTURE:
+        Open(m_offer.reportFolder + "\\" + kReportPicture);
+        return true;
+      case IDC_OPEN_FOLDER:  // the one around it: an open folder could not be moved
+        Open(m_offer.reportFolder.substr(0, m_offer.reportFolder.rfind('\\')));
+        return true;
+      case IDC_PRIVACY_POLICY:
+        Open(m_offer.privacyPolicyUrl);
+        return true;
+      default:
+        return false;
+    }
   }
 
   void Send() {
-    EnableWindow(Item(IDC_SEND), FALSE);
-    EnableWindow(Item(IDC_DO_NOT_SEND), FALSE);
+    const bool withPicture = IsDlgButtonChecked(m_hWindow, IDC_WITH_PICTURE) == BST_CHECKED;
+    SetFocus(Item(IDC_REPORT_PATH));
+    for (const int control : {IDC_SEND, IDC_DO_NOT_SEND, IDC_WITH_PICTURE})
+      EnableWindow(Item(control), FALSE);
+    for (const int control : {IDC_SHOW_REPORT, IDC_SHOW_PICTURE}) ShowWindow(Item(control), SW_HIDE);
     SetText(IDC_RESULT, "Sending the report...");
-    std::thread([window = m_hWindow, send = m_offer.send] {
-      auto error = std::make_unique<std::string>(send());
+    std::thread([window = m_hWindow, send = m_offer.send, withPicture] {
+      auto result = std::make_unique<std::string>(send(withPicture));
       // The window may be gone; the process ends then anyway.
-      if (PostMessageA(window, kSent, 0, reinterpret_cast<LPARAM>(error.get()))) error.release();
+      if (PostMessageA(window, kSent, 0, reinterpret_cast<LPARAM>(result.get()))) result.release();
     }).detach();
   }
 
   void ShowOnlyClose(const std::string& result) {
     SetText(IDC_RESULT, result);
-    EnableWindow(Item(IDC_SEND), FALSE);
-    ShowWindow(Item(IDC_SEND), SW_HIDE);
+    for (const int control : {IDC_SEND, IDC_WITH_PICTURE}) {
+      EnableWindow(Item(control), FALSE);
+      ShowWindow(Item(control), SW_HIDE);
+    }
     SetText(IDC_DO_NOT_SEND, "&Close");
     EnableWindow(Item(IDC_DO_NOT_SEND), TRUE);
     SendMessageA(m_hWindow, DM_SETDEFID, IDC_DO_NOT_SEND, 0);
@@ -100,8 +122,14 @@ class SendDialog {
 
   HWND Item(int control) const { return GetDlgItem(m_hWindow, control); }
   void SetText(int control, const std::string& text) const { SetWindowTextA(Item(control), text.c_str()); }
-  void Open(const std::string& what) const {
-    ShellExecuteA(m_hWindow, nullptr, what.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+  bool Open(const std::string& what, const char* argument = nullptr) const {
+    const HINSTANCE result =
+        ShellExecuteA(m_hWindow, nullptr, what.c_str(), argument, nullptr, SW_SHOWNORMAL);
+    return reinterpret_cast<INT_PTR>(result) > kShellFailures;
+  }
+  void ShowReport() const {
+    const std::string path = m_offer.reportFolder + "\\" + kReportXml;
+    if (!Open(path)) Open("notepad.exe", ("\"" + path + "\"").c_str());
   }
 
   const SendOffer& m_offer;

@@ -7,12 +7,13 @@
 
 struct SendOffer {
   std::string applicationName;
-  std::string reportFolder;
-  std::string contents;          // what the report holds, for the user
+  std::string reportFolder;      // with the files of report_name.h
+  std::string contents;          // what is sent but the picture, for the user
+  bool hasPicture = false;       // the user decides about it apart
   std::string privacyPolicyUrl;  // empty: no link
-  // Sends it and returns what went wrong, as a sentence; runs on another thread, and may still be
-  // running after the window was closed. Empty: the report can only be kept.
-  std::function<std::string()> send;
+  // Sends it, with or without the picture, and returns what came of it, as sentences; runs on another
+  // thread, and may still be running after the window was closed. Empty: the report can only be kept.
+  std::function<std::string(bool withPicture)> send;
 };
 
 // Returns when the user has closed it. False when it could not be shown.

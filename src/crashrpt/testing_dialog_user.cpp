@@ -1,9 +1,10 @@
 // Test program: uses the window of the sender as a user would, from another process.
 //   crashrpt_dialog_user TITLE STEP...
 //   crashrpt_dialog_user screen    prints the size of the screen instead
-// Steps: print (title and controls, one per line: number, enabled, visible, text), click:NUMBER,
-// escape, close, await-result (until something was sent or could not be), await-gone.
-// Exit codes: 0 all done, 1 the window or what was awaited did not come in time.
+// Steps: print (title, the numbers of the control with the focus and of the default button, and the
+// controls, one per line: number, enabled, visible, text, checked), click:NUMBER, return:NUMBER (the key,
+// with the focus there; it opens a link), escape, close, await-result (until something was sent or could not
+// be), await-gone. Exit codes: 0 all done, 1 the window or what was awaited did not come in time.
 
 #include <windows.h>
 
@@ -27,7 +28,7 @@ bool Await(const std::function<bool()>& condition) {
 }
 
 std::string TextOf(HWND window) {
-  char text[1024] = "";
+  char text[8192] = "";
   SendMessageA(window, WM_GETTEXT, sizeof text, reinterpret_cast<LPARAM>(text));
   std::string line = text;
   for (char& c : line) {
@@ -36,14 +37,30 @@ std::string TextOf(HWND window) {
   return line;
 }
 
+HWND FocusOf(HWND dialog) {
+  GUITHREADINFO info = {};
+  info.cbSize = sizeof info;
+  GetGUIThreadInfo(GetWindowThreadProcessId(dialog, nullptr), &info);
+  return info.hwndFocus;
+}
+
 void Print(HWND dialog) {
   std::printf("title\t%s\n", TextOf(dialog).c_str());
-  for (int number = IDC_WHAT_HAPPENED; number <= IDC_DO_NOT_SEND; ++number) {
+  std::printf("focus\t%d\n", GetDlgCtrlID(FocusOf(dialog)));
+  std::printf("default\t%d\n", LOWORD(SendMessageA(dialog, DM_GETDEFID, 0, 0)));
+  for (int number = IDC_WHAT_HAPPENED; number <= IDC_SHOW_REPORT; ++number) {
     const HWND control = GetDlgItem(dialog, number);
-    std::printf("%d\t%d\t%d\t%s\n", number, IsWindowEnabled(control), IsWindowVisible(control),
-                TextOf(control).c_str());
+    const bool checked = SendMessageA(control, BM_GETCHECK, 0, 0) == BST_CHECKED;
+    std::printf("%d\t%d\t%d\t%s\t%d\n", number, IsWindowEnabled(control), IsWindowVisible(control),
+                TextOf(control).c_str(), checked);
   }
   std::fflush(stdout);
+}
+
+bool PressReturn(HWND dialog, HWND control) {
+  PostMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
+  if (!Await([dialog, control] { return FocusOf(dialog) == control; })) return false;
+  return PostMessageA(control, WM_KEYDOWN, VK_RETURN, 1) != FALSE;
 }
 
 // As the keyboard does it: to the control that has the focus.
@@ -68,8 +85,12 @@ bool Take(HWND dialog, const std::string& step) {
       return !result.empty() && result != "Sending the report...";
     });
   }
-  if (step.rfind("click:", 0) != 0) return false;
-  return PostMessageA(GetDlgItem(dialog, std::atoi(step.c_str() + 6)), BM_CLICK, 0, 0) != FALSE;
+  const size_t colon = step.find(':');
+  if (colon == std::string::npos) return false;
+  const std::string what = step.substr(0, colon);
+  const HWND control = GetDlgItem(dialog, std::atoi(step.c_str() + colon + 1));
+  if (what == "return") return PressReturn(dialog, control);
+  return what == "click" && PostMessageA(control, BM_CLICK, 0, 0) != FALSE;
 }
 
 }  // namespace
