@@ -30,6 +30,7 @@ uint32_t g_flags = 0;
 // Slots with the last exception of each thread.
 DWORD g_lastRecord = TLS_OUT_OF_INDEXES;
 DWORD g_lastContext = TLS_OUT_OF_INDEXES;
+void* g_vectoredHandler = nullptr;
 
 bool IsOn(CrashKind kind) {
   return (g_flags & CrashFlag(kind)) != 0;
@@ -108,11 +109,11 @@ CrashKind KindOfSignal(int signal) {
   }
 }
 
-HMODULE ModuleAt(const void* address) {
-  HMODULE module = nullptr;
-  GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                     static_cast<LPCSTR>(address), &module);
-  return module;
+// The beginning of the module that an address lies in, found without the lock of the loader.
+const void* ModuleAt(const void* address) {
+  MEMORY_BASIC_INFORMATION memory = {};
+  VirtualQuery(address, &memory, sizeof memory);
+  return memory.AllocationBase;
 }
 
 // Signals come from raise(), which is in the DLL of the C runtime. But exceptions become signals as well:
@@ -149,11 +150,15 @@ void HandleSignal(int number) {
 
 }  // namespace
 
-bool InstallCrashHandlers(uint32_t flags) {
-  g_lastRecord = TlsAlloc();
-  g_lastContext = TlsAlloc();
+bool PrepareCrashHandlers() {
+  if (g_lastRecord == TLS_OUT_OF_INDEXES) g_lastRecord = TlsAlloc();
+  if (g_lastContext == TLS_OUT_OF_INDEXES) g_lastContext = TlsAlloc();
   if (g_lastRecord == TLS_OUT_OF_INDEXES || g_lastContext == TLS_OUT_OF_INDEXES) return false;
-  if (AddVectoredExceptionHandler(0, OnAnyException) == nullptr) return false;
+  if (g_vectoredHandler == nullptr) g_vectoredHandler = AddVectoredExceptionHandler(0, OnAnyException);
+  return g_vectoredHandler != nullptr;
+}
+
+void InstallCrashHandlers(uint32_t flags) {
   g_flags = flags;
   if (IsOn(CrashKind::kStructuredException) || IsOn(CrashKind::kBufferOverrun) ||
       IsOn(CrashKind::kInvalidParameter)) {
@@ -165,7 +170,6 @@ bool InstallCrashHandlers(uint32_t flags) {
   if (IsOn(CrashKind::kInvalidParameter)) HandleInvalidParameters();
   for (const int number : {SIGABRT, SIGINT, SIGTERM}) HandleSignal(number);
   InstallCrashHandlersOfThread();
-  return true;
 }
 
 void InstallCrashHandlersOfThread() {

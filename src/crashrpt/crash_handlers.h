@@ -15,9 +15,12 @@
 
 #include <cstdint>
 
+// Everything that can fail. Returns false when Windows refused something; then it may be tried again.
+bool PrepareCrashHandlers();
+
 // For the whole process and the calling thread; flags as in CrashInstallInfo, at least one of the
-// thirteen. Once, after StartCrashReporter. Returns false when Windows refused something.
-bool InstallCrashHandlers(uint32_t flags);
+// thirteen. Once, after PrepareCrashHandlers and StartCrashReporter have succeeded.
+void InstallCrashHandlers(uint32_t flags);
 
 // For a thread that has just started: the C runtime keeps some signal handlers for each thread, and
 // Windows the stack that is reserved for handling an overflow. Does nothing before the other.

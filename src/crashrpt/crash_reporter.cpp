@@ -8,17 +8,21 @@
 
 namespace {
 
-constexpr DWORD kDumpBound = 60000;
-// Also bounds the callback of the program.
+// Milliseconds. The last one also bounds the callback of the program.
+constexpr DWORD kReadyBound = 5000;
+constexpr DWORD kReportBound = 60000;
 constexpr DWORD kWholeBound = 75000;
+// A sender that somebody ends is replaced so often: one that cannot run would be started for ever.
+constexpr int kMaxReplacements = 3;
 constexpr DWORD kReporterStack = 256 * 1024;
 
 // Never torn down: a crash may come at any time, also while the process is ending.
 struct Reporter {
   HandOver* handOver = nullptr;
   CrashCallback callback = nullptr;
-  HANDLE dumpTaken = nullptr;
-  HANDLE crashed = nullptr;
+  SenderHandles forSender = {};
+  HANDLE ready = nullptr;    // event: a crash from now on is reported
+  HANDLE crashed = nullptr;  // event, set by the thread that crashed
   DWORD threadId = 0;
   SenderProcess sender;
   volatile LONG crashedThread = 0;
@@ -33,13 +37,6 @@ Reporter g_reporter;
   for (;;) TerminateProcess(GetCurrentProcess(), exitCode);
 }
 
-bool IsDumpTaken() {
-  const HANDLE process = g_reporter.sender.StartForReport();
-  if (process == nullptr) return false;
-  const HANDLE either[] = {g_reporter.dumpTaken, process};
-  return WaitForMultipleObjects(2, either, FALSE, kDumpBound) == WAIT_OBJECT_0;
-}
-
 bool HasUndelivered() {
   WIN32_FIND_DATAA data;
   const std::string pattern = std::string(g_reporter.handOver->reportFolder) + "\\pending\\*Z-*";
@@ -49,15 +46,39 @@ bool HasUndelivered() {
   return true;
 }
 
-DWORD WINAPI RunReporter(void*) {
-  // Here, so that a slow disk does not slow down the start of the program.
-  if (g_reporter.handOver->uploadUrl[0] != '\0' && HasUndelivered()) {
-    const HANDLE process = g_reporter.sender.StartForRetry();
-    if (process != nullptr) CloseHandle(process);
+void DeliverUndelivered() {
+  if (g_reporter.handOver->uploadUrl[0] == '\0' || !HasUndelivered()) return;
+  const HANDLE process = g_reporter.sender.StartForRetry();
+  if (process != nullptr) CloseHandle(process);
+}
+
+// Returns at the crash, with the sender that waits for it; null when there is none.
+HANDLE KeepSenderUntilCrash(HANDLE sender) {
+  for (int replacements = 0; sender != nullptr; ++replacements) {
+    const HANDLE either[] = {g_reporter.crashed, sender};
+    if (WaitForMultipleObjects(2, either, FALSE, INFINITE) == WAIT_OBJECT_0) return sender;
+    CloseHandle(sender);
+    sender = replacements < kMaxReplacements ? g_reporter.sender.StartToWait() : nullptr;
   }
   WaitForSingleObject(g_reporter.crashed, INFINITE);
+  return nullptr;
+}
+
+bool IsReportTaken(HANDLE sender) {
+  g_reporter.sender.AllowToComeForward();
+  SetEvent(g_reporter.forSender.crashed);
+  const HANDLE either[] = {g_reporter.forSender.reportTaken, sender};
+  return WaitForMultipleObjects(2, either, FALSE, kReportBound) == WAIT_OBJECT_0;
+}
+
+DWORD WINAPI RunReporter(void*) {
+  HANDLE sender = g_reporter.sender.StartToWait();
+  SetEvent(g_reporter.ready);
+  DeliverUndelivered();
+  sender = KeepSenderUntilCrash(sender);
   const bool wanted = g_reporter.callback == nullptr || g_reporter.callback(nullptr) != 0;
-  EndProcess(wanted && IsDumpTaken() ? CRASH_EXIT_REPORTED : CRASH_EXIT_UNREPORTED);
+  EndProcess(wanted && sender != nullptr && IsReportTaken(sender) ? CRASH_EXIT_REPORTED
+                                                                  : CRASH_EXIT_UNREPORTED);
 }
 
 // The user's folder for data of this computer. Its variable may be missing where a service or a script
@@ -95,7 +116,8 @@ class Resources {
   ~Resources() {
     if (m_bKept) return;
     if (m_view != nullptr) UnmapViewOfFile(m_view);
-    for (HANDLE handle : {m_handles.handOver, m_handles.dumpTaken, m_handles.program, m_crashed}) {
+    for (HANDLE handle : {m_handles.handOver, m_handles.crashed, m_handles.reportTaken, m_handles.program,
+                          m_ready, m_crashed}) {
       if (handle != nullptr) CloseHandle(handle);
     }
   }
@@ -104,19 +126,23 @@ class Resources {
         CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(HandOver), nullptr);
     if (m_handles.handOver == nullptr) return false;
     m_view = MapViewOfFile(m_handles.handOver, FILE_MAP_ALL_ACCESS, 0, 0, 0);
-    m_handles.dumpTaken = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-    m_crashed = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    for (HANDLE* event : {&m_handles.crashed, &m_handles.reportTaken, &m_ready, &m_crashed}) {
+      *event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+      if (*event == nullptr) return false;
+    }
     const BOOL duplicated = DuplicateHandle(GetCurrentProcess(), GetCurrentProcess(), GetCurrentProcess(),
                                             &m_handles.program, 0, FALSE, DUPLICATE_SAME_ACCESS);
-    return m_view != nullptr && m_handles.dumpTaken != nullptr && m_crashed != nullptr && duplicated;
+    return m_view != nullptr && duplicated;
   }
   const SenderHandles& ForSender() const { return m_handles; }
+  HANDLE Ready() const { return m_ready; }
   HANDLE Crashed() const { return m_crashed; }
   HandOver* View() const { return static_cast<HandOver*>(m_view); }
   void Keep() { m_bKept = true; }
 
  private:
   SenderHandles m_handles = {};
+  HANDLE m_ready = nullptr;
   HANDLE m_crashed = nullptr;
   void* m_view = nullptr;
   bool m_bKept = false;
@@ -159,7 +185,8 @@ bool StartCrashReporter(const CrashInstallInfo& info, const std::string& senderP
   }
   g_reporter.handOver = resources.View();
   g_reporter.callback = info.callback;
-  g_reporter.dumpTaken = resources.ForSender().dumpTaken;
+  g_reporter.forSender = resources.ForSender();
+  g_reporter.ready = resources.Ready();
   g_reporter.crashed = resources.Crashed();
   const HANDLE thread = CreateThread(nullptr, kReporterStack, RunReporter, nullptr,
                                      STACK_SIZE_PARAM_IS_A_RESERVATION, &g_reporter.threadId);
@@ -170,6 +197,8 @@ bool StartCrashReporter(const CrashInstallInfo& info, const std::string& senderP
   }
   CloseHandle(thread);
   resources.Keep();
+  // From the first moment on: a crash may come soon, and with the locks that starting takes.
+  WaitForSingleObject(g_reporter.ready, kReadyBound);
   return true;
 }
 

@@ -1,8 +1,10 @@
-// From the moment of a crash to the end of the process: notes what happened where the sender reads it,
-// starts the sender, waits until the dump is taken and ends the process. Win32.
+// Has the sender ready while the program is well. From the moment of a crash to the end of the process:
+// notes what happened where the sender reads it, wakes the sender, waits until the report is taken and
+// ends the process. Win32.
 //
-// A thread of its own does this, because the thread that crashed may have no stack left. It allocates
-// nothing from the heap itself, waits for nothing without a bound and never returns into the program.
+// A thread of its own does the last three, because the thread that crashed may have no stack left, and may
+// hold any lock. So neither of them uses the heap or the loader then; all that is needed was looked up at
+// the installation. Nothing is waited for without a bound, and nothing returns into the program.
 #ifndef MOSAICON_CRASHRPT_CRASH_REPORTER_H_
 #define MOSAICON_CRASHRPT_CRASH_REPORTER_H_
 
@@ -15,7 +17,8 @@
 
 struct CrashInstallInfo;
 
-// Makes everything ready; once in a process. Returns false with the reason, and has then done nothing.
+// Makes everything ready; once in a process. Returns false with the reason, and has then done nothing. A
+// sender that does not start is no such reason: then a crash only ends the program.
 bool StartCrashReporter(const CrashInstallInfo& info, const std::string& senderProgram,
                         const std::string& programName, std::string& error);
 

@@ -76,12 +76,13 @@ int Install(const CrashInstallInfo* info) {
   const HMODULE thisModule = PinThisModule();
   const std::string sender = FindSender(info->senderPath, thisModule);
   if (sender.empty()) return Fail("The program that sends reports, crashsender.exe, is missing.");
+  if (!PrepareCrashHandlers()) {
+    return Fail("The handlers could not be prepared, error " + std::to_string(GetLastError()) + ".");
+  }
   std::string error;
   if (!StartCrashReporter(*info, sender, NameOf(PathOfModule(nullptr)), error)) return Fail(error);
   const uint32_t chosen = info->flags & CRASH_CATCH_ALL;
-  if (!InstallCrashHandlers(chosen != 0 ? chosen : CRASH_CATCH_ALL)) {
-    return Fail("The handlers could not be installed, error " + std::to_string(GetLastError()) + ".");
-  }
+  InstallCrashHandlers(chosen != 0 ? chosen : CRASH_CATCH_ALL);
   return 0;
 }
 

@@ -44,8 +44,9 @@ extern "C" {
 #define CRASH_WAY_SMTP 1
 #define CRASH_WAY_SIMPLE_MAPI 2
 
-// How the program ends after a crash: the report was taken, or there is none (the callback refused it,
-// the sender did not start or did not answer in time, or the handling crashed itself).
+// How the program ends after a crash: there is a complete report, or there is none (the callback refused
+// it, it could not be written, the sender is not there or did not answer in time, or the handling crashed
+// itself).
 #define CRASH_EXIT_REPORTED 201
 #define CRASH_EXIT_UNREPORTED 202
 
@@ -85,8 +86,9 @@ static_assert(sizeof(CrashInstallInfo) == 184, "the layout is fixed");
 #endif
 
 // Installs the handlers for the whole process; signals and the reserve for stack overflows also for
-// every thread that starts later. Call it early, on the main thread. Reports that the user agreed to
-// send and that could not be delivered are tried again meanwhile, in a process without a window.
+// every thread that starts later. Starts the sender, which waits for a crash or the end of the process.
+// Call it early, on the main thread. Reports that the user agreed to send and that could not be delivered
+// are tried again meanwhile, in a process without a window.
 // Returns 0, or 1 when it did nothing: CrashReportGetLastError then tells why.
 int CrashReportInstall(const CrashInstallInfo* info);
 

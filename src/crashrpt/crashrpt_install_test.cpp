@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "crashrpt/crashrpt.h"
 #include "support/open_handles.h"
@@ -42,6 +43,18 @@ TEST(CrashReportInstall, RefusesToWorkWithoutTheSender) {
     EXPECT_EQ(CrashReportInstall(&info), 1) << path;
     EXPECT_EQ(LastError(), "The program that sends reports, crashsender.exe, is missing.");
   }
+}
+
+// The first that comes so far: what was prepared once stays prepared.
+TEST(CrashReportInstall, DoesNothingWhenTheHandlersCannotBePrepared) {
+  std::vector<DWORD> slots;
+  for (DWORD slot = TlsAlloc(); slot != TLS_OUT_OF_INDEXES; slot = TlsAlloc()) slots.push_back(slot);
+  CrashInstallInfo info = Record();
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(CrashReportInstall(&info), 1);
+    EXPECT_TRUE(LastError().starts_with("The handlers could not be prepared, error ")) << LastError();
+  }
+  for (const DWORD slot : slots) TlsFree(slot);
 }
 
 TEST(CrashReportInstall, LeavesNothingBehindWhenItRefuses) {

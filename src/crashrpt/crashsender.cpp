@@ -1,6 +1,7 @@
-// crashsender.exe: writes the report of a program that has crashed, offers to send it, and delivers
-// what could not be delivered before. Started by crashrpt.dll only:
-//   crashsender --report MAPPING EVENT PROCESS   handles that it inherits, as decimal numbers
+// crashsender.exe: waits beside a program for its crash, writes the report and offers to send it; or
+// delivers what could not be delivered before. Ends with a program that ends well. Started by crashrpt.dll
+// only:
+//   crashsender --wait MAPPING CRASHED TAKEN PROCESS   handles that it inherits, as decimal numbers
 //   crashsender --retry MAPPING
 // With the environment variable CRASHREPORT_QUIET set (to anything but 0) no window is shown and the
 // report is kept: for machines that nobody watches. Exit codes: 0 done, 1 the report could not be
@@ -13,8 +14,10 @@
 #include <exception>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "crashrpt/consent_text.h"
+#include "crashrpt/crashrpt.h"
 #include "crashrpt/delivery.h"
 #include "crashrpt/hand_over.h"
 #include "crashrpt/report_name.h"
@@ -30,6 +33,8 @@ constexpr int kNotWritten = 1;
 constexpr int kWrongArguments = 2;
 // After this long a retry gives up until the next start of the program.
 constexpr DWORD kRetryBound = 5 * 60 * 1000;
+// When the user logs off: after all programs, so that a crash while they end is reported as well.
+constexpr DWORD kShutDownLate = 0x100;
 
 UniqueHandle InheritedHandle(const char* number) {
   return UniqueHandle(reinterpret_cast<HANDLE>(std::strtoull(number, nullptr, 10)));
@@ -80,20 +85,30 @@ void Offer(const HandOver& handOver, const ReportStore& store, const WrittenRepo
   OfferToSend(offer);  // when it cannot be shown, the report is simply kept
 }
 
-int Report(const HandOver& handOver, HANDLE process, HANDLE dumpTaken) {
+int Report(const HandOver& handOver, HANDLE reportTaken, HANDLE program) {
   const ReportStore store(handOver.reportFolder);
-  const WrittenReport report = WriteReport(handOver, process, store, [dumpTaken] { SetEvent(dumpTaken); });
+  const WrittenReport report = WriteReport(handOver, program, store);
   const bool quiet = IsQuiet();
   if (report.name.empty()) {
+    TerminateProcess(program, CRASH_EXIT_UNREPORTED);  // it waits for a report
     if (!quiet) {
       MessageBoxA(nullptr, ("The crash report could not be written. " + report.error).c_str(),
                   handOver.applicationName, MB_OK | MB_ICONWARNING | MB_SETFOREGROUND);
     }
     return kNotWritten;
   }
+  SetEvent(reportTaken);
   store.KeepNewest(kKeptReports);
   if (!quiet) Offer(handOver, store, report);
   return kDone;
+}
+
+int WaitAndReport(HANDLE mapping, HANDLE crashed, HANDLE reportTaken, HANDLE program) {
+  SetProcessShutdownParameters(kShutDownLate, 0);
+  const HANDLE either[] = {crashed, program};
+  if (WaitForMultipleObjects(2, either, FALSE, INFINITE) != WAIT_OBJECT_0) return kDone;
+  const View handOver = OpenHandOver(mapping);
+  return handOver != nullptr ? Report(*handOver, reportTaken, program) : kNotWritten;
 }
 
 DWORD WINAPI EndAfterBound(void*) {
@@ -101,24 +116,21 @@ DWORD WINAPI EndAfterBound(void*) {
   ExitProcess(kDone);
 }
 
-int Retry(const HandOver& handOver) {
+int Retry(HANDLE mapping) {
+  const View handOver = OpenHandOver(mapping);
+  if (handOver == nullptr) return kWrongArguments;
   CloseHandle(CreateThread(nullptr, 0, EndAfterBound, nullptr, 0, nullptr));
-  DeliverPending(ReportStore(handOver.reportFolder), handOver.uploadUrl);
+  DeliverPending(ReportStore(handOver->reportFolder), handOver->uploadUrl);
   return kDone;
 }
 
 int Run(int count, char** arguments) {
   const std::string task = count > 1 ? arguments[1] : "";
-  const bool isReport = task == "--report" && count == 5;
-  const bool isRetry = task == "--retry" && count == 3;
-  if (!isReport && !isRetry) return kWrongArguments;
-  const UniqueHandle mapping = InheritedHandle(arguments[2]);
-  const View handOver = OpenHandOver(mapping.get());
-  if (handOver == nullptr) return kWrongArguments;
-  if (isRetry) return Retry(*handOver);
-  const UniqueHandle dumpTaken = InheritedHandle(arguments[3]);
-  const UniqueHandle process = InheritedHandle(arguments[4]);
-  return Report(*handOver, process.get(), dumpTaken.get());
+  std::vector<UniqueHandle> handles;
+  for (int i = 2; i < count; ++i) handles.push_back(InheritedHandle(arguments[i]));
+  if (task == "--retry" && handles.size() == 1) return Retry(handles[0].get());
+  if (task != "--wait" || handles.size() != 4) return kWrongArguments;
+  return WaitAndReport(handles[0].get(), handles[1].get(), handles[2].get(), handles[3].get());
 }
 
 }  // namespace

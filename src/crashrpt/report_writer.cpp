@@ -78,23 +78,20 @@ void AddFile(ReportContents& report, const std::string& folder, const char* name
 
 }  // namespace
 
-WrittenReport WriteReport(const HandOver& handOver, HANDLE process, const ReportStore& store,
-                          const std::function<void()>& onProgramFree) {
+WrittenReport WriteReport(const HandOver& handOver, HANDLE process, const ReportStore& store) {
   ReportContents report = ContentsOf(handOver);
   WrittenReport result;
   const std::string name = ReportName(handOver.crash.fileTime, report.guid);
   if (!store.Begin(name)) {
-    onProgramFree();
     result.error = "The folder " + store.Folder() + " cannot be written to.";
     return result;
   }
   const std::string folder = store.UnfinishedPath(name);
   AddFile(report, folder, kReportDump, WriteDump(handOver, process, folder + "\\" + kReportDump));
   if (handOver.withPicture != 0) {
-    // While the windows of the program are still there.
+    // The program waits: its windows are still there.
     AddFile(report, folder, kReportPicture, WriteDesktopPicture(folder + "\\" + kReportPicture));
   }
-  onProgramFree();
   if (!ReplaceFileBytes(folder + "\\" + kReportXml, ReportXml(report)) || !store.Complete(name)) {
     result.error = "The report in " + folder + " could not be completed.";
     return result;

@@ -4,7 +4,6 @@
 
 #include <windows.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -17,9 +16,8 @@ struct WrittenReport {
   std::string error;               // why there is none
 };
 
-// process: the crashed one, with the right to read its memory. onProgramFree is called once, as soon as
-// the program is not needed any more. A report without a dump or a picture is still a report.
-WrittenReport WriteReport(const HandOver& handOver, HANDLE process, const ReportStore& store,
-                          const std::function<void()>& onProgramFree);
+// process: the crashed one, with the right to read its memory. A report without a dump or a picture is
+// still a report.
+WrittenReport WriteReport(const HandOver& handOver, HANDLE process, const ReportStore& store);
 
 #endif  // MOSAICON_CRASHRPT_REPORT_WRITER_H_

@@ -10,14 +10,12 @@ auto Number(HANDLE handle) {
   return reinterpret_cast<uintptr_t>(handle);
 }
 
-// Otherwise its window would open behind those of other programs. A program that has no windows does not
-// load user32.dll for this: it has nothing to give away.
-void AllowToComeForward(DWORD processId) {
+// Null in a program that has no windows: it has nothing to give away, and user32.dll is not loaded for this.
+decltype(&AllowSetForegroundWindow) FindAllowSetForegroundWindow() {
   const HMODULE user32 = GetModuleHandleA("user32.dll");
-  if (user32 == nullptr) return;
-  const auto allow = reinterpret_cast<decltype(&AllowSetForegroundWindow)>(
+  if (user32 == nullptr) return nullptr;
+  return reinterpret_cast<decltype(&AllowSetForegroundWindow)>(
       reinterpret_cast<void*>(GetProcAddress(user32, "AllowSetForegroundWindow")));
-  if (allow != nullptr) allow(processId);
 }
 
 }  // namespace
@@ -30,13 +28,16 @@ bool SenderProcess::Prepare(const std::string& program, const SenderHandles& han
   std::memcpy(m_program, program.c_str(), program.size() + 1);
   std::memcpy(m_folder, m_program, program.rfind('\\') + 1);
   m_handles[0] = handles.handOver;
-  m_handles[1] = handles.dumpTaken;
-  m_handles[2] = handles.program;
-  std::snprintf(m_reportCommand, sizeof m_reportCommand,
-                "\"%s\" --report %" PRIuPTR " %" PRIuPTR " %" PRIuPTR, m_program, Number(handles.handOver),
-                Number(handles.dumpTaken), Number(handles.program));
+  m_handles[1] = handles.crashed;
+  m_handles[2] = handles.reportTaken;
+  m_handles[3] = handles.program;
+  std::snprintf(m_waitCommand, sizeof m_waitCommand,
+                "\"%s\" --wait %" PRIuPTR " %" PRIuPTR " %" PRIuPTR " %" PRIuPTR, m_program,
+                Number(handles.handOver), Number(handles.crashed), Number(handles.reportTaken),
+                Number(handles.program));
   std::snprintf(m_retryCommand, sizeof m_retryCommand, "\"%s\" --retry %" PRIuPTR, m_program,
                 Number(handles.handOver));
+  m_allowForeground = FindAllowSetForegroundWindow();
   if (PrepareAttributes()) return true;
   error = "The start of the sender could not be prepared, error " + std::to_string(GetLastError()) + ".";
   return false;
@@ -52,20 +53,38 @@ bool SenderProcess::PrepareAttributes() {
                                    nullptr, nullptr);
 }
 
-HANDLE SenderProcess::Start(char* commandLine) {
+HANDLE SenderProcess::StartToWait() {
+  const PROCESS_INFORMATION started = Start(m_waitCommand);
+  m_waitingId = started.dwProcessId;
+  // Here for its side effect: the first call of a thread into user32.dll needs the heap and the loader,
+  // the next one does not.
+  AllowToComeForward();
+  return started.hProcess;
+}
+
+HANDLE SenderProcess::StartForRetry() {
+  return Start(m_retryCommand).hProcess;
+}
+
+void SenderProcess::AllowToComeForward() const {
+  if (m_allowForeground != nullptr) m_allowForeground(m_waitingId);
+}
+
+PROCESS_INFORMATION SenderProcess::Start(char* commandLine) {
   STARTUPINFOEXA startup = {};
   startup.StartupInfo.cb = sizeof startup;
   startup.lpAttributeList = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(m_attributes);
   PROCESS_INFORMATION started = {};
   // Inheritable only now: the tools that the program starts must not get them.
   SetInheritable(true);
-  const BOOL ok = CreateProcessA(m_program, commandLine, nullptr, nullptr, TRUE, EXTENDED_STARTUPINFO_PRESENT,
-                                 nullptr, m_folder, &startup.StartupInfo, &started);
+  // Detached: it must not keep the console of the program, nor what its output is redirected to.
+  const BOOL ok = CreateProcessA(m_program, commandLine, nullptr, nullptr, TRUE,
+                                 EXTENDED_STARTUPINFO_PRESENT | DETACHED_PROCESS, nullptr, m_folder,
+                                 &startup.StartupInfo, &started);
   SetInheritable(false);
-  if (!ok) return nullptr;
-  AllowToComeForward(started.dwProcessId);
+  if (!ok) return {};
   CloseHandle(started.hThread);
-  return started.hProcess;
+  return started;
 }
 
 void SenderProcess::SetInheritable(bool inheritable) {

@@ -1,5 +1,5 @@
-// Starts the sender from the program that may have crashed: everything is made ready while the program
-// is well, and Start allocates as little as Windows lets it. Win32.
+// Starts the sender from the program that may crash, while the program is well: once it runs, nothing of
+// the program is needed but its events. Win32.
 #ifndef MOSAICON_CRASHRPT_SENDER_PROCESS_H_
 #define MOSAICON_CRASHRPT_SENDER_PROCESS_H_
 
@@ -9,9 +9,10 @@
 
 // What the sender gets, and nothing else that the program has open.
 struct SenderHandles {
-  HANDLE handOver;   // file mapping with a HandOver
-  HANDLE dumpTaken;  // event, set by the sender
-  HANDLE program;    // this process
+  HANDLE handOver;     // file mapping with a HandOver
+  HANDLE crashed;      // event, set by the program
+  HANDLE reportTaken;  // event, set by the sender
+  HANDLE program;      // this process
 };
 
 class SenderProcess {
@@ -24,24 +25,29 @@ class SenderProcess {
   // Once, before the others. The handles must stay open. Returns false with the reason.
   bool Prepare(const std::string& program, const SenderHandles& handles, std::string& error);
 
-  // Starts it for the report of this process, or to deliver what was left over. Returns the process,
-  // for the caller to close, or null. One thread at a time.
-  HANDLE StartForReport() { return Start(m_reportCommand); }
-  HANDLE StartForRetry() { return Start(m_retryCommand); }
+  // Starts one that waits for the crash or the end of this process, or one that delivers what was left
+  // over. Returns the process, for the caller to close, or null. One thread, always the same.
+  HANDLE StartToWait();
+  HANDLE StartForRetry();
+
+  // Otherwise the window of the one that waits would open behind those of other programs. On that thread.
+  void AllowToComeForward() const;
 
  private:
   static constexpr size_t kMaxCommandLine = 1400;
-  static constexpr size_t kHandles = 3;
+  static constexpr size_t kHandles = 4;
 
   bool PrepareAttributes();
-  HANDLE Start(char* commandLine);
+  PROCESS_INFORMATION Start(char* commandLine);
   void SetInheritable(bool inheritable);
 
   char m_program[MAX_PATH] = "";
   char m_folder[MAX_PATH] = "";
-  char m_reportCommand[kMaxCommandLine] = "";
+  char m_waitCommand[kMaxCommandLine] = "";
   char m_retryCommand[kMaxCommandLine] = "";
   HANDLE m_handles[kHandles] = {};
+  DWORD m_waitingId = 0;
+  decltype(&AllowSetForegroundWindow) m_allowForeground = nullptr;
   alignas(16) unsigned char m_attributes[512] = {};
 };
 

@@ -157,6 +157,9 @@ int Crash(const std::string& how) {
   if (how == "throw-in-thread") std::thread(ThrowToNobody).join();
   if (how == "divide") DivideByZero();
   if (how == "raise-exception") RaiseOwnException();
+  if (how == "holding-heap") CrashHoldingHeap();
+  if (how == "holding-loader") CrashHoldingLoader();
+  if (how == "damaged-heap") ReportDamagedHeap();
   if (how == "signal-in-thread") std::thread([] { CrashBy(11); }).join();
   if (how.find_first_not_of("0123456789") == std::string::npos) CrashBy(std::atoi(how.c_str()));
   return kNoCrash;

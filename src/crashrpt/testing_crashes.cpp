@@ -63,6 +63,10 @@ __attribute__((noinline)) int Recurse(int depth) {
   return Recurse(depth + 1) + frame[0];
 }
 
+LONG WINAPI EndAtOnce(EXCEPTION_POINTERS*) {
+  return EXCEPTION_EXECUTE_HANDLER;
+}
+
 }  // namespace
 
 void CrashBy(int number) {
@@ -118,4 +122,24 @@ void DivideByZero() {
 
 void RaiseOwnException() {
   RaiseException(0xC0000005, 0, 0, nullptr);
+}
+
+void CrashHoldingHeap() {
+  HeapLock(GetProcessHeap());
+  WriteNowhere();
+}
+
+void CrashHoldingLoader() {
+  using Function = LONG(WINAPI*)(ULONG, ULONG*, ULONG_PTR*);
+  const auto lock = reinterpret_cast<Function>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("ntdll.dll"), "LdrLockLoaderLock")));
+  ULONG_PTR cookie = 0;
+  lock(0, nullptr, &cookie);
+  WriteNowhere();
+}
+
+void ReportDamagedHeap() {
+  SetUnhandledExceptionFilter(EndAtOnce);
+  HeapLock(GetProcessHeap());
+  RaiseException(0xC0000374, EXCEPTION_NONCONTINUABLE, 0, nullptr);
 }

@@ -11,5 +11,10 @@ void ThrowToNobody();
 void DivideByZero();
 // An exception of somebody's own, which no instruction repeats.
 void RaiseOwnException();
+// Crashes with a lock that everything needs that allocates memory, or loads a DLL or looks into one.
+void CrashHoldingHeap();
+void CrashHoldingLoader();
+// As Windows does when it finds the heap damaged: with its lock, and without asking the process's filter.
+void ReportDamagedHeap();
 
 #endif  // MOSAICON_CRASHRPT_TESTING_CRASHES_H_
