@@ -50,6 +50,11 @@ LONG WINAPI OnUnhandledException(EXCEPTION_POINTERS* exception) {
 
 // The two pointers stay valid until the exception is dealt with; what points to them does not.
 LONG WINAPI OnAnyException(EXCEPTION_POINTERS* exception) {
+  // Windows catches this one itself and ends the process.
+  if (exception->ExceptionRecord->ExceptionCode == kHeapCorruptionCode &&
+      IsOn(CrashKind::kStructuredException)) {
+    ReportCrash(CrashKind::kStructuredException, exception);
+  }
   TlsSetValue(g_lastRecord, exception->ExceptionRecord);
   TlsSetValue(g_lastContext, exception->ContextRecord);
   return EXCEPTION_CONTINUE_SEARCH;

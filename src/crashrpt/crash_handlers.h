@@ -1,7 +1,8 @@
 // Catches the thirteen kinds of crash and hands each to ReportCrash. Win32, GCC and its C++ library.
 //
 // How each kind is caught:
-//   structured exception   the process's filter for unhandled exceptions
+//   structured exception   the process's filter for unhandled exceptions; heap corruption that Windows
+//                          finds, for which no filter is asked, by a vectored handler
 //   terminate, unexpected, new operator   std::set_..., in the shared C++ library of the whole program
 //   pure virtual call      a terminate call that comes from the C++ library's stand-in for such functions
 //   buffer overrun         exception 0xC0000409, which stack_guard.cpp raises (Windows' own fast fail

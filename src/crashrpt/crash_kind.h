@@ -21,6 +21,8 @@ enum class CrashKind : uint32_t {
 };
 inline constexpr uint32_t kCrashKinds = 13;
 
+// What Windows raises when it finds the heap damaged (STATUS_HEAP_CORRUPTION).
+inline constexpr uint32_t kHeapCorruptionCode = 0xC0000374;
 // Exception codes that stand for a kind of their own (STATUS_STACK_BUFFER_OVERRUN,
 // STATUS_INVALID_CRUNTIME_PARAMETER).
 inline constexpr uint32_t kBufferOverrunCode = 0xC0000409;

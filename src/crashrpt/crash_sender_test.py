@@ -80,6 +80,9 @@ class Locks(CrashTest):
     def test_lock_of_the_loader(self):
         self.check("holding-loader", 0xC0000005)
 
+    def test_heap_corruption_that_the_system_finds(self):
+        self.check("damaged-heap", 0xC0000374)
+
 
 if __name__ == "__main__":
     unittest.main()
