@@ -125,12 +125,25 @@ class Contents(CrashTest):
                              else chr(byte) for byte in allowed)
         self.assertEqual(report.properties, [("image", "second"), ("a<\"&'>", ""), ("bytes", every_byte)])
 
-    def test_report_without_a_dump_tells_that_it_is_missing(self):
-        # Windows refuses such a type; Wine takes it for what it knows of it.
-        no_dumps = windows_path(self.reports / "none.dll")
-        report, _ = self.crash("7", "--debug-help=" + no_dumps)
+    def test_dll_for_dumps_that_is_not_there(self):
+        report, _ = self.crash("7", "--debug-help=" + windows_path(self.reports / "none.dll"))
         self.assertEqual(report.listed, ["crashdump.dmp"], "the system's own DLL stands in")
         report.dump()
+
+    def test_report_without_a_dump_tells_that_it_is_missing(self):
+        """A DLL that is there, but writes no dumps."""
+        report, _ = self.crash("7", "--debug-help=version.dll")
+        self.assertEqual((report.listed, report.missing),
+                         ([], {"crashdump.dmp": "There is no DLL that writes dumps."}))
+        self.assertEqual(sorted(report.files), ["report.xml"])
+
+    @unittest.skipUnless(UNDER_WINE, "Windows always has a screen")
+    def test_report_without_a_picture_tells_that_it_is_missing(self):
+        self.environment.pop("DISPLAY", None)
+        report, _ = self.crash("7", "--picture")
+        self.assertEqual(report.listed, ["crashdump.dmp"])
+        self.assertEqual(report.missing, {"desktop.png": "The screen could not be copied."})
+        self.assertEqual(sorted(report.files), ["crashdump.dmp", "report.xml"])
 
     def test_other_types_of_dump_hold_more(self):
         small, _ = self.crash("7")
