@@ -10,14 +10,6 @@ auto Number(HANDLE handle) {
   return reinterpret_cast<uintptr_t>(handle);
 }
 
-// Null in a program that has no windows: it has nothing to give away, and user32.dll is not loaded for this.
-decltype(&AllowSetForegroundWindow) FindAllowSetForegroundWindow() {
-  const HMODULE user32 = GetModuleHandleA("user32.dll");
-  if (user32 == nullptr) return nullptr;
-  return reinterpret_cast<decltype(&AllowSetForegroundWindow)>(
-      reinterpret_cast<void*>(GetProcAddress(user32, "AllowSetForegroundWindow")));
-}
-
 }  // namespace
 
 bool SenderProcess::Prepare(const std::string& program, const SenderHandles& handles, std::string& error) {
@@ -37,7 +29,6 @@ bool SenderProcess::Prepare(const std::string& program, const SenderHandles& han
                 Number(handles.program));
   std::snprintf(m_retryCommand, sizeof m_retryCommand, "\"%s\" --retry %" PRIuPTR, m_program,
                 Number(handles.handOver));
-  m_allowForeground = FindAllowSetForegroundWindow();
   if (PrepareAttributes()) return true;
   error = "The start of the sender could not be prepared, error " + std::to_string(GetLastError()) + ".";
   return false;
@@ -67,7 +58,7 @@ HANDLE SenderProcess::StartForRetry() {
 }
 
 void SenderProcess::AllowToComeForward() const {
-  if (m_allowForeground != nullptr) m_allowForeground(m_waitingId);
+  AllowSetForegroundWindow(m_waitingId);
 }
 
 PROCESS_INFORMATION SenderProcess::Start(char* commandLine) {

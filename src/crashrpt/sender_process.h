@@ -47,7 +47,6 @@ class SenderProcess {
   char m_retryCommand[kMaxCommandLine] = "";
   HANDLE m_handles[kHandles] = {};
   DWORD m_waitingId = 0;
-  decltype(&AllowSetForegroundWindow) m_allowForeground = nullptr;
   alignas(16) unsigned char m_attributes[512] = {};
 };
 
