@@ -61,12 +61,12 @@ bool Has(const WrittenReport& report, const char* file) {
 }
 
 // Returns what came of it, as sentences for the user.
-std::string Send(const HandOver& handOver, const ReportStore& store, const std::string& name,
-                 bool withPicture) {
-  const std::string error = DeliverAgreed(store, name, withPicture, handOver.uploadUrl);
+std::string Send(const std::string& application, const ReportStore& store, const std::string& name,
+                 bool withPicture, const std::string& url) {
+  const std::string error = DeliverAgreed(store, name, withPicture, url);
   if (error.empty()) return "The report was sent. Thank you.";
   if (!PathExists(store.PendingPath(name))) return error + " The report is kept.";
-  return error + " The report is kept, and sending it is tried again when " + handOver.applicationName +
+  return error + " The report is kept, and sending it is tried again when " + application +
          " starts the next time.";
 }
 
@@ -77,9 +77,11 @@ void Offer(const HandOver& handOver, const ReportStore& store, const WrittenRepo
   offer.contents = DescribeContents(GetProperties(handOver.properties), Has(report, kReportDump));
   offer.hasPicture = Has(report, kReportPicture);
   offer.privacyPolicyUrl = handOver.privacyPolicyUrl;
-  if (handOver.uploadUrl[0] != '\0') {
-    offer.send = [&handOver, store, name = report.name](bool withPicture) {
-      return Send(handOver, store, name, withPicture);
+  const std::string url = handOver.uploadUrl;
+  if (!url.empty()) {
+    // With copies: it may outlive this function.
+    offer.send = [application = offer.applicationName, store, name = report.name, url](bool withPicture) {
+      return Send(application, store, name, withPicture, url);
     };
   }
   OfferToSend(offer);  // when it cannot be shown, the report is simply kept
