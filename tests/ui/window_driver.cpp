@@ -132,18 +132,22 @@ bool Window::WaitUntilEnabled(DWORD patience) const {
 Program::Program(const std::string& path, const std::string& arguments)
     : Program(AsItIs(), "\"" + path + "\"" + (arguments.empty() ? "" : " " + arguments)) {}
 
-std::unique_ptr<Program> Program::FromCommandLine(const std::string& commandLine) {
-  return std::unique_ptr<Program>(new Program(AsItIs(), commandLine));
+std::unique_ptr<Program> Program::FromCommandLine(const std::string& commandLine, HANDLE output) {
+  return std::unique_ptr<Program>(new Program(AsItIs(), commandLine, output));
 }
 
-Program::Program(AsItIs, std::string commandLine) {
+Program::Program(AsItIs, std::string commandLine, HANDLE output) {
   // Otherwise the system tells the places of windows in pixels of other sizes.
   SetProcessDPIAware();
   STARTUPINFOA startup = {};
   startup.cb = sizeof startup;
+  if (output != nullptr) {
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdOutput = output;
+  }
   // It may write into the command line.
-  if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                      &m_process)) {
+  if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, output != nullptr, 0, nullptr, nullptr,
+                      &startup, &m_process)) {
     m_process = {};
   }
 }

@@ -79,8 +79,8 @@ class Program {
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
 
-  // Starts whatever commandLine says.
-  static std::unique_ptr<Program> FromCommandLine(const std::string& commandLine);
+  // Starts whatever commandLine says; with an inheritable handle as its standard output.
+  static std::unique_ptr<Program> FromCommandLine(const std::string& commandLine, HANDLE output = nullptr);
 
   bool IsStarted() const { return m_process.hProcess != nullptr; }
   bool IsRunning() const;
@@ -97,7 +97,7 @@ class Program {
 
  private:
   struct AsItIs {};
-  Program(AsItIs, std::string commandLine);
+  Program(AsItIs, std::string commandLine, HANDLE output = nullptr);
 
   PROCESS_INFORMATION m_process = {};
 };
