@@ -105,6 +105,47 @@ TEST_F(About, IsOpenedWhileAJobRuns) {
   EXPECT_TRUE(TakeReport());
 }
 
+TEST_F(About, GivesCredit) {
+  const Window about = OpenAbout();
+  ASSERT_TRUE(about);
+  std::vector<std::string> texts;
+  for (const Window& child : about.Children()) texts.push_back(child.Text());
+  // In the order of the tab key, without the icon.
+  texts.erase(texts.begin());
+  EXPECT_EQ(texts, (std::vector<std::string>{"Mosaicon ver. " + FileVersionOf(StageProgram()),
+                                             "Orthophotos as tile pyramids for Google Earth and web maps",
+                                             "Kovel Software", "Web site", "Contact", "Credits",
+                                             "Mosaicon is based on", "Gdal2Tiles", "open source project",
+                                             "&Change User Data", "OK"}));
+  Close(about, IDOK);
+}
+
+// What opens web pages and letters in this prefix writes down instead what it was to open.
+TEST_F(About, LinksToTheMakerAndToGdal2Tiles) {
+  const std::string opened = Path("opened.txt");
+  const std::string command = "C:\\windows\\system32\\cmd.exe /c echo %1>>" + opened;
+  for (const char* scheme : {"https", "mailto"}) {
+    const std::string key = std::string(scheme) + "\\shell\\open\\command";
+    ASSERT_EQ(RegSetKeyValueA(HKEY_CLASSES_ROOT, key.c_str(), nullptr, REG_SZ, command.c_str(),
+                              static_cast<DWORD>(command.size() + 1)),
+              ERROR_SUCCESS);
+  }
+  const Window about = OpenAbout();
+  ASSERT_TRUE(about);
+  std::string expected;
+  const std::pair<int, const char*> links[] = {
+      {IDC_MAKER_WEB, "https://www.kovel-software.example"},
+      {IDC_MAKER_EMAIL, "mailto:info@kovel-software.example"},
+      {IDC_GDAL2TILES_PAGE, "https://gdal.org/programs/gdal2tiles.html"},
+  };
+  for (const auto& [link, address] : links) {
+    about.Item(link).Click();
+    expected += std::string(address) + "\r\n";
+    EXPECT_TRUE(WaitUntil([&] { return FileExists(opened) && ReadFile(opened) == expected; })) << address;
+  }
+  Close(about, IDOK);
+}
+
 class UserDataForm : public Dialogs {
  protected:
   Window Open() {
@@ -170,6 +211,15 @@ TEST_F(UserDataForm, IsStoredByOk) {
   Close(form, IDOK);
   CloseAbout();
   EXPECT_EQ(StoredUserData(), (Values{"Grace", "Hopper", "grace@example.org", "Navy", "1"}));
+}
+
+TEST_F(UserDataForm, StoresWhatIsNotRequiredAlone) {
+  const Window form = Open();
+  form.Item(IDC_USER_COMPANY).SetText("Engine & Co");
+  form.Item(IDC_USER_TELEPHONE).SetText("+44 1");
+  Close(form, IDOK);
+  CloseAbout();
+  EXPECT_EQ(StoredUserData(), (Values{"Ada", "Byron", "ada@example.org", "Engine & Co", "+44 1"}));
 }
 
 class FirstStart : public Dialogs {
