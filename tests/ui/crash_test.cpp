@@ -1,5 +1,6 @@
 // The real program crashes in every way that a thread from outside can provoke, and the report of each
 // crash is read back.
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -32,7 +33,7 @@ std::vector<std::string> CompleteReports() {
   return names;
 }
 
-class Crash : public MosaiconTest, public testing::WithParamInterface<int> {
+class Crash : public MosaiconTest {
  protected:
   // No window asks about the reports, which stay where they are.
   static void SetUpTestSuite() { SetEnvironmentVariableA("CRASHREPORT_QUIET", "1"); }
@@ -41,26 +42,32 @@ class Crash : public MosaiconTest, public testing::WithParamInterface<int> {
     SetEnvironmentVariableA("CRASHREPORT_QUIET", nullptr);
   }
 
-  // The folder of the report that is new since before.
-  std::string WaitForReport(size_t before) {
-    if (!WaitUntil([before] { return CompleteReports().size() > before; }, kReportPatience)) return "";
-    return ReportsFolder() + "\\" + CompleteReports().back();
+  // Makes the program crash, and returns the folder of its report.
+  std::string CrashBy(int kind, DWORD& thread) {
+    const std::vector<std::string> before = CompleteReports();
+    const ProvokedCrash crash = ProvokeCrash(Running().Process(), kind);
+    EXPECT_NE(crash.threadId, 0U) << crash.error;
+    thread = crash.threadId;
+    if (!Running().WaitForEnd(kReportPatience)) return "";
+    EXPECT_EQ(Running().ExitCode(), static_cast<DWORD>(CRASH_EXIT_REPORTED));
+    // The end of the program says that the report is complete.
+    for (const std::string& name : CompleteReports()) {
+      if (std::find(before.begin(), before.end(), name) == before.end()) return ReportsFolder() + "\\" + name;
+    }
+    return "";
   }
 };
+
+class CrashOfEveryKind : public Crash, public testing::WithParamInterface<int> {};
 
 void ExpectLine(const std::string& xml, const std::string& line) {
   EXPECT_NE(xml.find("  " + line + "\n"), std::string::npos) << line << " is not in\n" << xml;
 }
 
-TEST_P(Crash, IsReportedWithAllThatIsKnown) {
-  const size_t before = CompleteReports().size();
+TEST_P(CrashOfEveryKind, IsReportedWithAllThatIsKnown) {
   ASSERT_TRUE(Restart());
-  const ProvokedCrash crash = ProvokeCrash(Running().Process(), GetParam());
-  ASSERT_NE(crash.threadId, 0U) << crash.error;
-  ASSERT_TRUE(Running().WaitForEnd(kReportPatience));
-  EXPECT_EQ(Running().ExitCode(), static_cast<DWORD>(CRASH_EXIT_REPORTED));
-
-  const std::string folder = WaitForReport(before);
+  DWORD thread = 0;
+  const std::string folder = CrashBy(GetParam(), thread);
   ASSERT_FALSE(folder.empty());
   const std::string xml = ReadFile(folder + "\\report.xml");
   ExpectLine(xml, "<application>Mosaicon</application>");
@@ -68,7 +75,7 @@ TEST_P(Crash, IsReportedWithAllThatIsKnown) {
   ExpectLine(xml, "<email>support@kovel-software.example</email>");
   ExpectLine(xml, "<subject>Mosaicon (ver. 1.0.0) Error report</subject>");
   EXPECT_NE(xml.find("<crash type=\"" + std::to_string(GetParam()) + "\" "), std::string::npos) << xml;
-  EXPECT_NE(xml.find(" thread=\"" + std::to_string(crash.threadId) + "\"/>"), std::string::npos) << xml;
+  EXPECT_NE(xml.find(" thread=\"" + std::to_string(thread) + "\"/>"), std::string::npos) << xml;
   ExpectLine(xml, "<property name=\"User Data - Name\" value=\"Ada\"/>");
   ExpectLine(xml, "<property name=\"User Data - Surname\" value=\"Byron\"/>");
   ExpectLine(xml, "<property name=\"User Data - email\" value=\"ada@example.org\"/>");
@@ -86,6 +93,38 @@ TEST_P(Crash, IsReportedWithAllThatIsKnown) {
   EXPECT_EQ(ReadFile(folder + "\\desktop.png").substr(1, 3), "PNG");
 }
 
-INSTANTIATE_TEST_SUITE_P(OfEveryKind, Crash, testing::Range(0, kKinds));
+INSTANTIATE_TEST_SUITE_P(Kinds, CrashOfEveryKind, testing::Range(0, kKinds));
+
+TEST_F(Crash, IsReportedWithTheDataThatTheUserHasGivenMeanwhile) {
+  ASSERT_TRUE(Restart());
+  Item(IDC_ABOUT).Click();
+  const Window about = Running().WaitFor("About Mosaicon");
+  about.Item(IDC_CHANGE_USER_DATA).Click();
+  const Window form = Running().WaitFor("User Data");
+  ASSERT_TRUE(form);
+  form.Item(IDC_USER_EMAIL).SetText("new@example.org");
+  form.Item(IDC_USER_TELEPHONE).SetText("+44 1");
+  form.Item(IDOK).Click();
+  ASSERT_TRUE(form.WaitUntilGone());
+  about.Item(IDOK).Click();
+  ASSERT_TRUE(about.WaitUntilGone());
+  DWORD thread = 0;
+  const std::string folder = CrashBy(0, thread);
+  ASSERT_FALSE(folder.empty());
+  const std::string xml = ReadFile(folder + "\\report.xml");
+  ExpectLine(xml, "<property name=\"User Data - Name\" value=\"Ada\"/>");
+  ExpectLine(xml, "<property name=\"User Data - email\" value=\"new@example.org\"/>");
+  ExpectLine(xml, "<property name=\"User Data - telephone\" value=\"+44 1\"/>");
+}
+
+TEST_F(Crash, EndsTheToolsOfAJob) {
+  ASSERT_TRUE(Restart());
+  FillIn({.orthophoto = MakeLargeOrthophoto(), .target = Path("out")});
+  PressStart();
+  ASSERT_TRUE(WaitUntilTiling());
+  DWORD thread = 0;
+  EXPECT_FALSE(CrashBy(0, thread).empty());
+  EXPECT_TRUE(WaitUntil([] { return RunningTools().empty(); }));
+}
 
 }  // namespace
