@@ -6,6 +6,7 @@
 #include "net/ftp_client.h"
 #include "net/ftp_client_rules.h"
 #include "net/ftp_pasv.h"
+#include "net/timeout_clock.h"
 
 namespace {
 
@@ -59,8 +60,8 @@ int CUT_FTPClient::AcceptData(long seconds) {
 // Anybody can come to an open port, and would get the file or choose what we receive. Whoever does not
 // come from the server's address is sent away, and the server waited for as long as before.
 bool CUT_FTPClient::AcceptServer(long seconds) {
-  const ULONGLONG start = GetTickCount64();
-  for (long left = seconds; left > 0; left = seconds - static_cast<long>((GetTickCount64() - start) / 1000)) {
+  const ULONGLONG start = TimeoutClock();
+  for (long left = seconds; left > 0; left = seconds - static_cast<long>((TimeoutClock() - start) / 1000)) {
     if (m_data.WaitForAccept(left) != 0 || m_data.AcceptConnection() != kNetSuccess) return false;
     if (m_data.RemoteIp() == RemoteIp()) return true;
     m_data.CloseAccepted();
