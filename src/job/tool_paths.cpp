@@ -1,8 +1,14 @@
 #include "job/tool_paths.h"
 
-#include "job/bounded_text.h"
 #include "kvtools/split_path.h"
 #include "maker.h"
+
+namespace {
+
+// Characters of an environment variable with its terminator, by the system's rules.
+constexpr size_t kMaxVariable = 32767;
+
+}  // namespace
 
 ToolPaths MakeToolPaths(const std::string& programPath) {
   const PathParts program = SplitPath(programPath);
@@ -39,8 +45,8 @@ bool SetToolEnvironment(const ToolPaths& tools, ProcessEnvironment& environment,
   std::string path = environment.Get("PATH").value_or("");
   if (path.find(tools.folder) == std::string::npos) {
     // A search path cut in the middle would break more than this program.
-    const auto longer = FormatBounded(kMaxPathText, "%s;%s", path.c_str(), tools.folder.c_str());
-    if (longer) path = *longer;
+    const std::string longer = path + ";" + tools.folder;
+    if (longer.size() < kMaxVariable) path = longer;
   }
   if (environment.Set("GDAL_PATH", tools.folder) && environment.Set("PATH", path) &&
       environment.Set("GDAL_DATA", tools.folder + "\\gdal-data") &&

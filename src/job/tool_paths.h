@@ -25,7 +25,7 @@ bool CheckTools(const ToolPaths& tools, JobFiles& files, MessageSink& messages);
 
 // Sets GDAL_PATH, PATH, GDAL_DATA and GDAL_DRIVER_PATH, in this order. On the first failure shows a
 // message and returns false; what is set stays set. A PATH that holds the tool folder already, or
-// that would grow beyond its buffer, keeps its value.
+// that would grow beyond what the system allows, keeps its value.
 bool SetToolEnvironment(const ToolPaths& tools, ProcessEnvironment& environment, MessageSink& messages);
 
 #endif  // MOSAICON_JOB_TOOL_PATHS_H_

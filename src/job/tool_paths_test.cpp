@@ -71,15 +71,14 @@ TEST_F(Tools, CountAsInThePathWhenPartOfALongerName) {
 
 TEST_F(Tools, LeaveAPathAloneThatWouldNotFit) {
   const size_t added = 1 + std::string(kFolder).size();
-  m_environment.values["PATH"] = std::string(4095 - added, 'p');
-  ASSERT_TRUE(SetToolEnvironment(m_tools, m_environment, m_host));
-  EXPECT_EQ(m_environment.values["PATH"].size(), 4095U);
-
-  for (const size_t length : {4096 - added, size_t{4096}, size_t{20000}}) {
+  for (const size_t length : {size_t{4096}, size_t{20000}, 32766 - added}) {
     m_environment.values["PATH"] = std::string(length, 'p');
     ASSERT_TRUE(SetToolEnvironment(m_tools, m_environment, m_host));
-    EXPECT_EQ(m_environment.values["PATH"], std::string(length, 'p'));
+    EXPECT_EQ(m_environment.values["PATH"], std::string(length, 'p') + ";" + kFolder);
   }
+  m_environment.values["PATH"] = std::string(32767 - added, 'p');
+  ASSERT_TRUE(SetToolEnvironment(m_tools, m_environment, m_host));
+  EXPECT_EQ(m_environment.values["PATH"], std::string(32767 - added, 'p'));
 }
 
 TEST_F(Tools, WorkWithoutAnyPath) {

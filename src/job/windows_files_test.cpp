@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include "job/tool_paths.h"
+#include "support/fakes.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -139,6 +141,21 @@ TEST(Environment, IsThatOfTheProcess) {
   EXPECT_TRUE(environment.Set("MOSAICON_TEST_VARIABLE", longText));
   EXPECT_EQ(environment.Get("MOSAICON_TEST_VARIABLE"), longText);
   EXPECT_FALSE(environment.Set("", "x"));
+}
+
+TEST(Environment, TakesTheToolFolderOnceIntoALongPath) {
+  WindowsEnvironment environment;
+  const std::string before = environment.Get("PATH").value_or("");
+  const std::string longPath = before + ";C:\\" + std::string(20000, 'x');
+  ASSERT_TRUE(environment.Set("PATH", longPath));
+  Events events;
+  FakeHost host(events);
+  const ToolPaths tools = MakeToolPaths("C:\\App\\Mosaicon.exe");
+  for (int job = 0; job < 2; ++job) {
+    EXPECT_TRUE(SetToolEnvironment(tools, environment, host));
+    EXPECT_EQ(environment.Get("PATH"), longPath + ";C:\\App\\gdal2tiles");
+  }
+  environment.Set("PATH", before);
 }
 
 TEST(ProgramPath, NamesThisProgram) {
