@@ -11,6 +11,8 @@ import time
 import tty
 import unittest
 
+from osgeo import gdal
+
 from batch_support import PATIENCE, BatchTest, Run, snapshot, start_wine, windows_path
 from rasters import NATIONAL_GRID, make_raster
 from results import Job, ResultChecks
@@ -87,6 +89,37 @@ class Option(OverwriteTest):
             run = self.batch("--target", f"out {number}", moved)
             self.assertEqual((run.code, run.errors), (0, []), run)
             self.assert_position(self.folder / f"out_{number}", moved)
+
+    def test_yes_never_means_an_orthophoto(self):
+        """The orthophoto lies in the target folder, under the name of its own picture."""
+        harbour = self.folder / "harbour.jpg"
+        gdal.Translate(str(harbour), str(self.first), format="JPEG")
+        before = snapshot(self.folder)
+        run = self.batch("--target", self.folder, "--title", "harbour", "--overwrite", "yes", harbour)
+        self.assertEqual((run.code, run.errors), (0, []), run)
+        after = snapshot(self.folder)
+        self.assertEqual({name: after.get(name) for name in before}, before)
+        self.assert_picture(self.folder, "harbour2", harbour)
+
+    def test_is_never_done_to_virtual_rasters_of_the_user(self):
+        grid = make_raster(self.folder / "grid.tif", NATIONAL_GRID)
+        mine = self.folder / "grid.vrt"
+        gdal.BuildVRT(str(mine), [str(grid), str(self.first)]).FlushCache()
+        kept = mine.read_bytes()
+        for target in ("first", "second"):
+            run = self.batch("--target", target, grid)
+            self.assertEqual((run.code, run.errors), (0, []), run)
+            self.assertEqual(mine.read_bytes(), kept)
+            self.assert_position(self.folder / target, grid)
+            self.assertEqual({path.name for path in self.folder.glob("*.vrt")},
+                             {"grid.vrt", "grid2.vrt", "grid22.vrt"})
+
+    def test_is_done_to_the_virtual_rasters_of_an_earlier_job(self):
+        grid = make_raster(self.folder / "gr\u00fcn & co.tif", NATIONAL_GRID)
+        for target in ("first", "second"):
+            self.assertEqual(self.batch("--target", target, grid).code, 0)
+            self.assertEqual({path.name for path in self.folder.glob("*.vrt")},
+                             {"gr\u00fcn & co.vrt", "gr\u00fcn & co2.vrt"})
 
     def test_yes_keeps_what_is_not_overwritten(self):
         self.fill(1)
