@@ -121,6 +121,18 @@ TEST_F(Closing, ByTheFrameIsTheSame) {
   ExpectEnd();
 }
 
+// It takes up to five seconds, in which nothing seems to happen.
+TEST_F(Closing, AgainAndAgainIsTheSame) {
+  StartLargeJob();
+  const Window main = Main();
+  const Window about = Item(IDC_ABOUT);
+  main.Post(WM_CLOSE);
+  main.Post(WM_CLOSE);
+  about.Click();
+  main.Post(WM_SYSCOMMAND, SC_CLOSE);
+  ExpectEnd();
+}
+
 TEST_F(Closing, WaitsForTheAnswerToAQuestion) {
   StartLargeJob();
   Item(IDC_CANCEL_JOB).Click();

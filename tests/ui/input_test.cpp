@@ -218,6 +218,14 @@ TEST_F(Dropping, SeveralFilesAreTakenAsAFolder) {
   EXPECT_EQ(AnswerOfStart(), kNoTarget);
 }
 
+TEST_F(Dropping, WhatCannotBeLookedAtIsNoFolder) {
+  FillIn({.folderMode = true});
+  const std::string strange = Path("?????.tif");
+  Drop({strange});
+  EXPECT_EQ(NextMessage(), kBadFile);
+  EXPECT_TRUE(Shows(strange, false));
+}
+
 TEST_F(Dropping, WhatCannotBeUsedIsTold) {
   FillIn({});
   Drop({MakeBadFile()});

@@ -93,6 +93,10 @@ TEST_P(SlowTool, EndsWithTheWindow) {
   PressStart();
   ASSERT_TRUE(WaitUntil([this] { return FileExists(Path("calls")); }));
   EXPECT_EQ(RunningTools(), std::vector<std::string>{GetParam()});
+  // Only the script can be aborted.
+  Item(IDC_CANCEL_JOB).Click();
+  EXPECT_TRUE(IsSilent());
+  EXPECT_TRUE(IsWorking());
   Main().Post(WM_CLOSE);
   EXPECT_TRUE(Running().WaitForEnd(kClosePatience));
   EXPECT_EQ(Running().ExitCode(), 0U);

@@ -119,6 +119,8 @@ TEST_F(Validation, IsShownAgainAtTheNextStart) {
   EXPECT_FALSE(Item(IDC_TARGET_URL).IsEnabled());
   EXPECT_FALSE(Item(IDC_WEB_OUTPUT).IsChecked());
   EXPECT_EQ(Item(IDC_GOOGLE_KEY).Text(), "key");
+  // Black at every start, whatever is stored.
+  EXPECT_EQ(Item(IDC_TRANSPARENCY).Text(), "Transparency color: Black (0, 0, 0)");
   EXPECT_EQ(Item(IDC_RESAMPLING).Text(), "bilinear");
   EXPECT_EQ(Item(IDC_MAP_TITLE).Text(), "Harbour");
   EXPECT_EQ(Item(IDC_TARGET_FOLDER).Text(), "c:\\maps");
