@@ -85,6 +85,23 @@ class WhileATool(AbortTest):
                    ["Process 1/2 -  -"])
 
 
+class WhatWasBeingWritten(AbortTest):
+    """The script that Wine lends removes its own; one that is killed cannot."""
+
+    def test_is_removed(self):
+        self.replace_tool(self.stage, "python.exe")
+        started = self.start_job(make_raster(self.folder / "own.tif"))
+        self.await_that(self.calls, "the call of python.exe")
+        column = self.target / "12" / "7"
+        column.mkdir(parents=True)
+        for name in ("9.png", "9.kml.~mos", "10.png.~mos"):
+            (column / name).touch()
+        (self.target / "tilemapresource.xml.~mos").touch()
+        self.assert_aborted(self.interrupt(started), ["Process 1/1 -  -"])
+        self.assertEqual(os.listdir(column), ["9.png"])
+        self.assertEqual(list(self.target.rglob("*.~mos")), [])
+
+
 class WhileTiles(AbortTest):
     def interrupt_at_work(self, processes):
         large = make_raster(self.folder / "large.tif", pixels=noise(3000, 3000), pixel_size=0.5)
@@ -111,6 +128,7 @@ class WhileTiles(AbortTest):
     def assert_whole_files(self):
         """What is there is whole, and not all of it is there."""
         self.assertFalse(list(self.target.rglob("*.~mos")))
+        self.assertFalse(list(self.target.glob("tile_0/*.kml")), "links to tiles that are missing")
         tiles = list(self.target.rglob("*.png"))
         self.assertTrue(tiles)
         for tile in tiles:

@@ -42,6 +42,11 @@ def windows_path(path):
     return "Z:" + str(path).replace("/", "\\")
 
 
+def unix_path(path):
+    """Of what windows_path has made."""
+    return pathlib.Path(path.removeprefix("Z:").replace("\\", "/"))
+
+
 def start_wine():
     """For a whole module: a fresh copy of the Wine prefix, so that other users of it are neither seen
     nor disturbed, and one Wine process that lives as long as the module. Without it each run starts

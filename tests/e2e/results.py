@@ -14,7 +14,7 @@ from xml.etree import ElementTree
 import numpy
 from osgeo import gdal
 
-from batch_support import PATIENCE, windows_path
+from batch_support import PATIENCE, unix_path, windows_path
 from rasters import OWN_ZONE, TARGET_ZONES, corners_in_degrees, read_pixels
 
 KML = "{http://www.opengis.net/kml/2.2}"
@@ -76,6 +76,11 @@ class ResultChecks(unittest.TestCase):
             self.assertRegex(run.errors[-1], r"^mosaicon-batch: details are in C:\\.*\\" +
                              logs[0].name.replace(".", r"\.") + "$")
         self.assertEqual(run.errors[:len(run.errors) - len(logs)], [*before, *lines], run)
+        for path, _ in failures:
+            self.assertNotIn(f"- {windows_path(path)}: OK", run.output)
+        for line in run.output:
+            if line.startswith("Result: "):
+                self.assertTrue(unix_path(line.removeprefix("Result: ")).is_dir(), line)
 
     def assert_links_resolve(self, folder):
         """The local KML and those of the tiles lead to files that exist."""
