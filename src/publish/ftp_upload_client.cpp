@@ -13,6 +13,8 @@ constexpr ULONGLONG kGoodbyeMilliseconds = 1000;
 }  // namespace
 
 CFtpUploadClient::CFtpUploadClient(PublishHost& host) : m_host(host) {
+  // Servers behind address translation name an address that nobody else can reach.
+  SetPassiveToControlAddress(true);
   SetWaitListener(this);
 }
 

@@ -51,6 +51,16 @@ TEST_F(UploadClient, GivesASilentServerLessTimeWhenItLeaves) {
   EXPECT_EQ(m_server->Finish(), "");
 }
 
+// As behind address translation.
+TEST_F(UploadClient, ListsAServerThatNamesAnAddressOfItsOwnNetwork) {
+  m_client.SetPassive(true);
+  LogInTo({AnswerPasv("127.0.0.1", "10.255.255.1"), Expect("LIST"), AcceptData(), Say("150"), CloseData(),
+           Say("226"), Expect("Quit"), ExpectEnd()});
+  EXPECT_EQ(m_client.List(), kNetSuccess);
+  m_client.FTPClose();
+  EXPECT_EQ(m_server->Finish(), "");
+}
+
 // As on a slow line, where the way back from deep folders takes a second for each.
 TEST_F(UploadClient, WaitsAfterOneAbortForEveryAnswerAnew) {
   ScriptedServer::Script script;
