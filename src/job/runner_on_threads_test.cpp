@@ -5,6 +5,7 @@
 
 #include <random>
 #include <set>
+#include <thread>
 
 #include "job/tool_items.h"
 #include "job/windows_tool_runner.h"
@@ -63,6 +64,32 @@ int32_t RunForStatus(std::atomic<Item*>& global, Arguments... arguments) {
   while (global != nullptr) KVT_PumpMessages();
   queue.Destroy();
   return status;
+}
+
+// What the handlers of a window do when they run in the middle of a run.
+void AbortTheScript() {
+  AbortItem(g_pTilesJob);
+  while (g_pTilesJob != nullptr) {
+    threads::DispatchSent();
+    Sleep(100);
+  }
+  DestroyWorkQueue();
+}
+
+template <class Item>
+void AbortAndWait(std::atomic<Item*>& global) {
+  AbortItem(global);
+  while (global != nullptr) {
+    threads::DispatchSent();
+    Sleep(100);
+  }
+}
+
+void CloseTheWindow() {
+  AbortAndWait(g_pTilesJob);
+  AbortAndWait(g_pTranslateJob);
+  AbortAndWait(g_pWarpJob);
+  DestroyWorkQueue();
 }
 
 TEST_F(RunnerOnThreads, GivesTheInterpreterItsEndsOfThePipesAndNoWindow) {
@@ -223,45 +250,73 @@ TEST_F(RunnerOnThreads, HasAQueueThatMayBeDestroyedBeforeItIsCreated) {
   EXPECT_EQ(threads::OpenHandles(), 0);
 }
 
-// A pointer that was read from a global must stay good while it is used.
-TEST_F(RunnerOnThreads, CanBeAbortedWhileTheItemEnds) {
+TEST_F(RunnerOnThreads, TakesItemsWhileOthersAreInserted) {
+  class Item : public CWorkItemBase {
+   public:
+    explicit Item(std::vector<int>& done, int number) : m_done(done), m_number(number) {}
+    void DoWork(void*) override {
+      m_done.push_back(m_number);
+      delete this;
+    }
+    void Abort() override { DoWork(nullptr); }
+
+   private:
+    std::vector<int>& m_done;  // of the queue's thread, until it has ended
+    const int m_number;
+  };
+  std::vector<int> done;
+  std::vector<int> all;
   CWorkQueue queue;
   ASSERT_TRUE(queue.Create());
-  for (int i = 0; i < 2000; ++i) {
-    threads::FailAt("CreateProcessA", 1);
-    auto* item = new CGDALWarpThread(kTool, " x");
-    g_pWarpJob = item;
-    queue.InsertWorkItem(item);
-    while (g_pWarpJob != nullptr) AbortItem(g_pWarpJob);
+  for (int i = 0; i < 5000; ++i) {
+    EXPECT_TRUE(queue.InsertWorkItem(new Item(done, i)));
+    all.push_back(i);
   }
+  queue.Destroy();
+  EXPECT_EQ(done, all) << "worked or aborted, in order";
+}
+
+TEST_F(RunnerOnThreads, BeginsNothingThatWasAbortedInTheQueue) {
+  CWorkQueue queue;
+  ASSERT_TRUE(queue.Create());
+  auto* item = new CGDALWarpThread(kTool, " x");
+  g_pWarpJob = item;
+  AbortItem(g_pWarpJob);
+  ASSERT_TRUE(queue.InsertWorkItem(item));
+  while (g_pWarpJob != nullptr) KVT_PumpMessages();
   queue.Destroy();
   EXPECT_TRUE(threads::Starts().empty());
 }
 
-// What the handlers of a window do when they run in the middle of a run.
-void AbortTheScript() {
-  AbortItem(g_pTilesJob);
-  while (g_pTilesJob != nullptr) {
-    threads::DispatchSent();
-    Sleep(100);
-  }
-  DestroyWorkQueue();
-}
-
-template <class Item>
-void AbortAndWait(std::atomic<Item*>& global) {
-  AbortItem(global);
-  while (global != nullptr) {
-    threads::DispatchSent();
-    Sleep(100);
+TEST_F(RunnerOnThreads, KillsAnyToolWhenTheWindowCloses) {
+  for (const auto run : {&WindowsToolRunner::RunTranslator, &WindowsToolRunner::RunWarper}) {
+    threads::Reset();
+    threads::SetProgram([](Program& program) { program.Wait(kForEver); });
+    threads::SetOnPump([] {
+      if (!threads::Starts().empty()) CloseTheWindow();
+    });
+    (m_runner.*run)(kTool, " x");
+    EXPECT_EQ(threads::ExitCodes(), std::vector<UINT>{kKilled});
   }
 }
 
-void CloseTheWindow() {
-  AbortAndWait(g_pTilesJob);
-  AbortAndWait(g_pTranslateJob);
-  AbortAndWait(g_pWarpJob);
-  DestroyWorkQueue();
+// A pointer that was read from a global must stay good while it is used.
+TEST_F(RunnerOnThreads, CanBeAbortedWhileTheItemEnds) {
+  CWorkQueue queue;
+  ASSERT_TRUE(queue.Create());
+  for (int i = 0; i < 1000; ++i) {
+    threads::FailAt("CreateProcessA", 1);
+    auto* item = new CGDALWarpThread(kTool, " x");
+    g_pWarpJob = item;
+    queue.InsertWorkItem(item);
+    // Without pause, but for the other thread's sake on a busy machine.
+    for (int aborts = 1; g_pWarpJob != nullptr; ++aborts) {
+      AbortItem(g_pWarpJob);
+      if (aborts % 100 == 0) std::this_thread::yield();
+    }
+  }
+  queue.Destroy();
+  EXPECT_TRUE(threads::Starts().empty());
 }
 
 TEST_F(RunnerOnThreads, BearsAnyHandlerAtAnyMoment) {

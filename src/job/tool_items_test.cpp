@@ -198,15 +198,4 @@ TEST_F(ToolItems, EndAtOnceWithoutTheirTool) {
   EXPECT_LT(Wait(g_pWarpJob), 3000U);
 }
 
-TEST_F(ToolItems, CanBeAbortedAtAnyMoment) {
-  // A pointer read from a global must stay good while it is used.
-  for (int i = 0; i < 200; ++i) {
-    auto* item = new CGDALWarpThread(m_folder.Path("none.exe"), " x");
-    g_pWarpJob = item;
-    m_queue.InsertWorkItem(item);
-    while (g_pWarpJob != nullptr) AbortItem(g_pWarpJob);
-  }
-  AbortItem(g_pWarpJob);
-}
-
 }  // namespace

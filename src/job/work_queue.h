@@ -17,7 +17,7 @@ class CWorkQueue {
   CWorkQueue() = default;
   CWorkQueue(const CWorkQueue&) = delete;
   CWorkQueue& operator=(const CWorkQueue&) = delete;
-  // Cleans nothing up: Destroy does.
+  // Ends no thread and closes no handle: Destroy does, and comes first.
   virtual ~CWorkQueue() = default;
 
   // Starts the thread. On failure everything is released again and the result is false.

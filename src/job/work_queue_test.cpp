@@ -82,12 +82,6 @@ TEST_F(WorkQueue, EndsWithoutEverHavingWorked) {
   EXPECT_TRUE(g_events.empty());
 }
 
-TEST(WorkQueueLifetime, DoesNothingWhenDestroyedWithoutBeingCreated) {
-  CWorkQueue queue;
-  queue.Destroy();
-  queue.Destroy();
-}
-
 TEST(WorkQueueLifetime, LeavesNoHandleOpen) {
   const auto cycle = [] {
     CWorkQueue queue;

@@ -339,7 +339,11 @@ void Sleep(DWORD milliseconds) {
     const Lock lock(TheWorld().mutex);
     TheWorld().interfaceSleeps.push_back(milliseconds);
   }
-  std::this_thread::sleep_for(milliseconds * threads::kMillisecond);
+  if (milliseconds == 0) {
+    std::this_thread::yield();
+  } else {
+    std::this_thread::sleep_for(milliseconds * threads::kMillisecond);
+  }
 }
 
 uintptr_t _beginthreadex(void*, unsigned, unsigned (*procedure)(void*), void* argument, unsigned, unsigned*) {
