@@ -92,14 +92,16 @@ class Option(OverwriteTest):
 
     def test_yes_never_means_an_orthophoto(self):
         """The orthophoto lies in the target folder, under the name of its own picture."""
-        harbour = self.folder / "harbour.jpg"
+        folder = self.folder / "harbours"
+        folder.mkdir()
+        harbour = folder / "harbour.jpg"
         gdal.Translate(str(harbour), str(self.first), format="JPEG")
-        before = snapshot(self.folder)
-        run = self.batch("--target", self.folder, "--title", "harbour", "--overwrite", "yes", harbour)
+        before = snapshot(folder)
+        run = self.batch("--target", folder, "--title", "harbour", "--overwrite", "yes", harbour)
         self.assertEqual((run.code, run.errors), (0, []), run)
-        after = snapshot(self.folder)
+        after = snapshot(folder)
         self.assertEqual({name: after.get(name) for name in before}, before)
-        self.assert_picture(self.folder, "harbour2", harbour)
+        self.assert_picture(folder, "harbour2", harbour)
 
     def test_is_never_done_to_virtual_rasters_of_the_user(self):
         grid = make_raster(self.folder / "grid.tif", NATIONAL_GRID)
