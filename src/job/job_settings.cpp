@@ -73,7 +73,7 @@ bool CheckTargetFolder(JobSettings& settings, JobFiles& files, JobForm& form) {
   // Twice: the system drops a space at the end, and "." may stand for a name that has some.
   const std::string named = ReplaceSpacesInName(KVT_OptimizePath(typed, 0));
   const std::string folder = ReplaceSpacesInName(files.FullPath(named));
-  // A root can be written in longer ways, such as "c:\\\\" and "c:\\.".
+  // A root can be written in longer ways, such as "c:\\" and "c:\.".
   if (std::min(typed.size(), folder.size()) <= kRootFolderLength) {
     return Refuse(form, "Root folders (e.g. c:\\) are not allowed! ");
   }
