@@ -117,6 +117,7 @@ class QueuedWishes : public DialogTest, public testing::WithParamInterface<std::
 
   std::atomic<bool> m_bWished = false;
   std::string m_strEnd;
+  bool m_bAskedToAbort = false;
   std::vector<std::string> m_vAlone;  // what was shown when the window was gone
 
  private:
@@ -133,7 +134,7 @@ class QueuedWishes : public DialogTest, public testing::WithParamInterface<std::
   void BeTheUser();
   void Look();
   void LookAtMain();
-  void LookAtBox(HWND box);
+  void LookAtBox(HWND box, bool isAlone);
   void LookAtTools();
   void Once(bool& done, const std::function<void()>& act) {
     if (!std::exchange(done, true)) act();
@@ -216,17 +217,16 @@ void QueuedWishes::Look() {
   const bool isGone = m_hMain != nullptr && !IsWindow(m_hMain);
   std::vector<HWND> dialogs;
   EnumThreadWindows(m_uiThread, AddDialog, reinterpret_cast<LPARAM>(&dialogs));
+  LookAtTools();
   for (const HWND dialog : dialogs) {
-    const std::string text = TextOf(dialog);
-    if (text.starts_with("Kovel Software - Mosaicon\n")) {
-      m_hMain = dialog;
+    // The window's thread, which may be busy, answers for its texts: it is asked as little as possible.
+    if (m_hMain == nullptr) m_hMain = dialog;
+    if (dialog == m_hMain) {
       LookAtMain();
     } else {
-      if (isGone) m_vAlone.push_back(text);
-      LookAtBox(dialog);
+      LookAtBox(dialog, isGone);
     }
   }
-  LookAtTools();
 }
 
 void QueuedWishes::LookAtMain() {
@@ -240,12 +240,14 @@ void QueuedWishes::LookAtMain() {
   }
 }
 
-void QueuedWishes::LookAtBox(HWND box) {
+void QueuedWishes::LookAtBox(HWND box, bool isAlone) {
   const std::string text = TextOf(box);
+  if (isAlone) m_vAlone.push_back(text);
   for (const Box& known : kBoxes) {
     if (text.find(known.textOrTitle) == std::string::npos) continue;
     if (known.moment == At()) MakeWishes();
     if (known.endsJob) m_strEnd = text;
+    if (known.moment == Moment::kAbortQuestion) m_bAskedToAbort = true;
     // Behind the wishes, in the same queue.
     PostMessageA(box, WM_COMMAND, static_cast<WPARAM>(known.answer), 0);
     m_bJobOver = m_bJobOver || known.endsJob;
@@ -282,6 +284,10 @@ TEST_P(QueuedWishes, OpenNothingAndLeaveNothing) {
   EXPECT_TRUE(m_bWished) << "the moment did not come; the job ended with: " << m_strEnd;
   EXPECT_EQ(m_opener.opened, std::vector<std::string>());
   EXPECT_EQ(m_vAlone, std::vector<std::string>());
+  // Only the script can be aborted.
+  if (At() == Moment::kTranslating || At() == Moment::kWarping) {
+    EXPECT_FALSE(m_bAskedToAbort);
+  }
   EXPECT_EQ(g_pTilesJob.load(), nullptr);
   EXPECT_EQ(g_pTranslateJob.load(), nullptr);
   EXPECT_EQ(g_pWarpJob.load(), nullptr);

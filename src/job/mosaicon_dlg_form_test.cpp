@@ -7,11 +7,10 @@
 
 #include <algorithm>
 
-#include "job/dialog_fixture.h"
+#include "job/form_fixture.h"
 #include "job/shell_calls.h"
-#include "kvtools/kvtools.h"
 #include "maker.h"
-#include "mfc/ui_driver.h"
+#include "mfc/dpi.h"
 #include "resources/resource.h"
 
 namespace {
@@ -80,15 +79,6 @@ constexpr const char* kTexts[] = {"Orthophoto:",
                                   "Resampling mode:",
                                   "Google Maps Preview"};
 
-// Without the marks of access keys.
-std::string TextOf(HWND window) {
-  char buffer[512] = "";
-  GetWindowTextA(window, buffer, sizeof buffer);
-  std::string text = buffer;
-  text.erase(std::remove(text.begin(), text.end(), '&'), text.end());
-  return text;
-}
-
 std::string ClassOf(HWND window) {
   char name[64] = "";
   GetClassNameA(window, name, sizeof name);
@@ -127,51 +117,12 @@ BOOL CALLBACK SearchTips(HWND window, LPARAM parameter) {
   return TRUE;
 }
 
-class Form : public DialogTest {
+class Form : public FormTest {
  protected:
   void SetUp() override {
-    ASSERT_NO_FATAL_FAILURE(ExpectScreen());
-    ASSERT_NO_FATAL_FAILURE(DialogTest::SetUp());
+    ASSERT_NO_FATAL_FAILURE(FormTest::SetUp());
     TakeShellCalls();
   }
-
-  // Opens the dialog for what the steps do to it, and closes it.
-  void Work(std::initializer_list<UiDriver::Step> steps, const std::string& inputList = "") {
-    CMosaiconDlg dialog(inputList, ProgramPath(), m_opener);
-    m_pDialog = &dialog;
-    std::vector<UiDriver::Step> all(steps);
-    all.emplace_back([this] { return PostMessageA(Main(), WM_CLOSE, 0, 0) != FALSE; });
-    size_t next = 0;
-    UiDriver driver({[&] {
-      if (all[next]()) ++next;
-      return next == all.size();
-    }});
-    dialog.DoModal();
-  }
-  HWND Main() const { return m_pDialog->GetSafeHwnd(); }
-  HWND Item(int id) const { return GetDlgItem(Main(), id); }
-  std::string Text(int id) const { return TextOf(Item(id)); }
-  void Press(int id) const { SendMessageA(Item(id), BM_CLICK, 0, 0); }
-  UiDriver::Step Posting(int id) const {
-    return [this, id] { return PostCommand(Main(), id); };
-  }
-  // Waits for a message box that says this, and closes it.
-  UiDriver::Step ReadingBox(const char* text) const {
-    return [this, text] {
-      const HWND box = FindDialogInFrontOf(Main());
-      return box != nullptr && MessageBoxSays(box, text) && PostCommand(box, IDOK);
-    };
-  }
-  UiDriver::Step WaitingUntilFree() const {
-    return [this] { return FindDialogInFrontOf(Main()) == nullptr && IsWindowEnabled(Main()); };
-  }
-  static std::string Stored(const char* key) {
-    char value[64] = "";
-    KVT_GetUserProfileString("Input", key, "(none)", value, sizeof value);
-    return value;
-  }
-
-  CMosaiconDlg* m_pDialog = nullptr;
 };
 
 TEST_F(Form, HasItsControlsWithTheirTexts) {
@@ -317,88 +268,6 @@ TEST_F(Form, ScansWhatItIsToldToHaveBeenBrowsed) {
           return true;
         },
         Posting(IDC_START), ReadingBox("Select the target folder"), WaitingUntilFree()});
-}
-
-class Input : public Form {
- protected:
-  void SetUp() override {
-    ASSERT_NO_FATAL_FAILURE(Form::SetUp());
-    ASSERT_GT(GetCurrentDirectoryA(sizeof m_before, m_before), 0U);
-    ASSERT_TRUE(SetCurrentDirectoryA(m_folder.Path().c_str()));
-  }
-  void TearDown() override {
-    SetCurrentDirectoryA(m_before);
-    Form::TearDown();
-  }
-
-  UiDriver::Step Typing(int id, const std::string& text) const {
-    return [this, id, text] { return SetDlgItemTextA(Main(), id, text.c_str()) != FALSE; };
-  }
-  UiDriver::Step Expecting(int id, const std::string& text) const {
-    return [this, id, text] {
-      EXPECT_EQ(Text(id), text);
-      return true;
-    };
-  }
-
-  char m_before[MAX_PATH] = "";
-};
-
-TEST_F(Input, IsMadeAbsoluteByStart) {
-  const std::string orthophoto = MakeOrthophoto("a.tif");
-  const std::string quoted = "\"" + orthophoto + "\"";
-  for (const std::string& typed : {std::string("a.tif"), std::string(".\\none\\..\\a.tif"), quoted}) {
-    Work({Typing(IDC_ORTHOPHOTO, typed), Posting(IDC_START), ReadingBox("Select the target folder"),
-          WaitingUntilFree(), Expecting(IDC_ORTHOPHOTO, orthophoto)});
-  }
-}
-
-TEST_F(Input, OfTheCommandLineIsMadeAbsolute) {
-  const std::string a = MakeOrthophoto("a.tif");
-  MakeOrthophoto("b.tif");
-  Work({Expecting(IDC_ORTHOPHOTO, a), Posting(IDC_START), ReadingBox("Select the target folder"),
-        WaitingUntilFree()},
-       "a.tif");
-  Work({Expecting(IDC_ORTHOPHOTO, m_folder.Path() + "\\"), Posting(IDC_START),
-        ReadingBox("Select the target folder"), WaitingUntilFree()},
-       "a.tif|b.tif");
-}
-
-// Its text is shown, without a message; Start tells that it cannot be used.
-TEST_F(Input, OfTheCommandLineThatCannotBeReadIsShown) {
-  Work({Expecting(IDC_ORTHOPHOTO, m_folder.Path("none.tif")), Posting(IDC_START),
-        ReadingBox("Select the input orthophoto path"), WaitingUntilFree()},
-       "none.tif");
-}
-
-TEST_F(Input, IsLookedAtAgainByStart) {
-  Work({Posting(IDC_START), ReadingBox("Select the input orthophoto path"), WaitingUntilFree(),
-        [this] {
-          MakeOrthophoto("late.tif");
-          return true;
-        },
-        Posting(IDC_START), ReadingBox("Select the target folder"), WaitingUntilFree()},
-       "late.tif");
-  Work({Posting(IDC_START), ReadingBox("Select the input orthophoto path"), WaitingUntilFree(),
-        [this] {
-          MakeOrthophoto("later.tif");
-          return true;
-        },
-        Posting(IDC_START), ReadingBox("Select the target folder"), WaitingUntilFree()},
-       "none.tif|later.tif");
-}
-
-TEST_F(Input, TargetFolderIsMadeAbsoluteByStart) {
-  const std::string orthophoto = MakeOrthophoto("a.tif");
-  const auto report = [this] {
-    const HWND dialog = FindDialogInFrontOf(Main());
-    return dialog != nullptr && TextOf(dialog) == "Process Completed" && PostCommand(dialog, IDOK);
-  };
-  Work({Typing(IDC_TARGET_FOLDER, "my maps"), Posting(IDC_START), report, WaitingUntilFree(),
-        Expecting(IDC_TARGET_FOLDER, m_folder.Path("my_maps"))},
-       orthophoto);
-  EXPECT_TRUE(FileExists(m_folder.Path("my_maps")));
-  EXPECT_EQ(Stored("TargetFolder"), m_folder.Path("my_maps").substr(0, 63));
 }
 
 }  // namespace

@@ -52,15 +52,12 @@ LRESULT CMosaiconDlg::WindowProcWhenClosed(UINT message, WPARAM wParam, LPARAM l
 // What was posted before the controls were locked, or before a window opened in front of this one, arrives
 // nevertheless.
 bool CMosaiconDlg::IsInTurn(UINT message, WPARAM wParam) const {
-  if (m_bJobRunning) {
-    if (message == WM_COMMAND && IsLockedControl(LOWORD(wParam))) return false;
-    if (message == WM_DROPFILES || message == g_nOrthoPathMessage || message == kScanTypedPathMessage) {
-      return false;
-    }
-  }
-  if (IsWindowEnabled(m_hWnd)) return true;
-  return !IsClick(message, wParam) && message != WM_DROPFILES &&
-         !(message == WM_SYSCOMMAND && wParam == IDM_ABOUTBOX);
+  const bool isBehind = !IsWindowEnabled(m_hWnd);
+  if (message == WM_DROPFILES || message == kScanTypedPathMessage) return !m_bJobRunning && !isBehind;
+  if (m_bJobRunning && message == g_nOrthoPathMessage) return false;
+  if (m_bJobRunning && message == WM_COMMAND && IsLockedControl(LOWORD(wParam))) return false;
+  const bool isAboutEntry = message == WM_SYSCOMMAND && wParam == IDM_ABOUTBOX;
+  return !isBehind || (!isAboutEntry && !IsClick(message, wParam));
 }
 
 void CMosaiconDlg::LockControls(bool locked) {

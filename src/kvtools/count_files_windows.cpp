@@ -5,11 +5,6 @@
 
 namespace {
 
-bool IsFolder(const std::string& path) {
-  const DWORD attributes = GetFileAttributesA(path.c_str());
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-}
-
 // The path ends in a backslash. False when the count was ended.
 bool CountInFolder(const std::string& path, bool withSubfolders, const std::function<bool()>& onFolder,
                    int& count) {
