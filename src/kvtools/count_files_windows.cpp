@@ -1,5 +1,3 @@
-#include <windows.h>
-
 #include "kvtools/found_files.h"
 #include "kvtools/kvtools.h"
 
