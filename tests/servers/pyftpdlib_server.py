@@ -35,9 +35,11 @@ class DosListing(LimitedFiles):
 
     def format_list(self, basedir, listing, ignore_err=True):
         for name in listing:
-            status = self.stat(os.path.join(basedir, name))
+            path = os.path.join(basedir, name)
+            # A link that leads nowhere is there, too.
+            status = self.stat(path) if os.path.exists(path) else self.lstat(path)
             date = time.strftime("%m-%d-%y  %I:%M%p", time.localtime(status.st_mtime))
-            is_folder = self.isdir(os.path.join(basedir, name))
+            is_folder = self.isdir(path)
             size = f"{'<DIR>':<20}" if is_folder else f"{status.st_size:>20}"
             yield f"{date} {size} {name}\r\n".encode("utf-8", self.cmd_channel.unicode_errors)
 

@@ -159,7 +159,6 @@ TEST_F(Server, LosesALinkButNotWhatItPointsTo) {
   ASSERT_TRUE(MakeLink("../" + RemoteName("kept"), RemoteName() + "/link"));
   ASSERT_TRUE(MakeLink("../../" + RemoteName("kept"), RemoteName() + "/sub/link"));
   ASSERT_TRUE(MakeLink("../" + RemoteName("kept") + "/file", RemoteName() + "/file_link"));
-  ASSERT_TRUE(MakeLink("nothing", RemoteName() + "/dead_link"));
   for (const char* link : {"\\link\\file", "\\sub\\link\\file", "\\file_link"}) {
     ASSERT_TRUE(PathExists(Remote(RemoteName() + link))) << link;
   }
@@ -167,6 +166,14 @@ TEST_F(Server, LosesALinkButNotWhatItPointsTo) {
   ASSERT_TRUE(Connect(ServerLogin()));
   RemoveAndCheck();
   EXPECT_EQ(ReadTree(Remote(RemoteName("kept"))), (Tree{{"file", "kept"}}));
+}
+
+TEST_F(Server, LosesALinkThatLeadsNowhere) {
+  WriteFileIn(Remote(RemoteName() + "\\file"), "removed");
+  ASSERT_TRUE(MakeLink("nothing", RemoteName() + "/dead_link"));
+  ASSERT_TRUE(OpenUpload(Path()));
+  ASSERT_TRUE(Connect(ServerLogin()));
+  RemoveAndCheck();
 }
 
 TEST_F(Server, IsNotOverwritten) {
