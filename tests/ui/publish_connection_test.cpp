@@ -117,7 +117,7 @@ TEST_F(Connection, IsLeftInTheMiddleOfAListing) {
   FtpItem(IDC_FTP_REFRESH).Click();
   ASSERT_TRUE(IsAtGate());
   FtpItem(IDC_FTP_DISCONNECT).Click();
-  EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }));
+  EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }, kSoon));
   WaitForTurn();
   EXPECT_FALSE(FindMessageBox(Running()));
   Go();
@@ -128,7 +128,7 @@ TEST_F(Connection, IsLeftWhileItIsKeptAlive) {
   PostTimer();
   ASSERT_TRUE(IsAtGate());
   FtpItem(IDC_FTP_DISCONNECT).Click();
-  EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }));
+  EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }, kSoon));
   WaitForTurn();
   EXPECT_FALSE(FindMessageBox(Running()));
   Go();
@@ -173,7 +173,7 @@ TEST_F(Connection, TellsThatItIsLostWhenItIsWanted) {
 TEST_F(Connection, IsLeftWithoutAWordWhenItIsLost) {
   ASSERT_TRUE(ConnectAndLose());
   FtpItem(IDC_FTP_DISCONNECT).Click();
-  EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }));
+  EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }, kSoon));
   WaitForTurn();
   EXPECT_FALSE(FindMessageBox(Running()));
 }

@@ -15,7 +15,7 @@ using Strings = std::vector<std::string>;
 
 inline constexpr UINT_PTR kKeepAliveTimer = 100;
 inline constexpr DWORD kPromptly = 2000;  // ms
-inline constexpr DWORD kSoon = 15000;     // ms; a reply is waited for twice as long
+inline constexpr DWORD kSoon = 15000;     // ms; the timer, the gate and replies take longer
 
 inline Script LoggingIn(const std::string& type = "I") {
   return {Say("220 ready"),  Expect("USER ann"), Say("331 whose?"), Expect("PASS secret"),
