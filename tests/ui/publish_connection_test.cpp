@@ -89,6 +89,20 @@ TEST_F(Connection, ShowsWhereItStandsWhenTheFolderExists) {
   EXPECT_TRUE(LooksConnected());
 }
 
+// Behind an address translation a server may name an address that is not reached from here.
+TEST_F(Connection, TransfersToTheServerWhateverAddressItNames) {
+  ASSERT_TRUE(OpenUpload(""));
+  const Script listing = {AnswerPasv("127.0.0.1", "127.0.0.2"),
+                          Expect("LIST"),
+                          AcceptData(),
+                          Say("150"),
+                          SendData(kOneFolder),
+                          CloseData(),
+                          Say("226")};
+  ASSERT_TRUE(Connect(LoginTo(LoggingIn() + listing + kLeaving)));
+  EXPECT_EQ(Names(), Strings{"x"});
+}
+
 // --- Clicks ----------------------------------------------------------------------------------
 
 TEST_F(Connection, IsNotMadeTwice) {
