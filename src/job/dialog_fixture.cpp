@@ -26,6 +26,10 @@ int MakePreviewImage(const std::string& /*inputPath*/, const std::string& /*outp
   return 1;
 }
 
+bool IsPreviewImage(const std::string& /*path*/) {
+  return true;
+}
+
 void DialogTest::SetUp() {
   ASSERT_NO_FATAL_FAILURE(ToolFixture::SetUp());
   ASSERT_TRUE(CreateDirectoryA(m_folder.Path("gdal2tiles").c_str(), nullptr));
