@@ -66,8 +66,10 @@ set_up_wine() {
 }
 
 # Keeps one Wine process alive until this script ends. Otherwise every program starts Wine's own
-# processes anew; they inherit its output and hold it open for seconds after the program has ended.
+# processes anew; they inherit its output and hold it open for seconds after the program has ended, or for
+# as long as Wine runs. So the first program writes nowhere, and nothing else starts before it has ended.
 keep_wine_running() {
+  wine cmd /c exit > /dev/null 2>&1 < /dev/null 8>&-
   coproc WINE_KEEPER { exec wine cmd > /dev/null 2>&1 8>&-; }
 }
 
