@@ -104,7 +104,8 @@ class WhatWasBeingWritten(AbortTest):
 
 class WhileTiles(AbortTest):
     def interrupt_at_work(self, processes):
-        large = make_raster(self.folder / "large.tif", pixels=noise(3000, 3000), pixel_size=0.5)
+        # It must not be done before the abort takes effect, which may be seven seconds later.
+        large = make_raster(self.folder / "large.tif", pixels=noise(9000, 9000), pixel_size=0.5)
         own = make_raster(self.folder / "own.tif")
         started = self.start_job(large, own, MOSAICON_TILER_PROCESSES=str(processes))
         self.await_that(lambda: list(self.target.glob("tile_0/*/*/*.png")), "the first tile")
