@@ -1,0 +1,69 @@
+"""Whether the rooms of the sources include one another only downwards, as docs/architecture.md has it."""
+
+import pathlib
+import re
+import unittest
+
+SOURCES = pathlib.Path(__file__).resolve().parents[2] / "src"
+INCLUDE = re.compile(r'^\s*#\s*include "(\w+)/([^"]+)"', re.MULTILINE)
+
+# What each room may include besides itself. Nothing stands in both directions.
+ROOMS = {
+    "kvtools": set(),
+    "mfc": set(),
+    "net": set(),
+    "crashrpt": set(),
+    "progress": {"kvtools", "mfc"},
+    "job": {"kvtools", "mfc", "progress"},
+    "publish": {"kvtools", "mfc", "net", "progress"},
+    "batch": {"job", "kvtools", "mfc", "progress"},
+    "app": {"crashrpt", "job", "kvtools", "mfc", "publish"},
+}
+# No rooms: the numbers of the resources, and what supports tests.
+EVERYBODYS = {"resources"}
+FOR_TESTS = {"support"}
+TEST_FILE = re.compile(r"_test\.|_fixture\.|^testing_|^test_|^fake_|^scripted_|_cases\.")
+
+
+def source_files():
+    return [p for p in sorted(SOURCES.glob("*/*")) if p.suffix in (".cpp", ".h")]
+
+
+def included(path):
+    return INCLUDE.findall(path.read_text(encoding="utf-8"))
+
+
+class Layers(unittest.TestCase):
+    def test_every_room_is_known(self):
+        self.assertEqual({path.parent.name for path in source_files()}, set(ROOMS))
+
+    def test_rooms_stand_above_one_another(self):
+        """The table itself has no circle."""
+        above = dict(ROOMS)
+        while above:
+            lowest = {room for room, below in above.items() if not below & set(above)}
+            self.assertTrue(lowest, f"a circle: {sorted(above)}")
+            for room in lowest:
+                del above[room]
+
+    def test_no_room_includes_one_above_it(self):
+        for path in source_files():
+            room = path.parent.name
+            allowed = ROOMS[room] | EVERYBODYS | {room}
+            if TEST_FILE.search(path.name):
+                allowed |= FOR_TESTS
+            for other, name in included(path):
+                with self.subTest(file=f"{room}/{path.name}", include=f"{other}/{name}"):
+                    self.assertIn(other, allowed)
+
+    def test_product_includes_nothing_that_is_for_tests(self):
+        for path in source_files():
+            if TEST_FILE.search(path.name):
+                continue
+            for other, name in included(path):
+                with self.subTest(file=str(path.relative_to(SOURCES)), include=f"{other}/{name}"):
+                    self.assertFalse(other in FOR_TESTS or TEST_FILE.search(name))
+
+
+if __name__ == "__main__":
+    unittest.main()
