@@ -5,9 +5,20 @@ import shutil
 import unittest
 import uuid
 
-from crash_test_support import (KIND_NAMES, MADE_UP_CODE, REPORTED, UNDER_WINE, UNREPORTED, CrashTest,
-                                Report, expected_code, keep_wine_running, local_data_folder, wait_until,
-                                windows_path)
+from testing.crash_support import (
+    KIND_NAMES,
+    MADE_UP_CODE,
+    REPORTED,
+    UNDER_WINE,
+    UNREPORTED,
+    CrashTest,
+    Report,
+    expected_code,
+    keep_wine_running,
+    local_data_folder,
+    wait_until,
+    windows_path,
+)
 
 
 def setUpModule():
@@ -104,13 +115,28 @@ class Threads(CrashTest):
 class Contents(CrashTest):
     def test_report_tells_what_it_was_given(self):
         before = datetime.datetime.now(datetime.timezone.utc).replace(microsecond=0)
-        report, _ = self.crash("7", "--name=A & <B> \u00fc\u20ac", "--version=1.2", "--email=a@b.example",
-                               "--subject=\"so\"", "--text=it's")
+        report, _ = self.crash(
+            "7",
+            "--name=A & <B> \u00fc\u20ac",
+            "--version=1.2",
+            "--email=a@b.example",
+            '--subject="so"',
+            "--text=it's",
+        )
         after = datetime.datetime.now(datetime.timezone.utc)
         name = report.folder.name
-        self.assertEqual(report.texts, {
-            "guid": name.partition("-")[2], "application": "A & <B> \u00fc\u20ac", "version": "1.2",
-            "time": report.texts["time"], "email": "a@b.example", "subject": "\"so\"", "text": "it's"})
+        self.assertEqual(
+            report.texts,
+            {
+                "guid": name.partition("-")[2],
+                "application": "A & <B> \u00fc\u20ac",
+                "version": "1.2",
+                "time": report.texts["time"],
+                "email": "a@b.example",
+                "subject": '"so"',
+                "text": "it's",
+            },
+        )
         time = datetime.datetime.strptime(report.texts["time"], "%Y-%m-%dT%H:%M:%S%z")
         self.assertTrue(before <= time <= after, (before, time, after))
         self.assertEqual(name.partition("-")[0], time.strftime("%Y%m%dT%H%M%SZ"))
@@ -121,8 +147,10 @@ class Contents(CrashTest):
     def check_properties(self, report):
         # As Windows-1252 has it: what no character is assigned to is a control character.
         allowed = [byte for byte in range(1, 256) if byte >= 32 or byte in (9, 10, 13)]
-        every_byte = "".join(bytes([byte]).decode("cp1252") if byte not in (0x81, 0x8D, 0x8F, 0x90, 0x9D)
-                             else chr(byte) for byte in allowed)
+        every_byte = "".join(
+            bytes([byte]).decode("cp1252") if byte not in (0x81, 0x8D, 0x8F, 0x90, 0x9D) else chr(byte)
+            for byte in allowed
+        )
         self.assertEqual(report.properties, [("image", "second"), ("a<\"&'>", ""), ("bytes", every_byte)])
 
     def test_dll_for_dumps_that_is_not_there(self):
@@ -133,8 +161,9 @@ class Contents(CrashTest):
     def test_report_without_a_dump_tells_that_it_is_missing(self):
         """A DLL that is there, but writes no dumps."""
         report, _ = self.crash("7", "--debug-help=version.dll")
-        self.assertEqual((report.listed, report.missing),
-                         ([], {"crashdump.dmp": "There is no DLL that writes dumps."}))
+        self.assertEqual(
+            (report.listed, report.missing), ([], {"crashdump.dmp": "There is no DLL that writes dumps."})
+        )
         self.assertEqual(sorted(report.files), ["report.xml"])
 
     @unittest.skipUnless(UNDER_WINE, "Windows always has a screen")

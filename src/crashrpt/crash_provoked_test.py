@@ -2,7 +2,14 @@
 
 import unittest
 
-from crash_test_support import KIND_NAMES, REPORTED, CrashTest, expected_code, keep_wine_running, wait_until
+from testing.crash_support import (
+    KIND_NAMES,
+    REPORTED,
+    CrashTest,
+    expected_code,
+    keep_wine_running,
+    wait_until,
+)
 
 
 def setUpModule():
@@ -17,12 +24,15 @@ class Provoked(CrashTest):
         code, [line] = self.end_of(self.start("crashrpt_provoker.exe", process, kind))
         self.assertEqual(code, 0, line)
         self.assertEqual(self.end_of(victim)[0], REPORTED)
-        self.check_crash(self.only_report(), kind, KIND_NAMES[kind], expected_code(kind), process, line.split()[0])
+        self.check_crash(
+            self.only_report(), kind, KIND_NAMES[kind], expected_code(kind), process, line.split()[0]
+        )
 
 
 def add_test(kind):
     def test(self):
         self.provoke(kind)
+
     setattr(Provoked, f"test_{kind:02}_{KIND_NAMES[kind].replace(' ', '_')}", test)
 
 

@@ -3,7 +3,7 @@
 import time
 import unittest
 
-from crash_test_support import CrashTest, Server, keep_wine_running, parts_of, refusing_url, wait_until
+from testing.crash_support import CrashTest, Server, keep_wine_running, parts_of, refusing_url, wait_until
 
 
 def setUpModule():
@@ -11,8 +11,10 @@ def setUpModule():
 
 
 class Retry(CrashTest):
-    NAMES = ["20260101T000000Z-6f9619ff-8b86-d011-b42d-00c04fc964ff",
-             "20260102T000000Z-0f9619ff-8b86-d011-b42d-00c04fc964ff"]
+    NAMES = [
+        "20260101T000000Z-6f9619ff-8b86-d011-b42d-00c04fc964ff",
+        "20260102T000000Z-0f9619ff-8b86-d011-b42d-00c04fc964ff",
+    ]
 
     def write_report(self, name, below="pending"):
         folder = self.reports / below / name
@@ -20,7 +22,8 @@ class Retry(CrashTest):
         guid = name.partition("-")[2]
         (folder / "report.xml").write_text(
             f"<report><guid>{guid}</guid><application>A &amp; B</application><version>1</version>"
-            "<email></email><subject>s</subject><text></text><file name=\"crashdump.dmp\"/></report>")
+            '<email></email><subject>s</subject><text></text><file name="crashdump.dmp"/></report>'
+        )
         (folder / "crashdump.dmp").write_bytes(bytes(range(256)) * 1000 + b"\r\n--report-")
 
     def start_program(self, url, *options):
@@ -33,19 +36,27 @@ class Retry(CrashTest):
         server = Server(self)
         for name in reversed(self.NAMES):
             self.write_report(name)
-        files = {path.name: path.read_bytes() for path in (self.reports / "pending" / self.NAMES[0]).iterdir()}
+        files = {
+            path.name: path.read_bytes() for path in (self.reports / "pending" / self.NAMES[0]).iterdir()
+        }
         self.start_program(server.url)
         self.assertTrue(wait_until(lambda: self.report_names("sent") == self.NAMES))
         self.assertEqual(self.report_names("pending"), [])
         (path, headers, body), second = server.requests
         self.assertEqual(path, "/crash?from=test")
-        self.assertEqual(parts_of(headers, body), {
-            "application": (None, "text/plain", b"A & B"), "version": (None, "text/plain", b"1"),
-            "guid": (None, "text/plain", self.NAMES[0].partition("-")[2].encode()),
-            "email": (None, "text/plain", b""), "subject": (None, "text/plain", b"s"),
-            "text": (None, "text/plain", b""),
-            "report": ("report.xml", "application/xml", files["report.xml"]),
-            "dump": ("crashdump.dmp", "application/octet-stream", files["crashdump.dmp"])})
+        self.assertEqual(
+            parts_of(headers, body),
+            {
+                "application": (None, "text/plain", b"A & B"),
+                "version": (None, "text/plain", b"1"),
+                "guid": (None, "text/plain", self.NAMES[0].partition("-")[2].encode()),
+                "email": (None, "text/plain", b""),
+                "subject": (None, "text/plain", b"s"),
+                "text": (None, "text/plain", b""),
+                "report": ("report.xml", "application/xml", files["report.xml"]),
+                "dump": ("crashdump.dmp", "application/octet-stream", files["crashdump.dmp"]),
+            },
+        )
         self.assertEqual(parts_of(*second[1:])["guid"][2], self.NAMES[1].partition("-")[2].encode())
 
     def test_what_the_user_did_not_agree_to_is_never_sent(self):

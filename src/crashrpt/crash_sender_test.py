@@ -3,7 +3,7 @@
 import time
 import unittest
 
-from crash_test_support import REPORTED, UNREPORTED, CrashTest, keep_wine_running, wait_until
+from testing.crash_support import REPORTED, UNREPORTED, CrashTest, keep_wine_running, wait_until
 
 REPLACEMENTS = 3
 

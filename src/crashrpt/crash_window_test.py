@@ -7,12 +7,24 @@ import signal
 import sys
 import unittest
 
-from crash_test_support import (REPORTED, UNDER_WINE, CrashTest, Report, Server, keep_wine_running, parts_of,
-                                png_size_and_rows, refusing_url, wait_until, windows_path)
+from testing.crash_support import (
+    REPORTED,
+    UNDER_WINE,
+    CrashTest,
+    Report,
+    Server,
+    keep_wine_running,
+    parts_of,
+    png_size_and_rows,
+    refusing_url,
+    wait_until,
+    windows_path,
+)
 
 TITLE = "Test \u00fc crash report"
-(WHAT, CONTENTS, PATH, OPEN, PRIVACY, RESULT, SEND, DO_NOT_SEND, WITH_PICTURE, SHOW_PICTURE,
- SHOW_REPORT) = (str(number) for number in range(101, 112))
+(WHAT, CONTENTS, PATH, OPEN, PRIVACY, RESULT, SEND, DO_NOT_SEND, WITH_PICTURE, SHOW_PICTURE, SHOW_REPORT) = (
+    str(number) for number in range(101, 112)
+)
 KEPT = " The report is kept, and sending it is tried again when Test \u00fc starts the next time."
 
 
@@ -30,7 +42,7 @@ class Window(CrashTest):
         crasher = self.start_crasher("7", "--name=Test \u00fc", "--version=2.5", *options)
         self.assertEqual(self.end_of(crasher)[0], REPORTED)
         self.await_report()
-        name, = self.report_names()
+        (name,) = self.report_names()
         return name
 
     def use(self, *steps):
@@ -51,63 +63,95 @@ class Window(CrashTest):
         return printed
 
     def check_kept(self, name):
-        self.assertEqual((self.names(), self.report_names("pending"), self.report_names("sent")),
-                         ([name], [], []))
+        self.assertEqual(
+            (self.names(), self.report_names("pending"), self.report_names("sent")), ([name], [], [])
+        )
         Report(self.reports / name)
 
     def test_agreed_report_is_sent_whole(self):
         server = Server(self)
-        name = self.crash_with_window("--url=" + server.url, "--privacy=http://127.0.0.1/privacy", "--picture",
-                                      "--email=a@b.example", "--text=line", "--subject=S")
+        name = self.crash_with_window(
+            "--url=" + server.url,
+            "--privacy=http://127.0.0.1/privacy",
+            "--picture",
+            "--email=a@b.example",
+            "--text=line",
+            "--subject=S",
+        )
         files = Report(self.reports / name).files
-        asked, done = self.use("print", "click:" + WITH_PICTURE, "click:" + SEND, "await-result", "print",
-                               "click:" + DO_NOT_SEND, "await-gone")
+        asked, done = self.use(
+            "print",
+            "click:" + WITH_PICTURE,
+            "click:" + SEND,
+            "await-result",
+            "print",
+            "click:" + DO_NOT_SEND,
+            "await-gone",
+        )
         self.assertEqual(asked["title"], TITLE)
         self.assertTrue(asked[WHAT][2].startswith("Test \u00fc had a problem and was closed."), asked[WHAT])
         self.assertEqual(asked[PATH], (True, True, windows_path(self.reports / name)))
         self.assertTrue(asked[PRIVACY][1], "the link")
-        self.assertEqual((asked[SEND], asked[DO_NOT_SEND], asked[RESULT][2]),
-                         ((True, True, "&Send report"), (True, True, "&Don't send"), ""))
-        self.assertEqual((done[SEND][:2], done[DO_NOT_SEND], done[RESULT][2]),
-                         ((False, False), (True, True, "&Close"), "The report was sent. Thank you."))
-        self.assertEqual((self.report_names(), self.report_names("pending"), self.report_names("sent")),
-                         ([], [], [name]))
+        self.assertEqual(
+            (asked[SEND], asked[DO_NOT_SEND], asked[RESULT][2]),
+            ((True, True, "&Send report"), (True, True, "&Don't send"), ""),
+        )
+        self.assertEqual(
+            (done[SEND][:2], done[DO_NOT_SEND], done[RESULT][2]),
+            ((False, False), (True, True, "&Close"), "The report was sent. Thank you."),
+        )
+        self.assertEqual(
+            (self.report_names(), self.report_names("pending"), self.report_names("sent")), ([], [], [name])
+        )
         [(path, headers, body)] = server.requests
         self.assertEqual(path, "/crash?from=test")
-        self.assertEqual(parts_of(headers, body), {
-            "application": (None, "text/plain", "Test \u00fc".encode()), "version": (None, "text/plain", b"2.5"),
-            "guid": (None, "text/plain", name.partition("-")[2].encode()),
-            "email": (None, "text/plain", b"a@b.example"), "subject": (None, "text/plain", b"S"),
-            "text": (None, "text/plain", b"line"),
-            "report": ("report.xml", "application/xml", files["report.xml"]),
-            "dump": ("crashdump.dmp", "application/octet-stream", files["crashdump.dmp"]),
-            "picture": ("desktop.png", "image/png", files["desktop.png"])})
+        self.assertEqual(
+            parts_of(headers, body),
+            {
+                "application": (None, "text/plain", "Test \u00fc".encode()),
+                "version": (None, "text/plain", b"2.5"),
+                "guid": (None, "text/plain", name.partition("-")[2].encode()),
+                "email": (None, "text/plain", b"a@b.example"),
+                "subject": (None, "text/plain", b"S"),
+                "text": (None, "text/plain", b"line"),
+                "report": ("report.xml", "application/xml", files["report.xml"]),
+                "dump": ("crashdump.dmp", "application/octet-stream", files["crashdump.dmp"]),
+                "picture": ("desktop.png", "image/png", files["desktop.png"]),
+            },
+        )
 
     def test_everything_that_is_sent_is_named_first(self):
         self.crash_with_window("--picture", "--url=https://a.example")
         [asked] = self.use("print", "escape", "await-gone")
         lines = asked[CONTENTS][2].split("||")
-        self.assertEqual(lines[:3], ["What happened, where in the program, when, and in which version",
-                                     "image: second", "a<\"&'>: "])
+        self.assertEqual(
+            lines[:3],
+            ["What happened, where in the program, when, and in which version", "image: second", "a<\"&'>: "],
+        )
         self.assertTrue(lines[3].startswith("bytes: ") and lines[3].endswith("..."), lines[3])
         self.assertTrue(lines[4].startswith("Part of the program's memory at that moment"), lines[4])
         self.assertEqual(lines[5:], [""])
-        self.assertEqual(asked[WITH_PICTURE],
-                         (True, True, "Send a &picture of your whole screen as well, with all open windows"))
+        self.assertEqual(
+            asked[WITH_PICTURE],
+            (True, True, "Send a &picture of your whole screen as well, with all open windows"),
+        )
 
     def test_picture_is_sent_only_when_its_box_was_ticked(self):
         server = Server(self)
         name = self.crash_with_window("--url=" + server.url, "--picture")
-        asked, _ = self.use("print", "click:" + SEND, "await-result", "print", "click:" + DO_NOT_SEND,
-                            "await-gone")
+        asked, _ = self.use(
+            "print", "click:" + SEND, "await-result", "print", "click:" + DO_NOT_SEND, "await-gone"
+        )
         self.assertEqual(asked["ticked"], [])
         [(_, headers, body)] = server.requests
         parts = parts_of(headers, body)
         self.assertNotIn("picture", parts)
         self.assertNotIn(b"\x89PNG", body)
         report = Report(self.reports / "sent" / name)
-        self.assertEqual((report.listed, report.missing),
-                         (["crashdump.dmp"], {"desktop.png": "The user did not agree to send it."}))
+        self.assertEqual(
+            (report.listed, report.missing),
+            (["crashdump.dmp"], {"desktop.png": "The user did not agree to send it."}),
+        )
         self.assertEqual(sorted(report.files), ["crashdump.dmp", "report.xml"])
         self.assertEqual(parts["report"][2], report.files["report.xml"])
 
@@ -160,7 +204,8 @@ class Window(CrashTest):
         self.use("escape", "await-gone")
 
     def record_what_is_opened(self):
-        """Puts a program before the one that Wine opens web pages with; returns what asks for its arguments."""
+        """Puts a program before the one that Wine opens web pages with; returns what asks for its
+        arguments."""
         record = self.folder / "opened"
         programs = self.folder / "programs"
         programs.mkdir()
@@ -172,8 +217,10 @@ class Window(CrashTest):
     def test_report_is_not_sent_to_where_others_can_read_along(self):
         name = self.crash_with_window("--url=http://localhost:1/")
         [shown] = self.use("print", "click:" + DO_NOT_SEND, "await-gone")
-        self.assertEqual((shown[SEND][1], shown[RESULT][2]),
-                         (False, "The report can not be sent from here, but it is kept."))
+        self.assertEqual(
+            (shown[SEND][1], shown[RESULT][2]),
+            (False, "The report can not be sent from here, but it is kept."),
+        )
         self.check_kept(name)
 
     def test_picture_is_of_the_whole_screen(self):
@@ -210,12 +257,14 @@ class Window(CrashTest):
 
     def check_failure(self, url, message):
         name = self.crash_with_window("--url=" + url)
-        sending, done = self.use("click:" + SEND, "print", "await-result", "print", "click:" + DO_NOT_SEND,
-                                 "await-gone")
+        sending, done = self.use(
+            "click:" + SEND, "print", "await-result", "print", "click:" + DO_NOT_SEND, "await-gone"
+        )
         self.assertEqual(done[RESULT][2], message + KEPT)
         self.assertEqual((done[SEND][1], done[DO_NOT_SEND]), (False, (True, True, "&Close")))
-        self.assertEqual((self.report_names(), self.report_names("pending"), self.report_names("sent")),
-                         ([], [name], []))
+        self.assertEqual(
+            (self.report_names(), self.report_names("pending"), self.report_names("sent")), ([], [name], [])
+        )
         Report(self.reports / "pending" / name)
         return name, sending
 
@@ -233,8 +282,10 @@ class Window(CrashTest):
 
     def test_silent_server(self):
         _, sending = self.check_failure(Server(self, status=None).url, "The server did not answer in time.")
-        self.assertEqual((sending[SEND][0], sending[DO_NOT_SEND][0], sending[RESULT][2]),
-                         (False, False, "Sending the report..."))
+        self.assertEqual(
+            (sending[SEND][0], sending[DO_NOT_SEND][0], sending[RESULT][2]),
+            (False, False, "Sending the report..."),
+        )
 
 
 if __name__ == "__main__":

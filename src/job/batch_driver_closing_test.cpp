@@ -1,5 +1,5 @@
 // A host that is closed in the middle of a job.
-#include "job/driver_fixture.h"
+#include "job/testing/driver_fixture.h"
 
 namespace {
 

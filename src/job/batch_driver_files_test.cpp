@@ -1,5 +1,5 @@
 // What a job writes, and what it must never write over.
-#include "job/driver_fixture.h"
+#include "job/testing/driver_fixture.h"
 
 namespace {
 

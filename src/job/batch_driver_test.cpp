@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <thread>
 
-#include "job/driver_fixture.h"
+#include "job/testing/driver_fixture.h"
 
 namespace {
 

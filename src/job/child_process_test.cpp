@@ -1,6 +1,6 @@
 #include "job/child_process.h"
 
-#include "job/tool_fixture.h"
+#include "job/testing/tool_fixture.h"
 #include "support/open_handles.h"
 
 namespace {

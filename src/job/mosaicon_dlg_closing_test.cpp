@@ -7,7 +7,7 @@
 #include <thread>
 #include <utility>
 
-#include "job/dialog_fixture.h"
+#include "job/testing/dialog_fixture.h"
 #include "job/tool_items.h"
 #include "kvtools/kvtools.h"
 #include "resources/resource.h"

@@ -7,8 +7,8 @@
 
 #include <algorithm>
 
-#include "job/form_fixture.h"
-#include "job/shell_calls.h"
+#include "job/testing/form_fixture.h"
+#include "job/testing/shell_calls.h"
 #include "maker.h"
 #include "mfc/dpi.h"
 #include "resources/resource.h"

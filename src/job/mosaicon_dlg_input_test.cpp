@@ -5,7 +5,7 @@
 // After windows.h.
 #include <shlobj.h>
 
-#include "job/form_fixture.h"
+#include "job/testing/form_fixture.h"
 #include "mfc/app.h"
 #include "resources/resource.h"
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "mfc/ui_driver.h"
+#include "mfc/testing/ui_driver.h"
 #include "resources/resource.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #include "job/tool_items.h"
 
-#include "job/progress_window.h"
-#include "job/tool_fixture.h"
+#include "job/testing/progress_window.h"
+#include "job/testing/tool_fixture.h"
 #include "kvtools/kvtools.h"
 #include "support/open_handles.h"
 

@@ -1,4 +1,4 @@
-// Runs in a program with splash_test.rc. Needs a screen; under Wine, an X display.
+// Runs in a program with testing/splash.rc. Needs a screen; under Wine, an X display.
 
 #include <gtest/gtest.h>
 #include <windows.h>

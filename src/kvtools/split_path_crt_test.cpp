@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include "kvtools/split_path_cases.h"
+#include "kvtools/testing/split_path_cases.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "kvtools/split_path_cases.h"
+#include "kvtools/testing/split_path_cases.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-// Runs in a program with version_test.rc.
+// Runs in a program with testing/version.rc.
 
 #include <gtest/gtest.h>
 

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "mfc/dialog.h"
-#include "mfc/test_dialogs.h"
-#include "mfc/ui_driver.h"
+#include "mfc/testing/dialogs.h"
+#include "mfc/testing/ui_driver.h"
 
 namespace {
 

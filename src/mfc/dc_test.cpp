@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "mfc/gdi_objects.h"
-#include "mfc/test_canvas.h"
+#include "mfc/testing/canvas.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <thread>
 
 #include "mfc/app.h"
-#include "mfc/test_dialogs.h"
-#include "mfc/ui_driver.h"
+#include "mfc/testing/dialogs.h"
+#include "mfc/testing/ui_driver.h"
 
 namespace {
 

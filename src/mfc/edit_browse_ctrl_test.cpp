@@ -6,8 +6,8 @@
 
 #include "mfc/app.h"
 #include "mfc/dialog.h"
-#include "mfc/test_dialogs.h"
-#include "mfc/ui_driver.h"
+#include "mfc/testing/dialogs.h"
+#include "mfc/testing/ui_driver.h"
 #include "support/temporary_folder.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "mfc/ui_driver.h"
+#include "mfc/testing/ui_driver.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <type_traits>
 
 #include "net/ftp_client.h"
-#include "net/slot_order.h"
+#include "net/testing/slot_order.h"
 
 namespace {
 

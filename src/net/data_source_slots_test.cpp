@@ -5,8 +5,8 @@
 
 #include "net/cut_file.h"
 #include "net/data_source.h"
-#include "net/slot_order.h"
 #include "net/string_list.h"
+#include "net/testing/slot_order.h"
 
 namespace {
 

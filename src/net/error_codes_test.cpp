@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "net/test_data.h"
+#include "net/testing/data_file.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // An abort while the client waits: it ends the wait, and is told as an abort.
-#include "net/ftp_test.h"
+#include "net/testing/ftp_fixture.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // With whom the data connection is made: not with everybody who is there.
-#include "net/ftp_test.h"
+#include "net/testing/ftp_fixture.h"
 
 namespace {
 

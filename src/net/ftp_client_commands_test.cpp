@@ -1,6 +1,6 @@
 #include <functional>
 
-#include "net/ftp_test.h"
+#include "net/testing/ftp_fixture.h"
 
 namespace {
 

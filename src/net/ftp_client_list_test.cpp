@@ -1,7 +1,7 @@
 #include <numeric>
 #include <thread>
 
-#include "net/ftp_test.h"
+#include "net/testing/ftp_fixture.h"
 
 namespace {
 

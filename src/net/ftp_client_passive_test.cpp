@@ -1,4 +1,4 @@
-#include "net/ftp_test.h"
+#include "net/testing/ftp_fixture.h"
 #include "support/temporary_folder.h"
 
 namespace {

@@ -2,7 +2,7 @@
 // or goodbye.
 #include <functional>
 
-#include "net/ftp_test.h"
+#include "net/testing/ftp_fixture.h"
 #include "support/open_handles.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // What can go wrong on and around a data connection.
 #include <functional>
 
-#include "net/ftp_test.h"
+#include "net/testing/ftp_fixture.h"
 
 namespace {
 

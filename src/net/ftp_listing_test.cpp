@@ -7,7 +7,7 @@
 #include <cstring>
 #include <string>
 
-#include "net/test_data.h"
+#include "net/testing/data_file.h"
 
 namespace {
 

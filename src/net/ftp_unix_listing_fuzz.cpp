@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "net/listing_check.h"
+#include "net/testing/listing_check.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string line = std::string(data, data + size).c_str();

@@ -3,8 +3,8 @@
 #include <cstring>
 #include <thread>
 
-#include "net/test_clients.h"
-#include "net/test_sockets.h"
+#include "net/testing/clients.h"
+#include "net/testing/sockets.h"
 #include "net/ws_client.h"
 
 namespace {

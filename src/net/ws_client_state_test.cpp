@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "net/test_clients.h"
-#include "net/test_sockets.h"
+#include "net/testing/clients.h"
+#include "net/testing/sockets.h"
 #include "net/ws_client.h"
 #include "support/open_handles.h"
 

@@ -4,9 +4,9 @@
 #include <atomic>
 #include <thread>
 
-#include "net/ftp_test.h"
-#include "net/test_clients.h"
-#include "net/test_sockets.h"
+#include "net/testing/clients.h"
+#include "net/testing/ftp_fixture.h"
+#include "net/testing/sockets.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 
 #include "kvtools/kvtools.h"
 #include "mfc/dpi.h"
-#include "progress/bar_fixture.h"
-#include "progress/count_gdi_objects.h"
+#include "progress/testing/bar_fixture.h"
+#include "progress/testing/count_gdi_objects.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <memory>
 #include <vector>
 
-#include "mfc/test_canvas.h"
-#include "progress/count_gdi_objects.h"
+#include "mfc/testing/canvas.h"
+#include "progress/testing/count_gdi_objects.h"
 
 namespace {
 

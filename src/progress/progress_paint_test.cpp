@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "progress/bar_fixture.h"
+#include "progress/testing/bar_fixture.h"
 
 namespace {
 

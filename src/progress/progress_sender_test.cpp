@@ -7,7 +7,7 @@
 #include <thread>
 
 #include "kvtools/kvtools.h"
-#include "progress/bar_fixture.h"
+#include "progress/testing/bar_fixture.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <map>
 
 #include "net/error_codes.h"
-#include "publish/fake_publish_host.h"
-#include "publish/fake_remote_server.h"
+#include "publish/testing/fake_publish_host.h"
+#include "publish/testing/fake_remote_server.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "net/error_codes.h"
-#include "net/scripted_server.h"
+#include "net/testing/scripted_server.h"
 #include "net/timeout_clock.h"
-#include "publish/fake_publish_host.h"
+#include "publish/testing/fake_publish_host.h"
 
 namespace {
 

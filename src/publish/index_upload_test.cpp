@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "net/error_codes.h"
-#include "publish/fake_remote_server.h"
+#include "publish/testing/fake_remote_server.h"
 #include "support/temporary_folder.h"
 
 namespace {

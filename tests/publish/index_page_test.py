@@ -8,7 +8,7 @@ import tempfile
 import unittest
 
 HERE = pathlib.Path(__file__).parent
-PAGES = HERE.parent.parent / "src" / "publish" / "testdata"
+PAGES = HERE.parent.parent / "src" / "publish" / "testing" / "data"
 sys.path.insert(0, str(HERE.parent / "support"))
 from web_check import WebCheck  # noqa: E402
 
@@ -17,13 +17,25 @@ PIXEL = bytes.fromhex("47494638396101000100800000000000ffffff2c00000000010001000
 PICTURES = "[...document.images].filter(each => each.naturalWidth == 1).map(each => each.src)"
 LINKS = "[...document.links].map(each => each.href)"
 
-PLAIN = ("single/preview.jpg", "single/doc.kml", "single/googlemaps.html",
-         "tiles/tile_0/a.jpg", "tiles/tile_0/doc.kml", "tiles/tile_0/googlemaps.html",
-         "tiles/tile_1/doc.kml", "tiles/tile_1/googlemaps.html",
-         "my data/a b.jpg", "my data/my doc.kml")
-ODD = ("<b>\"x\" onload='y'/a&b#c.jpg", "<b>\"x\" onload='y'/100%.kml",
-       b"<b>\"x\" onload='y'/googlemaps?caf\xe9.html",
-       b"c:caf\xe9/ x\\y.jpg ", b"c:caf\xe9/\n.kml")
+PLAIN = (
+    "single/preview.jpg",
+    "single/doc.kml",
+    "single/googlemaps.html",
+    "tiles/tile_0/a.jpg",
+    "tiles/tile_0/doc.kml",
+    "tiles/tile_0/googlemaps.html",
+    "tiles/tile_1/doc.kml",
+    "tiles/tile_1/googlemaps.html",
+    "my data/a b.jpg",
+    "my data/my doc.kml",
+)
+ODD = (
+    "<b>\"x\" onload='y'/a&b#c.jpg",
+    "<b>\"x\" onload='y'/100%.kml",
+    b"<b>\"x\" onload='y'/googlemaps?caf\xe9.html",
+    b"c:caf\xe9/ x\\y.jpg ",
+    b"c:caf\xe9/\n.kml",
+)
 
 
 class IndexPageTest(unittest.TestCase):

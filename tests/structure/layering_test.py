@@ -22,11 +22,19 @@ ROOMS = {
 # No rooms: the numbers of the resources, and what supports tests.
 EVERYBODYS = {"resources"}
 FOR_TESTS = {"support"}
-TEST_FILE = re.compile(r"_test\.|_fixture\.|^testing_|^test_|^fake_|^scripted_|_cases\.")
 
 
 def source_files():
-    return [p for p in sorted(SOURCES.glob("*/*")) if p.suffix in (".cpp", ".h")]
+    return [p for p in sorted(SOURCES.glob("*/**/*")) if p.suffix in (".cpp", ".h")]
+
+
+def room_of(path):
+    return path.relative_to(SOURCES).parts[0]
+
+
+def is_for_tests(path):
+    """Tests stand beside what they test; what supports them is kept in a folder of the room."""
+    return "testing" in pathlib.PurePath(path).parts or re.search(r"_(test|fuzz)\.", str(path)) is not None
 
 
 def included(path):
@@ -35,7 +43,7 @@ def included(path):
 
 class Layers(unittest.TestCase):
     def test_every_room_is_known(self):
-        self.assertEqual({path.parent.name for path in source_files()}, set(ROOMS))
+        self.assertEqual({room_of(path) for path in source_files()}, set(ROOMS))
 
     def test_rooms_stand_above_one_another(self):
         """The table itself has no circle."""
@@ -48,21 +56,21 @@ class Layers(unittest.TestCase):
 
     def test_no_room_includes_one_above_it(self):
         for path in source_files():
-            room = path.parent.name
+            room = room_of(path)
             allowed = ROOMS[room] | EVERYBODYS | {room}
-            if TEST_FILE.search(path.name):
+            if is_for_tests(path.relative_to(SOURCES)):
                 allowed |= FOR_TESTS
             for other, name in included(path):
-                with self.subTest(file=f"{room}/{path.name}", include=f"{other}/{name}"):
+                with self.subTest(file=str(path.relative_to(SOURCES)), include=f"{other}/{name}"):
                     self.assertIn(other, allowed)
 
     def test_product_includes_nothing_that_is_for_tests(self):
         for path in source_files():
-            if TEST_FILE.search(path.name):
+            if is_for_tests(path.relative_to(SOURCES)):
                 continue
             for other, name in included(path):
                 with self.subTest(file=str(path.relative_to(SOURCES)), include=f"{other}/{name}"):
-                    self.assertFalse(other in FOR_TESTS or TEST_FILE.search(name))
+                    self.assertFalse(other in FOR_TESTS or is_for_tests(name))
 
 
 if __name__ == "__main__":

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "crashrpt/crashrpt.h"
-#include "crashrpt/provoke_crash.h"
+#include "crashrpt/testing/provoke_crash.h"
 #include "ui/mosaicon_fixture.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "net/scripted_server.h"
+#include "net/testing/scripted_server.h"
 #include "ui/publish_fixture.h"
 
 using Script = ScriptedServer::Script;

@@ -9,7 +9,7 @@ sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 
 import numpy  # noqa: E402
-from mosaicon_tiler_testing import (  # noqa: E402
+from testing.tiler_test_case import (  # noqa: E402
     BLACK,
     MERCATOR_CORNER,
     RED,
@@ -57,7 +57,6 @@ class Records(TilerTestCase):
         self.tile(self.raster(noise()))
         self.check_records()
         self.assertIn("GDAL: ", self.log)
-
 
     def test_go_on_while_nothing_happens(self):
         """Here while a package is slow to load; the reader can end a run only when one arrives."""
@@ -226,9 +225,7 @@ class Links(TilerTestCase):
 
     def test_doc_kml_ends_in_its_closing_tag(self):
         self.check_links()
-        self.assertTrue(
-            self.read(os.path.join(self.output, "doc.kml")).endswith("</kml>")
-        )
+        self.assertTrue(self.read(os.path.join(self.output, "doc.kml")).endswith("</kml>"))
 
 
 class Texts(TilerTestCase):
@@ -238,7 +235,7 @@ class Texts(TilerTestCase):
         return document.find(".//{*}name").text
 
     def test_title_with_special_letters(self):
-        title = 'Höhe <1> & "Straße" \'x\' 漢 %s'
+        title = "Höhe <1> & \"Straße\" 'x' 漢 %s"
         self.assertEqual(self.title_of(extra=["-t", title]), title)
 
     def test_title_that_looks_like_an_option(self):

@@ -28,9 +28,7 @@ class Request:
 def unpack_colour(text):
     """(R, G, B) of a decimal R + 256*G + 65536*B."""
     if not (text.isascii() and text.isdigit()) or int(text) > WHITE:
-        raise TilerError(
-            "the transparent colour %r is not a number from 0 to %d" % (text, WHITE)
-        )
+        raise TilerError("the transparent colour %r is not a number from 0 to %d" % (text, WHITE))
     packed = int(text)
     return packed & 255, packed >> 8 & 255, packed >> 16
 
@@ -42,9 +40,7 @@ def parse(argv):
     except getopt.GetoptError as error:
         raise TilerError("the command line was not understood: %s" % error) from None
     if len(names) != 2 or not all(names):
-        raise TilerError(
-            "the command line must end with the image and the output folder"
-        )
+        raise TilerError("the command line must end with the image and the output folder")
     given = dict(options)
     if given.get("-p", "mercator") != "mercator":
         raise TilerError("only tiles of the profile mercator can be made")

@@ -145,9 +145,7 @@ class ProgressRecords:
     def __init__(self, descriptor, heartbeat=HEARTBEAT_SECONDS):
         self._percent = -1
         self._queue = queue.SimpleQueue()
-        self._writer = threading.Thread(
-            target=self._write_all, args=(descriptor, heartbeat), daemon=True
-        )
+        self._writer = threading.Thread(target=self._write_all, args=(descriptor, heartbeat), daemon=True)
         self._writer.start()
 
     def start(self):

@@ -30,12 +30,8 @@ def _longitudes_and_latitudes(dataset, srs):
     options = ["SRC_SRS=" + srs.ExportToWkt(), "DST_SRS=" + degrees.ExportToWkt()]
     columns, rows = map(_positions, (dataset.RasterXSize, dataset.RasterYSize))
     try:
-        transformer = gdal.Transformer(
-            dataset, None, options + ["INSERT_CENTER_LONG=NO"]
-        )
-        points, found = transformer.TransformPoints(
-            0, [(x, y) for y in rows for x in columns]
-        )
+        transformer = gdal.Transformer(dataset, None, options + ["INSERT_CENTER_LONG=NO"])
+        points, found = transformer.TransformPoints(0, [(x, y) for y in rows for x in columns])
     except RuntimeError:
         points, found = [], []
     if not all(found) or not all(math.isfinite(p[0] + p[1]) for p in points):
@@ -63,9 +59,7 @@ def check_extent(dataset, srs):
     if any(_span(line) > HALF_GLOBE for line in lines):
         raise TilerError("the image covers more than half of the globe")
     if any(abs(latitude) > LATITUDE_LIMIT for row in grid for _, latitude in row):
-        raise TilerError(
-            "the image reaches beyond 85.05 degrees of latitude, where web maps end"
-        )
+        raise TilerError("the image reaches beyond 85.05 degrees of latitude, where web maps end")
     if any(max(line) - min(line) > HALF_GLOBE for line in lines):
         raise TilerError(
             "the image reaches across 180 degrees of longitude, where web maps are cut"

@@ -4,7 +4,7 @@ import os
 import shutil
 import unittest
 
-from mosaicon_tiler_testing import TilerTestCase, noise
+from testing.tiler_test_case import TilerTestCase, noise
 
 
 class Extents(TilerTestCase):

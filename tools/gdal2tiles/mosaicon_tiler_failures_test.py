@@ -7,7 +7,7 @@ import unittest
 from xml.etree import ElementTree
 
 import numpy
-from mosaicon_tiler_testing import (
+from testing.tiler_test_case import (
     FIRST_RECORD,
     TilerTestCase,
     has_own_process,

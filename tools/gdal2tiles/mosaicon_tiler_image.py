@@ -40,9 +40,7 @@ def _open(path):
     try:
         return gdal.Open(path, gdal.GA_ReadOnly)
     except RuntimeError as error:
-        raise TilerError(
-            "the image %s could not be opened: %s" % (path, one_line(error))
-        ) from error
+        raise TilerError("the image %s could not be opened: %s" % (path, one_line(error))) from error
 
 
 def _bands(dataset):
@@ -52,14 +50,10 @@ def _bands(dataset):
 def _check_pixels(dataset):
     count = dataset.RasterCount
     if not 1 <= count <= 4:
-        raise TilerError(
-            "the image has %d bands; only 1 to 4 bands of 8 bits can be tiled" % count
-        )
+        raise TilerError("the image has %d bands; only 1 to 4 bands of 8 bits can be tiled" % count)
     for band in _bands(dataset):
         if band.GetRasterColorTable() is not None:
-            raise TilerError(
-                "the image has a colour palette; convert it to RGB before tiling"
-            )
+            raise TilerError("the image has a colour palette; convert it to RGB before tiling")
         if band.DataType != gdal.GDT_Byte:
             raise TilerError(
                 "the image has %d-bit pixels (%s); convert it to 8 bits before tiling"
@@ -80,17 +74,13 @@ def _source_srs(dataset, wanted):
     except RuntimeError:
         known = False
     if not known:
-        raise TilerError(
-            "the coordinate system %s is not known" % (wanted or "of the image")
-        )
+        raise TilerError("the coordinate system %s is not known" % (wanted or "of the image"))
     return srs
 
 
 def _check_georeference(dataset):
     if dataset.GetGCPCount() == 0 and dataset.GetGeoTransform() == (0, 1, 0, 0, 0, 1):
-        raise TilerError(
-            "the image has no georeference (neither position and pixel size nor control points)"
-        )
+        raise TilerError("the image has no georeference (neither position and pixel size nor control points)")
 
 
 def _check_readable(path, dataset):
@@ -99,9 +89,7 @@ def _check_readable(path, dataset):
         for band in _bands(dataset):
             band.ReadRaster(dataset.RasterXSize - 1, dataset.RasterYSize - 1, 1, 1)
     except RuntimeError as error:
-        raise TilerError(
-            "the image %s is incomplete or damaged: %s" % (path, one_line(error))
-        ) from error
+        raise TilerError("the image %s is incomplete or damaged: %s" % (path, one_line(error))) from error
 
 
 def _is_alpha(band):
@@ -118,9 +106,7 @@ def _is_in_map_srs(dataset, srs):
     """The question as the tiler asks it when it decides whether to reproject."""
     target = osr.SpatialReference()
     target.ImportFromEPSG(MAP_SRS)
-    return (
-        srs.ExportToProj4() == target.ExportToProj4() and dataset.GetGCPCount() == 0
-    )
+    return srs.ExportToProj4() == target.ExportToProj4() and dataset.GetGCPCount() == 0
 
 
 def _chosen_bands(dataset):
@@ -171,10 +157,6 @@ def prepare(request, folder):
     if nodata and _is_in_map_srs(dataset, srs):
         metadata = ["NODATA_VALUES=" + " ".join(map(str, nodata))]
     path = request.input
-    if (
-        bands != list(range(1, dataset.RasterCount + 1))
-        or (transparent and has_nodata)
-        or metadata
-    ):
+    if bands != list(range(1, dataset.RasterCount + 1)) or (transparent and has_nodata) or metadata:
         path = _write_virtual(dataset, folder, bands, metadata)
     return TilingJob(request, path, nodata)

@@ -14,7 +14,7 @@ import mosaicon_tiler_console as console
 import mosaicon_tiler_files as files
 from mosaicon_tiler_errors import TilerError, reason_of
 from mosaicon_tiler_pool import WorkerPool
-from mosaicon_tiler_testing import TilerTestCase, solid
+from testing.tiler_test_case import TilerTestCase, solid
 
 
 class Log(TilerTestCase):

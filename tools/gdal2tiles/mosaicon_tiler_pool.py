@@ -58,9 +58,7 @@ def _serve(connection, prepare):
 class _Worker:
     def __init__(self, context, prepare):
         self.connection, theirs = context.Pipe()
-        self.process = context.Process(
-            target=_serve, args=(theirs, prepare), daemon=True
-        )
+        self.process = context.Process(target=_serve, args=(theirs, prepare), daemon=True)
         self.process.start()
         theirs.close()  # or its end would never be seen
         self.outstanding = 0
@@ -118,9 +116,7 @@ class WorkerPool:
         """Yields None for every finished item. Raises TilerError when an item or a worker fails."""
         size = max(1, min(chunksize, MAXIMUM_CHUNK))
         items = list(iterable)
-        chunks = collections.deque(
-            items[i : i + size] for i in range(0, len(items), size)
-        )
+        chunks = collections.deque(items[i : i + size] for i in range(0, len(items), size))
         while True:
             for worker in self._workers:
                 if chunks and not worker.outstanding:

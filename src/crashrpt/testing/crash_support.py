@@ -1,0 +1,306 @@
+"""Fixture of the tests that let a program crash and read what is left.
+
+Needs in the environment CRASHRPT_PROGRAMS, the folder with the test programs; under Linux also a Wine
+prefix in WINEPREFIX.
+"""
+
+import email.parser
+import email.policy
+import http.server
+import os
+import pathlib
+import re
+import shutil
+import socket
+import struct
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+import unittest
+import xml.etree.ElementTree
+import zlib
+
+PROGRAMS = pathlib.Path(
+    os.environ.get("CRASHRPT_PROGRAMS") or sys.exit("CRASHRPT_PROGRAMS is not set")
+).resolve()
+UNDER_WINE = os.name != "nt"
+PATIENCE = 100  # seconds until a test calls something hung
+REPORTED, UNREPORTED = 201, 202
+REPORT_NAME = re.compile(r"\d{8}T\d{6}Z-[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}")
+MADE_UP_CODE = 0xE0435200
+
+
+def windows_path(path):
+    return "Z:" + str(path).replace("/", "\\") if UNDER_WINE else str(path)
+
+
+def local_data_folder():
+    """The user's folder for data of this computer."""
+    if not UNDER_WINE:
+        return pathlib.Path(os.environ["LOCALAPPDATA"])
+    [folder] = pathlib.Path(os.environ["WINEPREFIX"]).glob("drive_c/users/*/AppData/Local")
+    return folder
+
+
+def keep_wine_running():
+    """For a whole module: one Wine process, so that each program does not start Wine's own anew."""
+    if not UNDER_WINE:
+        return
+    shell = subprocess.Popen(
+        ["wine", "cmd"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL
+    )
+    shell.stdout.readline()
+    unittest.addModuleCleanup(shell.communicate, b"exit\n", timeout=PATIENCE)
+
+
+def wait_until(condition, seconds=PATIENCE):
+    deadline = time.monotonic() + seconds
+    while not condition():
+        if time.monotonic() > deadline:
+            return False
+        time.sleep(0.05)
+    return True
+
+
+def command(program, *arguments):
+    return [*(["wine"] if UNDER_WINE else []), windows_path(PROGRAMS / program), *map(str, arguments)]
+
+
+class Dump:
+    """What a minidump says about the crash."""
+
+    def __init__(self, data):
+        signature, version, count, directory = struct.unpack_from("<4sIII", data)
+        assert signature == b"MDMP" and version & 0xFFFF == 0xA793, (signature, hex(version))
+        streams = {}
+        for i in range(count):
+            kind, size, place = struct.unpack_from("<III", data, directory + 12 * i)
+            streams[kind] = data[place : place + size]
+        (thread_count,) = struct.unpack_from("<I", streams[3])
+        self.threads = [struct.unpack_from("<I", streams[3], 4 + 48 * i)[0] for i in range(thread_count)]
+        self.thread, _, self.code, _, _, self.address = struct.unpack_from("<IIIIQQ", streams[6])
+
+
+class Report:
+    """A complete report, taken apart strictly."""
+
+    def __init__(self, folder):
+        self.folder = folder
+        self.files = {path.name: path.read_bytes() for path in folder.iterdir()}
+        root = xml.etree.ElementTree.fromstring(self.files["report.xml"])
+        assert root.tag == "report" and root.attrib == {"format": "1"}, root
+        self.texts = {
+            name: self._only(root, name).text or ""
+            for name in ("guid", "application", "version", "time", "email", "subject", "text")
+        }
+        self.crash = self._only(root, "crash").attrib
+        self.listed = [element.attrib["name"] for element in root.findall("file")]
+        self.missing = {
+            element.attrib["what"]: element.attrib["reason"] for element in root.findall("missing")
+        }
+        self.properties = [
+            (element.attrib["name"], element.attrib["value"]) for element in root.findall("property")
+        ]
+
+    @staticmethod
+    def _only(root, name):
+        found = root.findall(name)
+        assert len(found) == 1, (name, found)
+        return found[0]
+
+    def dump(self):
+        return Dump(self.files["crashdump.dmp"])
+
+
+def png_size_and_rows(data):
+    """Width, height and the unpacked rows; fails when a checksum is wrong."""
+    assert data[:8] == b"\x89PNG\r\n\x1a\n"
+    place, chunks = 8, []
+    while place < len(data):
+        (size,) = struct.unpack_from(">I", data, place)
+        body = data[place + 4 : place + 8 + size]
+        assert zlib.crc32(body) == struct.unpack_from(">I", data, place + 8 + size)[0]
+        chunks.append((body[:4], body[4:]))
+        place += 12 + size
+    assert chunks[0][0] == b"IHDR" and chunks[-1] == (b"IEND", b"")
+    width, height = struct.unpack_from(">II", chunks[0][1])
+    return width, height, zlib.decompress(b"".join(body for name, body in chunks if name == b"IDAT"))
+
+
+class CrashTest(unittest.TestCase):
+    maxDiff = None
+    quiet = "1"
+
+    def setUp(self):
+        # The blank is part of every test.
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="crash reports ")).resolve()
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.reports = self.folder / "reports"
+        self.environment = {**os.environ, "CRASHREPORT_QUIET": self.quiet}
+        self.started = []
+        self.addCleanup(self.end_all)
+
+    def end_all(self):
+        for process in self.started:
+            if process.poll() is None:
+                process.kill()
+            process.wait()
+
+    # Running
+
+    def start(self, program, *arguments):
+        """Its output goes into a file: a sender that outlives it would hold a pipe open."""
+        output = self.folder / f"output-{len(self.started)}"
+        with open(output, "wb") as file:
+            process = subprocess.Popen(
+                command(program, *arguments),
+                stdin=subprocess.DEVNULL,
+                stdout=file,
+                stderr=subprocess.DEVNULL,
+                env=self.environment,
+            )
+        process.output = output
+        self.started.append(process)
+        return process
+
+    def start_crasher(self, crash, *options):
+        return self.start("crashrpt_crasher.exe", crash, "--folder=" + windows_path(self.reports), *options)
+
+    def lines_of(self, process):
+        return process.output.read_text("cp1252").splitlines()
+
+    def end_of(self, process):
+        """Exit code and lines of output."""
+        code = process.wait(timeout=PATIENCE)
+        return code, self.lines_of(process)
+
+    def crash(self, how, *options):
+        """Crashes, and returns the one report with (process, thread), as the program told them last."""
+        code, lines = self.end_of(self.start_crasher(how, *options))
+        self.assertEqual(code, REPORTED, lines)
+        return self.only_report(), [tuple(line.split()) for line in lines]
+
+    # Reading
+
+    def names(self, below=""):
+        folder = self.reports / below
+        return sorted(path.name for path in folder.iterdir()) if folder.exists() else []
+
+    def report_names(self, below=""):
+        return [name for name in self.names(below) if REPORT_NAME.fullmatch(name)]
+
+    def await_report(self, below=""):
+        self.assertTrue(wait_until(lambda: self.report_names(below)), f"no report in {self.names(below)}")
+
+    def only_report(self, below=""):
+        self.await_report(below)
+        names = self.report_names(below)
+        self.assertEqual(len(names), 1)
+        if not below:
+            self.assertEqual(self.names(), names, "nothing else is left")
+        return Report(self.reports / below / names[0])
+
+    def check_crash(self, report, kind, name, code, process, thread):
+        """The report and its dump name the same crash."""
+        address = report.crash["address"]
+        self.assertRegex(address, "^0x[0-9A-F]{16}$")
+        self.assertEqual(
+            report.crash,
+            {
+                "type": str(kind),
+                "name": name,
+                "code": f"0x{code:08X}",
+                "address": address,
+                "process": process,
+                "thread": thread,
+            },
+        )
+        dump = report.dump()
+        self.assertEqual((dump.code, dump.thread, dump.address), (code, int(thread), int(address, 16)))
+        self.assertIn(int(thread), dump.threads)
+
+
+KIND_NAMES = [
+    "structured exception",
+    "terminate call",
+    "unexpected call",
+    "pure virtual function call",
+    "new operator fault",
+    "buffer overrun",
+    "invalid parameter",
+    "SIGABRT",
+    "SIGFPE",
+    "SIGILL",
+    "SIGINT",
+    "SIGSEGV",
+    "SIGTERM",
+]
+
+
+def expected_code(kind):
+    return {0: 0xC0000005, 5: 0xC0000409}.get(kind, MADE_UP_CODE + kind)
+
+
+class Server:
+    """An HTTP server that keeps what it gets. status: what it answers; None: nothing, ever."""
+
+    def __init__(self, test, status=200):
+        self.status = status
+        self.requests = []  # (path, headers, body)
+        self.closed = threading.Event()
+        outer = self
+
+        class Handler(http.server.BaseHTTPRequestHandler):
+            def do_POST(self):
+                body = self.rfile.read(int(self.headers["Content-Length"]))
+                outer.requests.append((self.path, self.headers, body))
+                if outer.status is None:
+                    outer.closed.wait(PATIENCE)
+                    return
+                self.send_response(outer.status)
+                if outer.status == 302:
+                    self.send_header("Location", "/elsewhere")
+                self.send_header("Content-Length", "0")
+                self.end_headers()
+
+            def do_GET(self):
+                outer.requests.append((self.path, self.headers, None))
+                self.send_error(200)
+
+            def log_message(self, *_):
+                pass
+
+        self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+        self.server.daemon_threads = True
+        self.url = f"http://127.0.0.1:{self.server.server_port}/crash?from=test"
+        threading.Thread(target=self.server.serve_forever, daemon=True).start()
+        test.addCleanup(self.close)
+
+    def close(self):
+        self.closed.set()
+        self.server.shutdown()
+        self.server.server_close()
+
+
+def refusing_url(test):
+    """An address where nobody listens, and nobody else will."""
+    holder = socket.socket()
+    holder.bind(("127.0.0.1", 0))
+    test.addCleanup(holder.close)
+    return f"http://127.0.0.1:{holder.getsockname()[1]}/"
+
+
+def parts_of(headers, body):
+    """The parts of a multipart body as {name: (file name, content type, bytes)}."""
+    document = b"Content-Type: " + headers["Content-Type"].encode() + b"\r\nMIME-Version: 1.0\r\n\r\n" + body
+    message = email.parser.BytesParser(policy=email.policy.HTTP).parsebytes(document)
+    assert message.get_content_type() == "multipart/form-data" and not message.defects, message.defects
+    parts = {}
+    for part in message.iter_parts():
+        assert part.get_content_disposition() == "form-data"
+        name = part.get_param("name", header="Content-Disposition")
+        assert name not in parts, name
+        parts[name] = (part.get_filename(), part.get_content_type(), part.get_payload(decode=True))
+    return parts

@@ -1,0 +1,70 @@
+// Plain sockets on the loopback network for the other end of a client under test: they close themselves, and
+// every wait of theirs ends after 20 seconds. Failures are left to the test that looks at the results. Win32;
+// test code.
+#ifndef MOSAICON_NET_TESTING_SOCKETS_H_
+#define MOSAICON_NET_TESTING_SOCKETS_H_
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include "net/winsock.h"
+
+class TestSocket {
+ public:
+  TestSocket() = default;
+  explicit TestSocket(SOCKET socket);
+  TestSocket(TestSocket&& other) noexcept : m_socket(std::exchange(other.m_socket, INVALID_SOCKET)) {}
+  TestSocket& operator=(TestSocket&& other) noexcept {
+    std::swap(m_socket, other.m_socket);
+    return *this;
+  }
+  ~TestSocket() { Close(); }
+
+  SOCKET Get() const { return m_socket; }
+  bool IsOpen() const { return m_socket != INVALID_SOCKET; }
+  void Close();
+  // Breaks the connection: the peer's calls fail instead of seeing its end.
+  void Reset();
+  void CloseForSending();
+
+  // False when not all of it could be sent.
+  bool Say(const std::string& bytes) const;
+  // What comes until there are count bytes, the peer closes, or nothing more comes in time.
+  std::string Hear(size_t count) const;
+  std::string HearLine() const;
+  std::string HearToEnd() const;
+  // False when the peer neither closes nor resets the connection in time.
+  bool IsLeftByPeer() const;
+
+  std::uint16_t LocalPort() const;
+
+ private:
+  SOCKET m_socket = INVALID_SOCKET;
+};
+
+class TestListener {
+ public:
+  // On a port that the system chooses.
+  explicit TestListener(int backlog = 8, const std::string& address = "127.0.0.1");
+
+  std::uint16_t Port() const { return m_socket.LocalPort(); }
+  bool WaitForPeer(long milliseconds) const;
+  // Not open when nobody comes in time.
+  TestSocket Accept() const;
+  void Close() { m_socket.Close(); }
+
+ private:
+  TestSocket m_socket;
+};
+
+// Not open when it is refused. from is another address of the loopback network.
+TestSocket ConnectToLoopback(std::uint16_t port, const std::string& from = "127.0.0.1");
+
+// A port on which nobody listens.
+std::uint16_t UnusedPort();
+
+// Windows Sockets for the test's own calls, from first use to the end of the program.
+void NeedWinsock();
+
+#endif  // MOSAICON_NET_TESTING_SOCKETS_H_
