@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced by ./run and ./test: makes a fresh Debian 12 machine ready. Every step is quick when there is
 # nothing to do and tells what it does otherwise.
 
@@ -14,10 +15,10 @@ as_root() {
 # What the build needs and what the program is tested with.
 packages=(
   ca-certificates git ccache cmake ninja-build make g++ g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64
-  clang clang-format clang-tidy libclang-rt-14-dev googletest
+  clang clang-format clang-tidy libclang-rt-14-dev googletest black python3-flake8 shellcheck
   dpkg-dev tcl sqlite3
   libgdal-dev gdal-bin python3 python3-gdal python3-numpy
-  wine wine64 xvfb xauth procps
+  wine wine64 fonts-wine xvfb xauth procps
   chromium-headless-shell libjs-leaflet libpam-modules openssl perl python3-pyftpdlib util-linux
 )
 
@@ -70,6 +71,7 @@ set_up_wine() {
 # as long as Wine runs. So the first program writes nowhere, and nothing else starts before it has ended.
 keep_wine_running() {
   wine cmd /c exit > /dev/null 2>&1 < /dev/null 8>&-
+  # shellcheck disable=SC2034 # only its end matters
   coproc WINE_KEEPER { exec wine cmd > /dev/null 2>&1 8>&-; }
 }
 

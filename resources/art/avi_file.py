@@ -17,19 +17,44 @@ def _list(kind, name, *parts):
 
 def _main_header(count, width, height, microseconds):
     frame_size = width * height
-    return struct.pack("<10I16x", microseconds, frame_size * 1000000 // microseconds, 0, HAS_INDEX,
-                       count, 0, 1, frame_size, width, height)
+    return struct.pack(
+        "<10I16x",
+        microseconds,
+        frame_size * 1000000 // microseconds,
+        0,
+        HAS_INDEX,
+        count,
+        0,
+        1,
+        frame_size,
+        width,
+        height,
+    )
 
 
 def _stream_header(count, width, height, microseconds):
     return b"vidsDIB " + struct.pack(
-        "<IHHIIIIIIII4h", 0, 0, 0, 0, microseconds, 1000000, 0, count, width * height,
-        0xFFFFFFFF, 0, 0, 0, width, height)
+        "<IHHIIIIIIII4h",
+        0,
+        0,
+        0,
+        0,
+        microseconds,
+        1000000,
+        0,
+        count,
+        width * height,
+        0xFFFFFFFF,
+        0,
+        0,
+        0,
+        width,
+        height,
+    )
 
 
 def _format(width, height, palette):
-    header = struct.pack("<IiiHHIIiiII", 40, width, height, 1, 8, 0, width * height, 0, 0,
-                         PALETTE_SIZE, 0)
+    header = struct.pack("<IiiHHIIiiII", 40, width, height, 1, 8, 0, width * height, 0, 0, PALETTE_SIZE, 0)
     colours = [(blue, green, red, 0) for red, green, blue in palette]
     colours += [(0, 0, 0, 0)] * (PALETTE_SIZE - len(palette))
     return header + b"".join(map(bytes, colours))
@@ -51,11 +76,19 @@ def animation(frames, palette, milliseconds):
         index += b"00db" + struct.pack("<III", KEY_FRAME, 4 + len(movie), len(data))
         movie += _chunk(b"00db", data)
     return _list(
-        b"RIFF", b"AVI ",
-        _list(b"LIST", b"hdrl",
-              _chunk(b"avih", _main_header(*timing)),
-              _list(b"LIST", b"strl",
-                    _chunk(b"strh", _stream_header(*timing)),
-                    _chunk(b"strf", _format(width, height, palette)))),
+        b"RIFF",
+        b"AVI ",
+        _list(
+            b"LIST",
+            b"hdrl",
+            _chunk(b"avih", _main_header(*timing)),
+            _list(
+                b"LIST",
+                b"strl",
+                _chunk(b"strh", _stream_header(*timing)),
+                _chunk(b"strf", _format(width, height, palette)),
+            ),
+        ),
         _list(b"LIST", b"movi", movie),
-        _chunk(b"idx1", index))
+        _chunk(b"idx1", index),
+    )

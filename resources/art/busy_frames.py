@@ -9,8 +9,14 @@ SIDE = 32
 FRAMES = 12
 
 # The first entry is the key: the animation control makes the colour of the top left pixel transparent.
-PALETTE = [(255, 0, 255), (0x5D, 0x9A, 0x3A), (0x8F, 0xBF, 0x3F), (0xE6, 0xC6, 0x5A),
-           (0x5B, 0xB3, 0xD6), (0x1F, 0x6F, 0x96)]
+PALETTE = [
+    (255, 0, 255),
+    (0x5D, 0x9A, 0x3A),
+    (0x8F, 0xBF, 0x3F),
+    (0xE6, 0xC6, 0x5A),
+    (0x5B, 0xB3, 0xD6),
+    (0x1F, 0x6F, 0x96),
+]
 KEY = 0
 
 TILES = ((2, 1, 3), (1, 4, 2), (4, 5, 1))
@@ -32,7 +38,7 @@ def _frame(number):
             top = MARGIN + row * (CELL + GAP) + inset
             left = MARGIN + column * (CELL + GAP) + inset
             for y in range(top, top + side):
-                rows[y][left:left + side] = [colour] * side
+                rows[y][left : left + side] = [colour] * side
     return rows
 
 

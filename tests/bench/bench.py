@@ -42,9 +42,27 @@ def make_orthophoto(path, size):
 def plain(source, folder, processes):
     target = folder / f"plain{processes}"
     start = time.monotonic()
-    subprocess.run([sys.executable, "-m", "osgeo_utils.gdal2tiles", "-q", "-a", "0,0,0", "-s", "EPSG:32632",
-                    "-p", "mercator", "-k", "-u", "../", f"--processes={processes}", source, target],
-                   check=True)
+    subprocess.run(
+        [
+            sys.executable,
+            "-m",
+            "osgeo_utils.gdal2tiles",
+            "-q",
+            "-a",
+            "0,0,0",
+            "-s",
+            "EPSG:32632",
+            "-p",
+            "mercator",
+            "-k",
+            "-u",
+            "../",
+            f"--processes={processes}",
+            source,
+            target,
+        ],
+        check=True,
+    )
     return time.monotonic() - start, target
 
 
@@ -58,10 +76,14 @@ def thread_seconds(pid):
 def job(stage, source, folder):
     """Wall seconds, target, and the share of a core that the waiting thread used while tiles were cut."""
     target = folder / "job"
-    windows = lambda path: "Z:" + str(path).replace("/", "\\")
+
+    def windows(path):
+        return "Z:" + str(path).replace("/", "\\")
+
     start = time.monotonic()
-    process = subprocess.Popen(["wine", stage / "mosaicon-batch.exe", "--quiet", "--target", windows(target),
-                                windows(source)])
+    process = subprocess.Popen(
+        ["wine", stage / "mosaicon-batch.exe", "--quiet", "--target", windows(target), windows(source)]
+    )
     samples = []
     finished = threading.Event()
 
@@ -106,15 +128,20 @@ def main(stage, size, rounds):
             if len(counts) != 1:
                 sys.exit(f"the tile counts differ: {counts}")
             rows.append((one, all_cores, ours, ours / all_cores, share))
-            print(f"round {number}: plain 1 process {one:.1f} s, plain {cores} processes {all_cores:.1f} s, "
-                  f"job {ours:.1f} s, job/plain {ours / all_cores:.3f}, waiting thread {100 * share:.1f} % of a core",
-                  flush=True)
+            print(
+                f"round {number}: plain 1 process {one:.1f} s, plain {cores} processes {all_cores:.1f} s, "
+                f"job {ours:.1f} s, job/plain {ours / all_cores:.3f}, "
+                f"waiting thread {100 * share:.1f} % of a core",
+                flush=True,
+            )
             for done in (target_one, target_all, target):
                 shutil.rmtree(done)
-        print(f"{size} x {size} pixels, {counts.pop()} tiles, {cores} cores; medians: "
-              f"job/plain {statistics.median(row[3] for row in rows):.3f}, "
-              f"plain 1/plain {cores} {statistics.median(row[0] / row[1] for row in rows):.2f}, "
-              f"waiting thread {100 * statistics.median(row[4] for row in rows):.1f} %")
+        print(
+            f"{size} x {size} pixels, {counts.pop()} tiles, {cores} cores; medians: "
+            f"job/plain {statistics.median(row[3] for row in rows):.3f}, "
+            f"plain 1/plain {cores} {statistics.median(row[0] / row[1] for row in rows):.2f}, "
+            f"waiting thread {100 * statistics.median(row[4] for row in rows):.1f} %"
+        )
         print(f"largest process {resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss // 1024} MiB")
 
 

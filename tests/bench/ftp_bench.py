@@ -15,7 +15,6 @@ Needs MOSAICON_FTP_DRIVER and WINEPREFIX, as tests/servers/ftp_driver.py does. s
 all.
 """
 
-import os
 import pathlib
 import random
 import shutil
@@ -82,6 +81,7 @@ def ours(driver, passive):
             ask("chdir", what)
             ask(*(("send-folder", places.folder / what) if is_upload else ("receive-folder", places.back)))
         ask("close")
+
     return run
 
 
@@ -91,9 +91,20 @@ def lftp(places, what, is_upload):
         transfer = f"put {places.folder}/{BIG}" if is_upload else f"get {BIG} -o {places.back}/{BIG}"
     else:
         transfer = f"mirror -R {places.folder}/{what} {what}" if is_upload else f"mirror {what} {places.back}"
-    subprocess.run(["lftp", "-p", str(server.port), "-u", f"{server.user},{server.password}", "-e",
-                    f"set ftp:ssl-allow no; {transfer}; bye", server.host],
-                   check=True, stdout=subprocess.DEVNULL)
+    subprocess.run(
+        [
+            "lftp",
+            "-p",
+            str(server.port),
+            "-u",
+            f"{server.user},{server.password}",
+            "-e",
+            f"set ftp:ssl-allow no; {transfer}; bye",
+            server.host,
+        ],
+        check=True,
+        stdout=subprocess.DEVNULL,
+    )
 
 
 def curl(places, what, is_upload):
@@ -110,8 +121,13 @@ def curl(places, what, is_upload):
     lines += [f'url = "{url}"\n{option} = "{path}"' for path, url in pairs]
     # One after the other all the same: the plain way of this curl sleeps a second now and then between
     # two files.
-    subprocess.run(["curl", "-q", "-Z", "--parallel-max", "1", "-K", "-"], input="\n".join(lines), text=True,
-                   check=True, stderr=subprocess.DEVNULL)
+    subprocess.run(
+        ["curl", "-q", "-Z", "--parallel-max", "1", "-K", "-"],
+        input="\n".join(lines),
+        text=True,
+        check=True,
+        stderr=subprocess.DEVNULL,
+    )
 
 
 def size_of(path):
@@ -156,8 +172,12 @@ def main(rounds, megabytes, files, other=None):
                             before = driver.processor_seconds()
                             times.setdefault(key, []).append(measure(places, client, what, is_upload))
                             processor.setdefault(key, []).append(driver.processor_seconds() - before)
-                            print(f"round {number + 1}: {name}, {what}, {'up' if is_upload else 'down'}: "
-                                  f"{times[key][-1]:.2f} s", file=sys.stderr, flush=True)
+                            print(
+                                f"round {number + 1}: {name}, {what}, {'up' if is_upload else 'down'}: "
+                                f"{times[key][-1]:.2f} s",
+                                file=sys.stderr,
+                                flush=True,
+                            )
     for each in drivers:
         each.close()
     print(table(times, processor, places.amounts))
@@ -166,16 +186,21 @@ def main(rounds, megabytes, files, other=None):
 def table(times, processor, amounts):
     medians = {key: statistics.median(values) for key, values in times.items()}
     others = [name for name in ("lftp", "curl", "other") if (BIG, True, name) in medians]
-    rows = [f"{'':34}{'seconds':>9}{'rate':>20}" + "".join(f"{'to ' + name:>10}" for name in others)
-            + f"{'processor':>11}"]
+    rows = [
+        f"{'':34}{'seconds':>9}{'rate':>20}"
+        + "".join(f"{'to ' + name:>10}" for name in others)
+        + f"{'processor':>11}"
+    ]
     for (what, is_upload, name), seconds in medians.items():
         amount, unit = amounts[what]
         label = f"{amount} {unit} {'up' if is_upload else 'down'}, {name}"
         rate = f"{amount / seconds:.1f} {unit.split()[-1]}/s"
         ratios = "".join(f"{seconds / medians[what, is_upload, other]:>10.2f}" for other in others)
         cpu = statistics.median(processor[what, is_upload, name])
-        rows.append(f"{label:34}{seconds:>9.2f}{rate:>20}{ratios}"
-                    + (f"{cpu:>9.2f} s" if name not in ("lftp", "curl") else ""))
+        rows.append(
+            f"{label:34}{seconds:>9.2f}{rate:>20}{ratios}"
+            + (f"{cpu:>9.2f} s" if name not in ("lftp", "curl") else "")
+        )
     return "\n".join(rows)
 
 

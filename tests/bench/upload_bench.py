@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Times the upload dialog against lftp: upload_bench.py STAGE DRIVE_WINDOW [FILES [ROUNDS [KIND]]].
 
-Both send the same folders to the same server on this machine, in turns, so that a machine whose speed drifts
-treats them alike: one of FILES small files, and one of a tenth as many tiles as an orthophoto has them. Only
-what a user waits for is counted: from the press on Upload to the report, and the whole run of "lftp mirror -R".
-lftp is told to send files and nothing else, as the dialog does: no modes, no times. The ratios are taken round
-by round and their median is what counts.
+Both send the same folders to the same server on this machine, in turns, so that a machine whose speed
+drifts treats them alike: one of FILES small files, and one of a tenth as many tiles as an orthophoto has
+them. Only what a user waits for is counted: from the press on Upload to the report, and the whole run of
+"lftp mirror -R". lftp is told to send files and nothing else, as the dialog does: no modes, no times. The
+ratios are taken round by round and their median is what counts.
 
 Where the dialog's time goes is told as processor seconds of those who work on it meanwhile. Needs a complete
 Wine prefix in WINEPREFIX, and a screen."""
@@ -106,10 +106,22 @@ def ours(stage, drive, folder, server, scratch):
     watch = Watch(mark, server, server.root / folder.name)
     try:
         run = subprocess.run(
-            [sys.executable, "-B", str(TESTS / "ui" / "in_own_prefix.py"), str(drive),
-             windows_path(stage / "Mosaicon.exe"), "", windows_path(folder), windows_path(scratch / "report.txt"),
-             windows_path(scratch)],
-            env={**os.environ, **server.environment(), MARK: mark}, stdout=subprocess.PIPE, text=True, check=True)
+            [
+                sys.executable,
+                "-B",
+                str(TESTS / "ui" / "in_own_prefix.py"),
+                str(drive),
+                windows_path(stage / "Mosaicon.exe"),
+                "",
+                windows_path(folder),
+                windows_path(scratch / "report.txt"),
+                windows_path(scratch),
+            ],
+            env={**os.environ, **server.environment(), MARK: mark},
+            stdout=subprocess.PIPE,
+            text=True,
+            check=True,
+        )
     finally:
         totals = watch.end()
     words = run.stdout.split()
@@ -117,13 +129,35 @@ def ours(stage, drive, folder, server, scratch):
 
 
 def lftp(folder, server):
-    commands = "; ".join((
-        "set ftp:ssl-allow no", "set ftp:use-site-chmod no", "set ftp:use-site-utime no",
-        "set ftp:use-site-utime2 no", "set ftp:use-mdtm-overloaded no", "set ftp:use-feat no",
-        "set cmd:fail-exit yes", f"mirror -R --no-perms '{folder}' {folder.name}", "quit"))
+    commands = "; ".join(
+        (
+            "set ftp:ssl-allow no",
+            "set ftp:use-site-chmod no",
+            "set ftp:use-site-utime no",
+            "set ftp:use-site-utime2 no",
+            "set ftp:use-mdtm-overloaded no",
+            "set ftp:use-feat no",
+            "set cmd:fail-exit yes",
+            f"mirror -R --no-perms '{folder}' {folder.name}",
+            "quit",
+        )
+    )
     start = time.monotonic()
-    subprocess.run(["lftp", "--norc", "-u", f"{server.user},{server.password}", "-p", str(server.port), "-e",
-                    commands, server.host], check=True, stdout=subprocess.DEVNULL)
+    subprocess.run(
+        [
+            "lftp",
+            "--norc",
+            "-u",
+            f"{server.user},{server.password}",
+            "-p",
+            str(server.port),
+            "-e",
+            commands,
+            server.host,
+        ],
+        check=True,
+        stdout=subprocess.DEVNULL,
+    )
     return time.monotonic() - start
 
 
@@ -148,13 +182,18 @@ def main(stage, drive, files=10000, rounds=3, kind="vsftpd"):
                 seconds, parties = ours(stage, drive, folder, server, scratch)
                 take_away(folder, server)
                 rows[what].append((theirs, seconds, seconds / theirs))
-                print(f"round {number}, {what}: lftp {theirs:.1f} s, dialog {seconds:.1f} s, "
-                      f"dialog/lftp {seconds / theirs:.2f}; processor seconds: " +
-                      ", ".join(f"{who} {spent:.1f}" for who, spent in sorted(parties.items())), flush=True)
+                print(
+                    f"round {number}, {what}: lftp {theirs:.1f} s, dialog {seconds:.1f} s, "
+                    f"dialog/lftp {seconds / theirs:.2f}; processor seconds: "
+                    + ", ".join(f"{who} {spent:.1f}" for who, spent in sorted(parties.items())),
+                    flush=True,
+                )
     for what in SIZES:
         medians = [statistics.median(column) for column in zip(*rows[what])]
-        print(f"{counts[what]} {what} files to {kind}, {len(os.sched_getaffinity(0))} cores; medians: "
-              f"lftp {medians[0]:.1f} s, dialog {medians[1]:.1f} s, dialog/lftp {medians[2]:.2f}")
+        print(
+            f"{counts[what]} {what} files to {kind}, {len(os.sched_getaffinity(0))} cores; medians: "
+            f"lftp {medians[0]:.1f} s, dialog {medians[1]:.1f} s, dialog/lftp {medians[2]:.2f}"
+        )
 
 
 if __name__ == "__main__":

@@ -26,9 +26,16 @@ class AbortTest(BatchTest, ResultChecks):
 
     def start_job(self, *orthophotos, **environment):
         return self.start(
-            "--target", self.target, *orthophotos, stage=self.stage,
-            environment={"FAKE_TOOL_CALLS": windows_path(self.call_list),
-                         "FAKE_TOOL_MILLISECONDS": ENDLESS, **environment})
+            "--target",
+            self.target,
+            *orthophotos,
+            stage=self.stage,
+            environment={
+                "FAKE_TOOL_CALLS": windows_path(self.call_list),
+                "FAKE_TOOL_MILLISECONDS": ENDLESS,
+                **environment,
+            },
+        )
 
     def calls(self):
         if not self.call_list.exists():
@@ -49,8 +56,7 @@ class AbortTest(BatchTest, ResultChecks):
 
     def assert_aborted(self, run, labels=()):
         self.assertEqual((run.code, run.errors), (130, []), run)
-        self.assert_output(run, ["Target folder: " + windows_path(self.target), *labels,
-                                 "Aborted by user"])
+        self.assert_output(run, ["Target folder: " + windows_path(self.target), *labels, "Aborted by user"])
         self.check_that_nothing_is_left()
         self.assertEqual(self.new_logs(), [])
 
@@ -81,8 +87,9 @@ class WhileATool(AbortTest):
         self.check([self.grid, self.own], ["gdalwarp.exe", "python.exe"], ["Process 1/2 -  -"])
 
     def test_tiles(self):
-        self.check([self.own, self.grid], ["python.exe", "gdal_translate.exe", "gdalwarp.exe"],
-                   ["Process 1/2 -  -"])
+        self.check(
+            [self.own, self.grid], ["python.exe", "gdal_translate.exe", "gdalwarp.exe"], ["Process 1/2 -  -"]
+        )
 
 
 class WhatWasBeingWritten(AbortTest):

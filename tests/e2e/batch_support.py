@@ -53,15 +53,21 @@ def start_wine():
     Wine's own processes anew, which inherit its output and hold it open for seconds."""
     prefix = WinePrefix(WINEPREFIX, "e2e")
     unittest.addModuleCleanup(prefix.close)
-    shell = subprocess.Popen([WINE, "cmd"], stdin=subprocess.PIPE, stdout=subprocess.DEVNULL,
-                             stderr=subprocess.DEVNULL)
+    shell = subprocess.Popen(
+        [WINE, "cmd"], stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL
+    )
     # Closes its input: it ends.
     unittest.addModuleCleanup(shell.communicate, timeout=PATIENCE)
     # Whoever makes the first window starts Wine's desktop, which keeps the starter's standard error
     # open for as long as Wine runs. So that is a run of whose output nobody waits for the end.
-    subprocess.run([WINE, windows_path(STAGE / "mosaicon-batch.exe"), "--target", r"C:\no", "no.tif"],
-                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                   timeout=PATIENCE, check=False)
+    subprocess.run(
+        [WINE, windows_path(STAGE / "mosaicon-batch.exe"), "--target", r"C:\no", "no.tif"],
+        stdin=subprocess.DEVNULL,
+        stdout=subprocess.DEVNULL,
+        stderr=subprocess.DEVNULL,
+        timeout=PATIENCE,
+        check=False,
+    )
 
 
 def wait_until(condition, seconds):
@@ -90,8 +96,11 @@ def left_in_user_folders():
 
 def snapshot(folder):
     """Every file below a folder with its content's checksum."""
-    return {str(path.relative_to(folder)): hashlib.sha256(path.read_bytes()).hexdigest()
-            for path in sorted(pathlib.Path(folder).rglob("*")) if path.is_file()}
+    return {
+        str(path.relative_to(folder)): hashlib.sha256(path.read_bytes()).hexdigest()
+        for path in sorted(pathlib.Path(folder).rglob("*"))
+        if path.is_file()
+    }
 
 
 def as_root(*command):
@@ -135,18 +144,31 @@ class BatchTest(unittest.TestCase):
 
     def command(self, *arguments, stage=STAGE):
         """Paths are given with a drive, texts as they are."""
-        return [WINE, windows_path(stage / "mosaicon-batch.exe"),
-                *(windows_path(argument) if isinstance(argument, pathlib.Path) else argument
-                  for argument in arguments)]
+        return [
+            WINE,
+            windows_path(stage / "mosaicon-batch.exe"),
+            *(
+                windows_path(argument) if isinstance(argument, pathlib.Path) else argument
+                for argument in arguments
+            ),
+        ]
 
     def environment(self, **changes):
         return {**os.environ, "WINEDEBUG": "-all", MARK: self.mark, **changes}
 
     def start(self, *arguments, stage=STAGE, environment=None, **options):
-        options = {"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE,
-                   "stderr": subprocess.PIPE, **options}
-        started = subprocess.Popen(self.command(*arguments, stage=stage), cwd=self.folder,
-                                   env=self.environment(**(environment or {})), **options)
+        options = {
+            "stdin": subprocess.DEVNULL,
+            "stdout": subprocess.PIPE,
+            "stderr": subprocess.PIPE,
+            **options,
+        }
+        started = subprocess.Popen(
+            self.command(*arguments, stage=stage),
+            cwd=self.folder,
+            env=self.environment(**(environment or {})),
+            **options,
+        )
         self.addCleanup(self.abandon, started)
         return started
 
@@ -182,8 +204,7 @@ class BatchTest(unittest.TestCase):
         """Live processes that this test's runs started: process ids and command lines."""
         for name in filter(str.isdigit, os.listdir("/proc")):
             try:
-                marked = f"{MARK}={self.mark}".encode() in pathlib.Path(
-                    f"/proc/{name}/environ").read_bytes()
+                marked = f"{MARK}={self.mark}".encode() in pathlib.Path(f"/proc/{name}/environ").read_bytes()
                 line = pathlib.Path(f"/proc/{name}/cmdline").read_bytes().rstrip(b"\0")
             except OSError:
                 continue
@@ -192,8 +213,11 @@ class BatchTest(unittest.TestCase):
 
     def processes(self, part=""):
         """Those of Wine itself are left out."""
-        return {pid: line for pid, line in self.marked_processes()
-                if part in line and not line.lower().startswith("c:\\windows\\")}
+        return {
+            pid: line
+            for pid, line in self.marked_processes()
+            if part in line and not line.lower().startswith("c:\\windows\\")
+        }
 
     def waiting_places(self):
         """Where in the kernel the threads of all processes wait that this test's runs started, those of
@@ -201,8 +225,9 @@ class BatchTest(unittest.TestCase):
         found = []
         for pid, line in self.marked_processes():
             try:
-                places = [(task / "wchan").read_text() for task in
-                          pathlib.Path(f"/proc/{pid}/task").iterdir()]
+                places = [
+                    (task / "wchan").read_text() for task in pathlib.Path(f"/proc/{pid}/task").iterdir()
+                ]
             except OSError:
                 continue
             found.append(f"{pid} {line}: {', '.join(places)}")

@@ -22,9 +22,23 @@ class Information(BatchTest):
         self.assertEqual((run.code, run.errors), (0, []))
         self.assertTrue(run.output[0].startswith("Usage: mosaicon-batch "))
         text = "\n".join(run.output)
-        for word in ("--target", "--title", "--url", "--google-key", "--transparency",
-                     "--resampling", "--overwrite", "--quiet", "--help", "--version",
-                     " 0 ", " 1 ", " 2 ", "3 ", "130 "):
+        for word in (
+            "--target",
+            "--title",
+            "--url",
+            "--google-key",
+            "--transparency",
+            "--resampling",
+            "--overwrite",
+            "--quiet",
+            "--help",
+            "--version",
+            " 0 ",
+            " 1 ",
+            " 2 ",
+            "3 ",
+            "130 ",
+        ):
             self.assertIn(word, text)
 
     def test_help_goes_before_all_else(self):
@@ -62,37 +76,39 @@ class WrongArguments(BatchTest):
             (*given, "--transparency=FFF"): colour + '"FFF"',
             (*given, "--overwrite", "maybe"): '--overwrite needs yes or no, not "maybe"',
             (*given, "--url="): "--url needs an address",
-            (*given, "--title", "a/b"):
-                '--title must not contain any of \\ / : * ? " < > |',
-            (*given, "--google-key", "a b"):
-                "--google-key must not contain blanks or quotes",
-            (*given, "--resampling", "best"):
-                "--resampling knows average, near, bilinear, cubic, cubicspline, lanczos, "
-                'antialias, not "best"',
+            (*given, "--title", "a/b"): '--title must not contain any of \\ / : * ? " < > |',
+            (*given, "--google-key", "a b"): "--google-key must not contain blanks or quotes",
+            (
+                *given,
+                "--resampling",
+                "best",
+            ): "--resampling knows average, near, bilinear, cubic, cubicspline, lanczos, "
+            'antialias, not "best"',
         }
         for arguments, problem in cases.items():
             self.assert_refused(arguments, "mosaicon-batch: " + problem, TRY_HELP)
 
     def test_that_are_empty_are_refused(self):
-        self.assert_refused(("--target", "out", ""), "mosaicon-batch: an input is an empty text",
-                            TRY_HELP)
+        self.assert_refused(("--target", "out", ""), "mosaicon-batch: an input is an empty text", TRY_HELP)
 
     def test_root_folders_are_refused(self):
         for root in ("Z:\\", "z:/", "C:\\", "\\", "Z:\\tmp\\.."):
-            self.assert_refused(("--target", root, "photo.tif"),
-                                "mosaicon-batch: Root folders (e.g. c:\\) are not allowed! ")
+            self.assert_refused(
+                ("--target", root, "photo.tif"), "mosaicon-batch: Root folders (e.g. c:\\) are not allowed! "
+            )
 
     def test_addresses_with_accents_are_refused(self):
         self.assert_refused(
             ("--target", "out", "photo.tif", "--url", "http://example.org/città"),
-            "mosaicon-batch: No accented words must be included into target absolute url. "
-            "Please check it")
+            "mosaicon-batch: No accented words must be included into target absolute url. " "Please check it",
+        )
 
 
 class Quiet(BatchTest, ResultChecks):
     def test_prints_nothing_when_all_is_well(self):
-        run = self.batch("--quiet", "--target", "out", "--url", "example.org/out",
-                         make_raster(self.folder / "photo.tif"))
+        run = self.batch(
+            "--quiet", "--target", "out", "--url", "example.org/out", make_raster(self.folder / "photo.tif")
+        )
         self.assertEqual((run.code, run.output, run.errors), (0, [], []))
         self.assert_links_resolve(self.folder / "out")
 
@@ -100,19 +116,28 @@ class Quiet(BatchTest, ResultChecks):
         six = make_raster(self.folder / "six.tif", pixels=solid(range(6)))
         run = self.batch("--quiet", "--target", "out", six)
         self.assertEqual(run.output, [])
-        self.assert_failed(
-            run, (six, "the image has 6 bands; only 1 to 4 bands of 8 bits can be tiled"))
+        self.assert_failed(run, (six, "the image has 6 bands; only 1 to 4 bands of 8 bits can be tiled"))
 
 
 class Paths(BatchTest, ResultChecks):
     def test_may_be_relative_and_mixed(self):
         (self.folder / "in" / "deep").mkdir(parents=True)
         (self.folder / "all").mkdir()
-        orthophotos = [make_raster(self.folder / name) for name in
-                       ("in/deep/1.tif", "in/2.tif", "3.tif", "all/4.tif", "--5.tif")]
+        orthophotos = [
+            make_raster(self.folder / name)
+            for name in ("in/deep/1.tif", "in/2.tif", "3.tif", "all/4.tif", "--5.tif")
+        ]
         job = Job(self.folder / "in" / "out_of_it", 5)
-        run = self.batch("--target", "all\\..\\in/out of it\\", "in\\deep\\1.tif", "in/2.tif",
-                         ".\\3.tif", "all\\", "--", "--5.tif")
+        run = self.batch(
+            "--target",
+            "all\\..\\in/out of it\\",
+            "in\\deep\\1.tif",
+            "in/2.tif",
+            ".\\3.tif",
+            "all\\",
+            "--",
+            "--5.tif",
+        )
         self.assertEqual((run.code, run.errors), (0, []), run)
         self.assert_output(run, job.output(orthophotos))
         for index in range(job.count):
@@ -124,9 +149,14 @@ class Paths(BatchTest, ResultChecks):
         photo = make_raster(self.folder / "photo.tif", NATIONAL_GRID)
         environment = self.environment()
         finished = subprocess.run(
-            [WINE, "mosaicon-batch.exe", "--target", windows_path(self.folder / "out"),
-             windows_path(photo)], cwd=stage, env=environment, stdin=subprocess.DEVNULL,
-            capture_output=True, timeout=PATIENCE, check=False)
+            [WINE, "mosaicon-batch.exe", "--target", windows_path(self.folder / "out"), windows_path(photo)],
+            cwd=stage,
+            env=environment,
+            stdin=subprocess.DEVNULL,
+            capture_output=True,
+            timeout=PATIENCE,
+            check=False,
+        )
         self.assertEqual((finished.returncode, finished.stderr), (0, b""))
         self.assert_links_resolve(self.folder / "out")
 
@@ -135,18 +165,37 @@ class Settings(BatchTest):
     def registry(self):
         """Everything under HKEY_CURRENT_USER: values by key."""
         path = self.folder / "registry"
-        subprocess.run([WINE, "reg", "export", "HKCU", windows_path(path), "/y"], check=True,
-                       stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, timeout=PATIENCE)
+        subprocess.run(
+            [WINE, "reg", "export", "HKCU", windows_path(path), "/y"],
+            check=True,
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.DEVNULL,
+            timeout=PATIENCE,
+        )
         sections = re.split(r"\r\n\[(.*?)\]\r\n", path.read_bytes().decode("utf-16"))
-        return {key: sorted(filter(None, values.split("\r\n")))
-                for key, values in zip(sections[1::2], sections[2::2])}
+        return {
+            key: sorted(filter(None, values.split("\r\n")))
+            for key, values in zip(sections[1::2], sections[2::2])
+        }
 
     def test_are_kept_apart_from_those_of_the_window(self):
         photo = make_raster(self.folder / "photo.tif")
         before = self.registry()
-        run = self.batch("--target", "my out", "--title", "My map", "--url", "example.org/a",
-                         "--google-key", "K-1", "--transparency", "010AFF",
-                         "--resampling", "lanczos", photo)
+        run = self.batch(
+            "--target",
+            "my out",
+            "--title",
+            "My map",
+            "--url",
+            "example.org/a",
+            "--google-key",
+            "K-1",
+            "--transparency",
+            "010AFF",
+            "--resampling",
+            "lanczos",
+            photo,
+        )
         self.assertEqual((run.code, run.errors), (0, []), run)
         after = self.registry()
         changed = {key for key in before.keys() | after.keys() if before.get(key) != after.get(key)}
@@ -155,10 +204,19 @@ class Settings(BatchTest):
         for key in changed:
             self.assertRegex(key, BATCH_SETTINGS)
         folder = windows_path(self.folder / "my_out").replace("\\", "\\\\")
-        self.assertEqual(after[settings[0]], [
-            '"GoogleAPI"="K-1"', '"MapTitle"="My_map"', '"Resampling"="5"',
-            f'"TargetFolder"="{folder}"', '"TargetURL"="http://example.org/a"',
-            '"Transparency_B"="255"', '"Transparency_G"="10"', '"Transparency_R"="1"'])
+        self.assertEqual(
+            after[settings[0]],
+            [
+                '"GoogleAPI"="K-1"',
+                '"MapTitle"="My_map"',
+                '"Resampling"="5"',
+                f'"TargetFolder"="{folder}"',
+                '"TargetURL"="http://example.org/a"',
+                '"Transparency_B"="255"',
+                '"Transparency_G"="10"',
+                '"Transparency_R"="1"',
+            ],
+        )
 
 
 if __name__ == "__main__":

@@ -34,22 +34,40 @@ class JobOfThree(Jobs):
     def setUp(self):
         super().setUp()
         (self.folder / "photos").mkdir()
-        self.orthophotos = [make_orthophoto(self.folder / "photos" / name, place)
-                            for name, place in PLACES.items()]
+        self.orthophotos = [
+            make_orthophoto(self.folder / "photos" / name, place) for name, place in PLACES.items()
+        ]
 
     def test_takes_all_images_of_a_folder_and_every_option(self):
         for name in ("notes.txt", "a own.tif.ovr.bak", "preview.jpg"):
             (self.folder / "photos" / name).write_text("no orthophoto")
-        job = Job(self.folder / "maps", 3, "Our_own_map", "http://www.example.org/x/maps",
-                  "Key-1_2")
-        run = self.batch("--google-key", job.key, "--url", "www.example.org/x/maps",
-                         "--title=Our own map", "--target", "maps", "photos")
-        self.check(run, job, self.orthophotos, PLACES.values(),
-                   notes=["Target URL: http://www.example.org/x/maps"])
+        job = Job(self.folder / "maps", 3, "Our_own_map", "http://www.example.org/x/maps", "Key-1_2")
+        run = self.batch(
+            "--google-key",
+            job.key,
+            "--url",
+            "www.example.org/x/maps",
+            "--title=Our own map",
+            "--target",
+            "maps",
+            "photos",
+        )
+        self.check(
+            run, job, self.orthophotos, PLACES.values(), notes=["Target URL: http://www.example.org/x/maps"]
+        )
         self.assertEqual(
             {path.name for path in (self.folder / "photos").iterdir()},
-            {*PLACES, "notes.txt", "a own.tif.ovr.bak", "preview.jpg",
-             "b grid.vrt", "b grid2.vrt", "c south.vrt", "c south2.vrt"})
+            {
+                *PLACES,
+                "notes.txt",
+                "a own.tif.ovr.bak",
+                "preview.jpg",
+                "b grid.vrt",
+                "b grid2.vrt",
+                "c south.vrt",
+                "c south2.vrt",
+            },
+        )
 
     def test_takes_images_one_by_one_without_options(self):
         reverse = self.orthophotos[::-1]
@@ -68,8 +86,7 @@ class JobOfOne(Jobs):
     def test_rewrites_links_for_a_url_that_ends_with_a_slash(self):
         orthophoto = make_orthophoto(self.folder / "photo.tif", NATIONAL_GRID)
         job = Job(self.folder / "out_map", title="Title", url="http://example.org:8080/a/out_map/")
-        run = self.batch("--target=out map\\", "--title", "Title", "photo.tif",
-                         "--url", job.url)
+        run = self.batch("--target=out map\\", "--title", "Title", "photo.tif", "--url", job.url)
         self.check(run, job, [orthophoto], [NATIONAL_GRID])
 
     def test_keeps_the_map_page_with_a_key(self):

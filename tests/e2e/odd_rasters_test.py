@@ -14,7 +14,8 @@ OWN_PROJECTION = (
     'PRIMEM["Greenwich",0],UNIT["degree",0.0174532925199433],AUTHORITY["EPSG","4326"]],'
     'PROJECTION["Transverse_Mercator"],PARAMETER["latitude_of_origin",0],'
     'PARAMETER["central_meridian",9.1],PARAMETER["scale_factor",1],'
-    'PARAMETER["false_easting",500000],PARAMETER["false_northing",0],UNIT["metre",1]]')
+    'PARAMETER["false_easting",500000],PARAMETER["false_northing",0],UNIT["metre",1]]'
+)
 
 
 def setUpModule():
@@ -33,16 +34,16 @@ class CanBeTiled(OddRasters):
         transparent[:, :, 100:] = 0
         cases = {
             "grey": (dict(pixels=solid([77], 200, 200)), {(77,)}),
-            "four": (dict(pixels=solid([10, 120, 240, 30], 200, 200),
-                          options=["ALPHA=NO"]), {(10, 120, 240)}),
+            "four": (
+                dict(pixels=solid([10, 120, 240, 30], 200, 200), options=["ALPHA=NO"]),
+                {(10, 120, 240)},
+            ),
             "rgba": (dict(pixels=transparent, colours=RGBA), {(10, 120, 240)}),
             "dot": (dict(pixels=solid([10, 120, 240], 1, 1)), {(10, 120, 240)}),
             "line": (dict(pixels=solid([10, 120, 240], 2000, 1)), {(10, 120, 240)}),
-            "grid": (dict(pixels=transparent, colours=RGBA, place=NATIONAL_GRID),
-                     {(10, 120, 240)}),
+            "grid": (dict(pixels=transparent, colours=RGBA, place=NATIONAL_GRID), {(10, 120, 240)}),
         }
-        orthophotos = [make_raster(self.folder / (name + ".tif"), **how)
-                       for name, (how, _) in cases.items()]
+        orthophotos = [make_raster(self.folder / (name + ".tif"), **how) for name, (how, _) in cases.items()]
         run = self.run_job(orthophotos)
         self.assertEqual((run.code, run.errors), (0, []), run)
         self.assert_output(run, self.job.output(orthophotos))
@@ -65,8 +66,13 @@ class CanBeTiled(OddRasters):
         make_raster(self.folder / "pixels.tif", place=None)
         wkt = OWN_PROJECTION.replace("9.1]", "9]").replace('"scale_factor",1]', '"scale_factor",0.9996]')
         orthophoto = self.folder / "zone.vrt"
-        gdal.Translate(str(orthophoto), str(self.folder / "pixels.tif"), format="VRT", outputSRS=wkt,
-                       outputBounds=(500000, 4983000, 500384, 4982688))
+        gdal.Translate(
+            str(orthophoto),
+            str(self.folder / "pixels.tif"),
+            format="VRT",
+            outputSRS=wkt,
+            outputBounds=(500000, 4983000, 500384, 4982688),
+        )
         run = self.run_job([orthophoto])
         self.assertEqual((run.code, run.errors), (0, []), run)
         self.assert_position(self.job.target, orthophoto)
@@ -76,8 +82,9 @@ class CanBeTiled(OddRasters):
         grey = picture(200, 200)[:2]
         grey[1, :, :100] = 0
         grey[1, :, 100:] = 255
-        orthophoto = make_raster(self.folder / "grey.tif", pixels=grey,
-                                 colours=(gdal.GCI_GrayIndex, gdal.GCI_AlphaBand))
+        orthophoto = make_raster(
+            self.folder / "grey.tif", pixels=grey, colours=(gdal.GCI_GrayIndex, gdal.GCI_AlphaBand)
+        )
         run = self.run_job([orthophoto])
         self.assertEqual((run.code, run.errors), (0, []), run)
         self.assertEqual(gdal.Open(str(self.job.target / ".jpg")).RasterCount, 1)
@@ -90,7 +97,7 @@ class CanBeTiled(OddRasters):
         photo = target / "photo.jpg"
         gdal.Translate(str(photo), str(made), format="JPEG")
         before = photo.read_bytes()
-        run = self.batch("--target", target, "--title", "photo", "--overwrite", "yes", photo)
+        self.batch("--target", target, "--title", "photo", "--overwrite", "yes", photo)
         self.assertEqual(photo.read_bytes(), before)
         self.assert_links_resolve(target)
 
@@ -101,9 +108,17 @@ class CanBeTiled(OddRasters):
         dataset.SetGeoTransform((left, width, 0.3, top, 0.3, height))
         dataset = None
         run = self.run_job([orthophoto])
-        self.assertEqual((run.code, run.errors), (0, [
-            f"mosaicon-batch: {windows_path(orthophoto)}: the image is rotated, but will be placed "
-            "without its rotation"]), run)
+        self.assertEqual(
+            (run.code, run.errors),
+            (
+                0,
+                [
+                    f"mosaicon-batch: {windows_path(orthophoto)}: the image is rotated, but will be placed "
+                    "without its rotation"
+                ],
+            ),
+            run,
+        )
 
     def test_in_degrees(self):
         orthophoto = make_raster(self.folder / "degrees.tif", (4326, 9.0, 45.0), pixel_size=1e-5)
@@ -114,19 +129,29 @@ class CanBeTiled(OddRasters):
 
 class CannotBeTiled(OddRasters):
     CASES = {
-        "six bands": (dict(pixels=solid(range(6))),
-                      "the image has 6 bands; only 1 to 4 bands of 8 bits can be tiled"),
-        "16 bits": (dict(kind=gdal.GDT_UInt16), "the image has 16-bit pixels (UInt16); convert it "
-                                                "to 8 bits before tiling"),
-        "real": (dict(kind=gdal.GDT_Float32, pixels=solid([1])),
-                 "the image has 32-bit pixels (Float32); convert it to 8 bits before tiling"),
-        "palette": (dict(pixels=solid([1]), palette=True),
-                    "the image has a colour palette; convert it to RGB before tiling"),
+        "six bands": (
+            dict(pixels=solid(range(6))),
+            "the image has 6 bands; only 1 to 4 bands of 8 bits can be tiled",
+        ),
+        "16 bits": (
+            dict(kind=gdal.GDT_UInt16),
+            "the image has 16-bit pixels (UInt16); convert it " "to 8 bits before tiling",
+        ),
+        "real": (
+            dict(kind=gdal.GDT_Float32, pixels=solid([1])),
+            "the image has 32-bit pixels (Float32); convert it to 8 bits before tiling",
+        ),
+        "palette": (
+            dict(pixels=solid([1]), palette=True),
+            "the image has a colour palette; convert it to RGB before tiling",
+        ),
     }
 
     def check(self, place):
-        bad = [make_raster(self.folder / (name + ".tif"), place=place, **how)
-               for name, (how, _) in self.CASES.items()]
+        bad = [
+            make_raster(self.folder / (name + ".tif"), place=place, **how)
+            for name, (how, _) in self.CASES.items()
+        ]
         good = make_raster(self.folder / "good.tif", place)
         run = self.run_job([*bad, good])
         self.assert_failed(run, *zip(bad, (reason for _, reason in self.CASES.values())))

@@ -17,8 +17,7 @@ from batch_support import PATIENCE, BatchTest, Run, snapshot, start_wine, window
 from rasters import NATIONAL_GRID, make_raster
 from results import Job, ResultChecks
 
-QUESTION = ["Folders are not empty. All content will be overwritten.",
-            "Continue? [yes/no/cancel] "]
+QUESTION = ["Folders are not empty. All content will be overwritten.", "Continue? [yes/no/cancel] "]
 
 
 def setUpModule():
@@ -46,8 +45,11 @@ class OverwriteTest(BatchTest, ResultChecks):
         return [(self.first, "skipped"), (self.second, "skipped")]
 
     def log_of_overwriting(self, *orthophotos):
-        return [line for path in map(windows_path, orthophotos)
-                for line in (f"- {path}: previous process result deleted", f"- {path}: OK")]
+        return [
+            line
+            for path in map(windows_path, orthophotos)
+            for line in (f"- {path}: previous process result deleted", f"- {path}: OK")
+        ]
 
     def output_of_none(self):
         folders = [line for line in self.job.output([], []) if not line.startswith("Process")]
@@ -61,8 +63,7 @@ class Option(OverwriteTest):
         old = [os.stat(path).st_mtime_ns for path in self.job.target.glob("*/*/*/*.png")]
         run = self.run_job("--overwrite", "yes")
         self.assertEqual((run.code, run.errors), (0, []), run)
-        self.assert_output(run, self.job.output(
-            [], self.log_of_overwriting(self.first, self.second)))
+        self.assert_output(run, self.job.output([], self.log_of_overwriting(self.first, self.second)))
         new = [os.stat(path).st_mtime_ns for path in self.job.target.glob("*/*/*/*.png")]
         self.assertEqual(len(new), len(old))
         self.assertGreater(min(new), max(old))
@@ -76,9 +77,14 @@ class Option(OverwriteTest):
         old = (job.target / "googleearth_loc.kml").read_bytes()
         run = self.batch("--target", job.target, "--title", "New", "--overwrite=yes", self.first)
         folder = windows_path(job.target)
-        self.assert_failed(run, (
-            self.first, f"{folder}\\googleearth_loc.kml is of an earlier job with another result and "
-                        f"was kept; the new one is {folder}\\doc.kml"))
+        self.assert_failed(
+            run,
+            (
+                self.first,
+                f"{folder}\\googleearth_loc.kml is of an earlier job with another result and "
+                f"was kept; the new one is {folder}\\doc.kml",
+            ),
+        )
         self.assertEqual((job.target / "googleearth_loc.kml").read_bytes(), old)
         self.assertIn(b"<name>New</name>", (job.target / "doc.kml").read_bytes())
 
@@ -113,15 +119,18 @@ class Option(OverwriteTest):
             self.assertEqual((run.code, run.errors), (0, []), run)
             self.assertEqual(mine.read_bytes(), kept)
             self.assert_position(self.folder / target, grid)
-            self.assertEqual({path.name for path in self.folder.glob("*.vrt")},
-                             {"grid.vrt", "grid2.vrt", "grid22.vrt"})
+            self.assertEqual(
+                {path.name for path in self.folder.glob("*.vrt")}, {"grid.vrt", "grid2.vrt", "grid22.vrt"}
+            )
 
     def test_is_done_to_the_virtual_rasters_of_an_earlier_job(self):
         grid = make_raster(self.folder / "gr\u00fcn & co.tif", NATIONAL_GRID)
         for target in ("first", "second"):
             self.assertEqual(self.batch("--target", target, grid).code, 0)
-            self.assertEqual({path.name for path in self.folder.glob("*.vrt")},
-                             {"gr\u00fcn & co.vrt", "gr\u00fcn & co2.vrt"})
+            self.assertEqual(
+                {path.name for path in self.folder.glob("*.vrt")},
+                {"gr\u00fcn & co.vrt", "gr\u00fcn & co2.vrt"},
+            )
 
     def test_yes_keeps_what_is_not_overwritten(self):
         self.fill(1)
@@ -157,9 +166,14 @@ class Option(OverwriteTest):
         for stdin in (subprocess.DEVNULL, subprocess.PIPE):
             with self.subTest(stdin=stdin):
                 run = self.run_job(stdin=stdin)
-                self.assert_failed(run, *self.skipped(), before=[
-                    "mosaicon-batch: the target folder is not empty; "
-                    "--overwrite yes would overwrite it"])
+                self.assert_failed(
+                    run,
+                    *self.skipped(),
+                    before=[
+                        "mosaicon-batch: the target folder is not empty; "
+                        "--overwrite yes would overwrite it"
+                    ],
+                )
                 self.assert_output(run, self.output_of_none())
                 self.assert_untouched(before)
 
@@ -177,9 +191,17 @@ class Question(OverwriteTest):
         tty.setraw(program_side)
         with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as errors:
             started = self.start(
-                "--target", self.job.target, *options, self.first, self.second,
-                stdin=program_side, stdout=output, stderr=errors, start_new_session=True,
-                preexec_fn=lambda: fcntl.ioctl(program_side, termios.TIOCSCTTY, 0))
+                "--target",
+                self.job.target,
+                *options,
+                self.first,
+                self.second,
+                stdin=program_side,
+                stdout=output,
+                stderr=errors,
+                start_new_session=True,
+                preexec_fn=lambda: fcntl.ioctl(program_side, termios.TIOCSCTTY, 0),
+            )
             os.close(program_side)
             self.converse(started, terminal, errors, list(answers))
             output.seek(0)
@@ -191,10 +213,16 @@ class Question(OverwriteTest):
         while started.poll() is None:
             said = os.pread(errors.fileno(), 1 << 16, 0)
             if time.monotonic() > deadline:
-                self.fail("\n".join([
-                    f"the program does not end; it said {said!r}",
-                    f"the terminal, set to {termios.tcgetattr(terminal)[:4]}, shows {shown!r}",
-                    f"answers still to be typed: {answers}", *self.waiting_places()]))
+                self.fail(
+                    "\n".join(
+                        [
+                            f"the program does not end; it said {said!r}",
+                            f"the terminal, set to {termios.tcgetattr(terminal)[:4]}, shows {shown!r}",
+                            f"answers still to be typed: {answers}",
+                            *self.waiting_places(),
+                        ]
+                    )
+                )
             if said.count(b"[yes/no/cancel] ") > asked and answers:
                 asked += 1
                 os.write(terminal, answers.pop(0).encode() + b"\r")
@@ -223,8 +251,8 @@ class Question(OverwriteTest):
         asked = QUESTION[:1] + [QUESTION[1] + QUESTION[0]] * (times - 1)
         self.assertEqual(run.errors[:times], asked, run)
         self.assertTrue(run.errors[times].startswith(QUESTION[1]), run)
-        rest = run.errors[times][len(QUESTION[1]):]
-        run.errors[:times + 1] = [rest] if rest else []
+        rest = run.errors[times][len(QUESTION[1]) :]
+        run.errors[: times + 1] = [rest] if rest else []
 
     def test_answered_with_yes_is_asked_once_for_all(self):
         for answer in ("y", "yes"):
@@ -232,8 +260,7 @@ class Question(OverwriteTest):
                 run = self.run_at_terminal([answer])
                 self.assert_asked(run, 1)
                 self.assertEqual((run.code, run.errors), (0, []), run)
-                self.assert_output(run, self.job.output(
-                    [], self.log_of_overwriting(self.first, self.second)))
+                self.assert_output(run, self.job.output([], self.log_of_overwriting(self.first, self.second)))
                 self.assert_links_resolve(self.job.folder(1))
 
     def test_answered_with_no_ends_the_job(self):
@@ -252,7 +279,8 @@ class Question(OverwriteTest):
                 self.assert_asked(run, 1)
                 self.assertEqual((run.code, run.errors), (130, []), run)
                 self.assert_output(
-                    run, ["Target folder: " + windows_path(self.job.target), "Aborted by user"])
+                    run, ["Target folder: " + windows_path(self.job.target), "Aborted by user"]
+                )
                 self.assert_untouched(self.before)
 
     def test_answered_with_nonsense_is_asked_again(self):

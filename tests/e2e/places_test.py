@@ -77,8 +77,9 @@ class Names(PlacesTest):
         good = self.make("good.tif")
         run = self.batch("--target", self.job.target, long, good)
         self.assertEqual(run.code, 1, run)
-        self.assertEqual(run.errors, [
-            self.told(long, "there is no such file or folder (the path is too long)")])
+        self.assertEqual(
+            run.errors, [self.told(long, "there is no such file or folder (the path is too long)")]
+        )
         self.assert_output(run, self.job.output([good]))
 
 
@@ -93,9 +94,13 @@ class Target(PlacesTest):
         before = snapshot(self.folder)
         run = self.batch("--target", target, grid, self.photo)
         self.assertEqual(run.code, 3, run)
-        self.assertEqual(run.errors, [
-            f"mosaicon-batch: Unable to create folder {windows_path(target)} or parent folder "
-            "doesn't exist"])
+        self.assertEqual(
+            run.errors,
+            [
+                f"mosaicon-batch: Unable to create folder {windows_path(target)} or parent folder "
+                "doesn't exist"
+            ],
+        )
         self.assertEqual(run.output, ["Target folder: " + windows_path(target)])
         self.assertEqual(snapshot(self.folder), before)
 
@@ -116,8 +121,11 @@ class Target(PlacesTest):
                 self.assertEqual(self.job.target.read_text(), "my only copy")
                 self.assertIn(run.code, (1, 3))
                 self.assertTrue(run.errors)
-                self.assertEqual(len([line for line in run.errors if "FAILED" in line]),
-                                 len(orthophotos) if run.code == 1 else 0, run)
+                self.assertEqual(
+                    len([line for line in run.errors if "FAILED" in line]),
+                    len(orthophotos) if run.code == 1 else 0,
+                    run,
+                )
 
     def test_that_is_read_only(self):
         disk = self.mount_tmpfs("disk", "size=1m")
@@ -135,8 +143,7 @@ class Target(PlacesTest):
         before = snapshot(self.folder / "in")
         run = self.batch("--target", job.target, small, large)
         self.assertEqual(run.code, 1, run)
-        self.assertRegex(run.errors[0],
-                         r"FAILED Z:\\.*large\.tif: could not write .*: the disk is full$")
+        self.assertRegex(run.errors[0], r"FAILED Z:\\.*large\.tif: could not write .*: the disk is full$")
         self.assertIn(f"- {windows_path(small)}: OK", run.output)
         self.assert_links_resolve(job.folder(0))
         self.assertEqual(list(disk.rglob("*.~mos")), [])

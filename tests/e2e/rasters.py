@@ -22,7 +22,7 @@ def picture(width, height):
     """Smooth colours that tell left from right and top from bottom, with a black square in it."""
     y, x = numpy.mgrid[0:height, 0:width]
     bands = numpy.stack([20 + x * 200 // width, 20 + y * 200 // height, 60 + (x + y) % 100])
-    bands[:, height // 3:height // 2, width // 4:width // 3] = 0
+    bands[:, height // 3 : height // 2, width // 4 : width // 3] = 0
     return bands.astype(numpy.uint8)
 
 
@@ -35,13 +35,21 @@ def noise(width, height):
     return numpy.random.RandomState(1).randint(1, 255, (3, height, width)).astype(numpy.uint8)
 
 
-def make_raster(path, place=OWN_ZONE, pixels=None, pixel_size=1.2, kind=gdal.GDT_Byte,
-                wkt=None, colours=(), palette=False, options=()):
+def make_raster(
+    path,
+    place=OWN_ZONE,
+    pixels=None,
+    pixel_size=1.2,
+    kind=gdal.GDT_Byte,
+    wkt=None,
+    colours=(),
+    palette=False,
+    options=(),
+):
     """Returns the path. place None: no position; wkt: instead of that of the place."""
     pixels = picture(320, 260) if pixels is None else pixels
     bands, height, width = pixels.shape
-    dataset = gdal.GetDriverByName("GTiff").Create(
-        str(path), width, height, bands, kind, list(options))
+    dataset = gdal.GetDriverByName("GTiff").Create(str(path), width, height, bands, kind, list(options))
     if place:
         epsg, left, top = place
         dataset.SetProjection(wkt_of(epsg) if wkt is None else wkt)
@@ -67,9 +75,13 @@ def corners_in_degrees(path):
     for srs in (source, degrees):
         srs.SetAxisMappingStrategy(osr.OAMS_TRADITIONAL_GIS_ORDER)
     to_degrees = osr.CoordinateTransformation(source, degrees)
-    points = [to_degrees.TransformPoint(left + x * width * dataset.RasterXSize,
-                                        top + y * height * dataset.RasterYSize)
-              for x in (0, 1) for y in (0, 1)]
+    points = [
+        to_degrees.TransformPoint(
+            left + x * width * dataset.RasterXSize, top + y * height * dataset.RasterYSize
+        )
+        for x in (0, 1)
+        for y in (0, 1)
+    ]
     longitudes, latitudes = [p[0] for p in points], [p[1] for p in points]
     return min(longitudes), min(latitudes), max(longitudes), max(latitudes)
 

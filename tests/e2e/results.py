@@ -45,14 +45,14 @@ class Job:
             "Target folder: " + windows_path(self.target),
             *(f"Process {i + 1}/{self.count} - {self.map_name(i)} -" for i in range(self.count)),
             *log,
-            *("Result: " + windows_path(self.folder(i)) for i in range(self.count))]
+            *("Result: " + windows_path(self.folder(i)) for i in range(self.count)),
+        ]
 
 
 def links(kml, kinds=("Link", "Icon")):
     """The targets of all links of a KML file, which must be well-formed."""
     root = ElementTree.parse(kml).getroot()
-    return [element.find(KML + "href").text
-            for kind in kinds for element in root.iter(KML + kind)]
+    return [element.find(KML + "href").text for kind in kinds for element in root.iter(KML + kind)]
 
 
 class ResultChecks(unittest.TestCase):
@@ -68,14 +68,15 @@ class ResultChecks(unittest.TestCase):
     def assert_failed(self, run, *failures, before=()):
         """The error lines tell these failures, and where the log is if there is one."""
         self.assertEqual(run.code, 1, run)
-        lines = [f"mosaicon-batch: FAILED {windows_path(path)}: {reason}"
-                 for path, reason in failures]
+        lines = [f"mosaicon-batch: FAILED {windows_path(path)}: {reason}" for path, reason in failures]
         logs = self.new_logs()
         if logs:
             self.assertEqual(len(logs), 1)
-            self.assertRegex(run.errors[-1], r"^mosaicon-batch: details are in C:\\.*\\" +
-                             logs[0].name.replace(".", r"\.") + "$")
-        self.assertEqual(run.errors[:len(run.errors) - len(logs)], [*before, *lines], run)
+            self.assertRegex(
+                run.errors[-1],
+                r"^mosaicon-batch: details are in C:\\.*\\" + logs[0].name.replace(".", r"\.") + "$",
+            )
+        self.assertEqual(run.errors[: len(run.errors) - len(logs)], [*before, *lines], run)
         for path, _ in failures:
             self.assertNotIn(f"- {windows_path(path)}: OK", run.output)
         for line in run.output:
@@ -106,8 +107,7 @@ class ResultChecks(unittest.TestCase):
             path = posixpath.normpath(unquote(urlsplit(target).path))
             parent = posixpath.dirname(urlsplit(base).path).rstrip("/") + "/"
             self.assertTrue(path.startswith(parent), f"{target} leads out of {parent}")
-            self.assertTrue((job.target.parent / path[len(parent):]).is_file(),
-                            f"{target} leads to no file")
+            self.assertTrue((job.target.parent / path[len(parent) :]).is_file(), f"{target} leads to no file")
 
     def assert_picture(self, folder, name, orthophoto):
         """A reduced copy of the orthophoto of about 76,800 pixels."""
@@ -144,8 +144,7 @@ class ResultChecks(unittest.TestCase):
     def assert_same_as_plain_tiler(self, job, index, orthophoto, place):
         folder, name = job.folder(index), job.map_name(index)
         plain = self.folder / "plain" / folder.name
-        tile_input = orthophoto if place == OWN_ZONE else orthophoto.with_name(
-            orthophoto.stem + "2.vrt")
+        tile_input = orthophoto if place == OWN_ZONE else orthophoto.with_name(orthophoto.stem + "2.vrt")
         self.run_plain_tiler(job, name, tile_input, TARGET_ZONES[place], plain)
         made, expected = files_below(folder), files_below(plain)
 
@@ -161,32 +160,59 @@ class ResultChecks(unittest.TestCase):
         tiles = [path for path in expected if path.endswith(".png")]
         self.assertGreater(len(tiles), 3)
         for path in tiles:
-            self.assertTrue((read_pixels(folder / path) == read_pixels(plain / path)).all(),
-                            f"{path} differs from what the plain tiler makes")
+            self.assertTrue(
+                (read_pixels(folder / path) == read_pixels(plain / path)).all(),
+                f"{path} differs from what the plain tiler makes",
+            )
         for path in expected:
             if path.endswith(".html"):
                 self.assertEqual((folder / path).read_text(), (plain / path).read_text(), path)
 
     def run_plain_tiler(self, job, name, tile_input, epsg, output):
         base = "../" if job.count == 1 else "../../" + job.target.name
-        options = ["-a", "0,0,0", "-s", epsg, "-p", "mercator", "-k", "-u", base,
-                   "-t", name or tile_input.name]
+        options = [
+            "-a",
+            "0,0,0",
+            "-s",
+            epsg,
+            "-p",
+            "mercator",
+            "-k",
+            "-u",
+            base,
+            "-t",
+            name or tile_input.name,
+        ]
         options += ["-g", job.key] if job.key else []
         output.parent.mkdir(parents=True, exist_ok=True)
         subprocess.run(
-            [sys.executable, "-B", "-m", "osgeo_utils.gdal2tiles", "-q", *options,
-             str(tile_input), str(output)],
-            check=True, timeout=PATIENCE, stdout=subprocess.DEVNULL, cwd=self.folder)
+            [
+                sys.executable,
+                "-B",
+                "-m",
+                "osgeo_utils.gdal2tiles",
+                "-q",
+                *options,
+                str(tile_input),
+                str(output),
+            ],
+            check=True,
+            timeout=PATIENCE,
+            stdout=subprocess.DEVNULL,
+            cwd=self.folder,
+        )
 
 
 def files_below(folder):
-    return {os.path.relpath(os.path.join(parent, name), folder)
-            for parent, _, names in os.walk(folder) for name in names}
+    return {
+        os.path.relpath(os.path.join(parent, name), folder)
+        for parent, _, names in os.walk(folder)
+        for name in names
+    }
 
 
 def shown_colours(folder):
     """The colours of all pixels of the deepest level that are not transparent at all."""
-    level = max((path for path in folder.iterdir() if path.name.isdigit()),
-                key=lambda path: int(path.name))
+    level = max((path for path in folder.iterdir() if path.name.isdigit()), key=lambda path: int(path.name))
     tiles = [read_pixels(path) for path in level.glob("*/*.png")]
     return {tuple(map(int, colour)) for tile in tiles for colour in tile[:-1, tile[-1] == 255].T}

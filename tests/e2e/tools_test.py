@@ -9,7 +9,11 @@ from results import Job, ResultChecks, files_below, links
 
 CONTACT = r"\. Please contact .+ \(\S+@\S+\)$"
 TRANSLATOR, WARPER, SCRIPT, INTERPRETER = (
-    "gdal_translate.exe", "gdalwarp.exe", "gdal2tiles.py", "python.exe")
+    "gdal_translate.exe",
+    "gdalwarp.exe",
+    "gdal2tiles.py",
+    "python.exe",
+)
 
 
 def setUpModule():
@@ -27,8 +31,13 @@ class ToolsTest(BatchTest, ResultChecks):
 
     def run_job(self, *orthophotos, **environment):
         environment = {"FAKE_TOOL_CALLS": windows_path(self.call_list), **environment}
-        return self.batch("--target", self.job.target, *(orthophotos or (self.grid, self.own)),
-                          stage=self.stage, environment=environment)
+        return self.batch(
+            "--target",
+            self.job.target,
+            *(orthophotos or (self.grid, self.own)),
+            stage=self.stage,
+            environment=environment,
+        )
 
     def calls(self):
         """The calls of the fake tools, a list of fields each."""
@@ -36,14 +45,13 @@ class ToolsTest(BatchTest, ResultChecks):
             return []
         return [line.split("\t") for line in self.call_list.read_text("cp1252").splitlines()]
 
-
     def assert_not_started(self, run, *orthophotos):
         self.assertEqual(run.code, 1, run)
         told = [line for line in run.errors if "FAILED" in line]
         self.assertEqual(len(told), len(orthophotos), run)
         for path, line in zip(orthophotos, told):
             start = f"mosaicon-batch: FAILED {windows_path(path)}: the tiling script did not start"
-            self.assertEqual(line[:len(start)], start)
+            self.assertEqual(line[: len(start)], start)
 
 
 class MissingTool(ToolsTest):
@@ -142,7 +150,8 @@ class Python(ToolsTest):
         self.assertRegex(
             run.errors[0],
             r": The GDAL Python package is not installed for the Python interpreter "
-            r"/usr/bin/python3[0-9.]* \(No module named osgeo\)$")
+            r"/usr/bin/python3[0-9.]* \(No module named osgeo\)$",
+        )
         self.assertRegex(run.errors[1], "^mosaicon-batch: details are in ")
         self.assertIn("Traceback", self.new_logs()[0].read_text())
         self.assertEqual(files_below(self.job.target), {".jpg"})
@@ -160,8 +169,9 @@ class Surroundings(ToolsTest):
             self.assertEqual(directory, folder)
             self.assertEqual(path.split(";")[-1], folder)
             self.assertIn("C:\\windows\\system32", path.split(";"))
-            self.assertEqual([gdal, data, plugins],
-                             [folder, folder + "\\gdal-data", folder + "\\gdalplugins"])
+            self.assertEqual(
+                [gdal, data, plugins], [folder, folder + "\\gdal-data", folder + "\\gdalplugins"]
+            )
             self.assertTrue(command_line.startswith(" "), f"{name}: {command_line}")
 
     def test_of_the_tools_work_without_an_installed_gdal(self):

@@ -21,7 +21,7 @@ def squares(*colours):
     for number, colour in enumerate(colours):
         left = 40 + 100 * number
         for band, value in enumerate(colour):
-            pixels[band, 50:150, left:left + 60] = value
+            pixels[band, 50:150, left : left + 60] = value
     return pixels
 
 

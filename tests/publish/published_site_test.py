@@ -76,7 +76,9 @@ class PublishedSiteTest(unittest.TestCase):
                 self.web.requests.clear()
                 self.assertEqual(self.web.broken_kml_links(f"{DATA_SET}/{name}"), [])
                 visited = {each.path for each in self.web.requests}
-                self.assertEqual(visited - {f"/{DATA_SET}/{name}"}, self.pyramid(".png") | self.pyramid(".kml"))
+                self.assertEqual(
+                    visited - {f"/{DATA_SET}/{name}"}, self.pyramid(".png") | self.pyramid(".kml")
+                )
 
     def pyramid(self, suffix):
         return {path for path in self.published(suffix) if re.search(r"/\d+/\d+/\d+\.\w+$", path)}
@@ -99,8 +101,10 @@ class PublishedSiteTest(unittest.TestCase):
             self.assertEqual(self.web.fetch(path[1:]), (200, (self.root / path[1:]).read_bytes()), path)
 
     def test_the_map_page_shows_the_tiles(self):
-        library = {LEAFLET_ADDRESS + "leaflet.js": ("text/javascript", (LEAFLET / "leaflet.js").read_bytes()),
-                   LEAFLET_ADDRESS + "leaflet.css": ("text/css", (LEAFLET / "leaflet.css").read_bytes())}
+        library = {
+            LEAFLET_ADDRESS + "leaflet.js": ("text/javascript", (LEAFLET / "leaflet.js").read_bytes()),
+            LEAFLET_ADDRESS + "leaflet.css": ("text/css", (LEAFLET / "leaflet.css").read_bytes()),
+        }
         visit = self.web.open_page(f"{DATA_SET}/leaflet.html", SHOW_TILES, library)
         # A map also asks for the tiles around, which no orthophoto covers.
         around = [each.path for each in visit.requests if each.status == 404]
@@ -114,14 +118,18 @@ class PublishedSiteTest(unittest.TestCase):
         self.assertEqual(shown, {path for path in self.published(".png") if path.split("/")[2] in zooms})
 
     def test_the_google_page_has_no_errors_of_its_own(self):
-        visit = self.web.open_page(f"{DATA_SET}/googlemaps.html", "mapMaxZoom - mapMinZoom",
-                                   {GOOGLE_ADDRESS: ("text/javascript", ANYTHING)})
+        visit = self.web.open_page(
+            f"{DATA_SET}/googlemaps.html",
+            "mapMaxZoom - mapMinZoom",
+            {GOOGLE_ADDRESS: ("text/javascript", ANYTHING)},
+        )
         self.assertEqual(visit.faults(), [])
         self.assertEqual(visit.value, 1)
 
     def test_no_other_page_was_published(self):
-        self.assertEqual(self.published(".html"),
-                         {f"/{DATA_SET}/leaflet.html", f"/{DATA_SET}/googlemaps.html"})
+        self.assertEqual(
+            self.published(".html"), {f"/{DATA_SET}/leaflet.html", f"/{DATA_SET}/googlemaps.html"}
+        )
 
 
 if __name__ == "__main__":

@@ -39,9 +39,12 @@ class PageTest(WebCase):
     def test_a_good_page_has_no_fault(self):
         visit = self.visit('<img src="a b.gif"><script>console.log("fine"); console.warn("so so")</script>')
         self.assertEqual(visit.faults(), [])
-        self.assertEqual(visit.requests, [Request("GET", "/page.html", 200), Request("GET", "/a%20b.gif", 200)])
-        self.assertEqual([(each.level, each.text) for each in visit.console],
-                         [("log", "fine"), ("warning", "so so")])
+        self.assertEqual(
+            visit.requests, [Request("GET", "/page.html", 200), Request("GET", "/a%20b.gif", 200)]
+        )
+        self.assertEqual(
+            [(each.level, each.text) for each in visit.console], [("log", "fine"), ("warning", "so so")]
+        )
         self.assertEqual({each.source for each in visit.console}, {f"{self.web.origin}/page.html"})
 
     def test_a_missing_page_is_a_fault(self):
@@ -53,13 +56,19 @@ class PageTest(WebCase):
         visit = self.visit('<img src="none.gif">')
         self.assertIn(Request("GET", "/none.gif", 404), visit.requests)
         self.assertIn("GET /none.gif: 404", visit.faults())
-        self.assertTrue(any(each.level == "error" and each.source.endswith("/none.gif")
-                            for each in visit.console), visit.console)
+        self.assertTrue(
+            any(each.level == "error" and each.source.endswith("/none.gif") for each in visit.console),
+            visit.console,
+        )
 
     def test_an_error_of_a_script_is_a_fault(self):
-        for script in ("missingFunction();", "console.error('missingFunction');", "missingFunction(",
-                       "setTimeout(() => missingFunction(), 100)",
-                       "Promise.reject(new Error('missingFunction'))"):
+        for script in (
+            "missingFunction();",
+            "console.error('missingFunction');",
+            "missingFunction(",
+            "setTimeout(() => missingFunction(), 100)",
+            "Promise.reject(new Error('missingFunction'))",
+        ):
             with self.subTest(script):
                 faults = self.visit(f"<script>{script}</script>").faults()
                 self.assertEqual(len(faults), 1, faults)
@@ -72,7 +81,11 @@ class PageTest(WebCase):
         self.assertIn("/script.js: ReferenceError", faults[0])
 
     def test_other_hosts_cannot_be_reached_and_that_is_no_fault(self):
-        others = ("http://www.maps.example/a.js", "https://connect.facebook.net/a.js", "http://192.0.2.1/a.js")
+        others = (
+            "http://www.maps.example/a.js",
+            "https://connect.facebook.net/a.js",
+            "http://192.0.2.1/a.js",
+        )
         visit = self.visit("".join(f'<script src="{other}" async></script>' for other in others))
         self.assertEqual(visit.faults(), [])
         self.assertEqual({address for address, _ in visit.failed}, set(others))
@@ -80,7 +93,9 @@ class PageTest(WebCase):
         self.assertEqual(visit.requests, [Request("GET", "/page.html", 200)])
 
     def test_what_fails_here_because_of_another_host_is_a_fault(self):
-        visit = self.visit('<script src="http://www.maps.example/api.js"></script><script>Api.show();</script>')
+        visit = self.visit(
+            '<script src="http://www.maps.example/api.js"></script><script>Api.show();</script>'
+        )
         faults = visit.faults()
         self.assertEqual(len(faults), 1, faults)
         self.assertIn("Api is not defined", faults[0])
@@ -90,18 +105,24 @@ class PageTest(WebCase):
 
     def test_a_page_can_be_asked_for_more(self):
         self.write("page.html", "<a href='a b#c'>")
-        self.assertEqual(self.web.open_page("page.html", "[...document.links].map(link => link.href)").value,
-                         [f"{self.web.origin}/a%20b#c"])
+        self.assertEqual(
+            self.web.open_page("page.html", "[...document.links].map(link => link.href)").value,
+            [f"{self.web.origin}/a%20b#c"],
+        )
         with self.assertRaises(ValueError):
             self.web.open_page("page.html", "missingFunction()")
 
     def test_another_host_may_have_a_stand_in(self):
-        self.write("page.html", """<!DOCTYPE html><title>page</title>
+        self.write(
+            "page.html",
+            """<!DOCTYPE html><title>page</title>
             <script src="http://www.maps.example/api.js"></script><script>Api.show();</script>
-            <script src="http://www.maps.example/other.js"></script>""")
+            <script src="http://www.maps.example/other.js"></script>""",
+        )
         api = b"var Api = {show: () => { document.title = 'shown'; }}; // " + b"x" * 300000
-        visit = self.web.open_page("page.html", "document.title",
-                                   {"http://www.maps.example/api.js": ("text/javascript", api)})
+        visit = self.web.open_page(
+            "page.html", "document.title", {"http://www.maps.example/api.js": ("text/javascript", api)}
+        )
         self.assertEqual(visit.faults(), [])
         self.assertEqual(visit.value, "shown")
         self.assertEqual([address for address, _ in visit.failed], ["http://www.maps.example/other.js"])
@@ -167,8 +188,9 @@ class KmlTest(WebCase):
 
     def test_links_that_lead_to_files_are_whole(self):
         self.assertEqual(self.broken("0/0.kml", f"{self.PUBLISHED}/set/0/0.kml", "../set/0/0.png"), [])
-        self.assertEqual([each.path for each in self.web.requests],
-                         ["/set/doc.kml", "/set/0/0.png", "/set/0/0.kml"])
+        self.assertEqual(
+            [each.path for each in self.web.requests], ["/set/doc.kml", "/set/0/0.png", "/set/0/0.kml"]
+        )
 
     def test_links_may_go_up_and_down(self):
         self.assertEqual(self.broken(f"{self.PUBLISHED}/set/../set/./0/0.kml"), [])
@@ -180,8 +202,17 @@ class KmlTest(WebCase):
         self.assertEqual(self.broken("doc.kml", "../set/doc.kml"), [])
 
     def test_links_that_lead_nowhere_are_told(self):
-        for link in ("none.kml", f"{self.PUBLISHED}/none/0.kml", "0/", "0", "", "../../set/0/0.kml",
-                     "http://elsewhere.example/0.kml", r"C:\maps\0.kml", "file:///etc/hostname"):
+        for link in (
+            "none.kml",
+            f"{self.PUBLISHED}/none/0.kml",
+            "0/",
+            "0",
+            "",
+            "../../set/0/0.kml",
+            "http://elsewhere.example/0.kml",
+            r"C:\maps\0.kml",
+            "file:///etc/hostname",
+        ):
             with self.subTest(link):
                 broken = self.broken(link, "0/0.kml")
                 self.assertEqual(len(broken), 1, broken)

@@ -35,10 +35,14 @@ class WithServersTest(unittest.TestCase):
             (self.folder / name).write_bytes(os.urandom(3000))
 
     def run_beside(self, *command, options=()):
-        return subprocess.run([*BESIDE, *options, "--", *command], capture_output=True, text=True, check=False)
+        return subprocess.run(
+            [*BESIDE, *options, "--", *command], capture_output=True, text=True, check=False
+        )
 
     def publish(self, *names):
-        return self.run_beside(*COMPARE, str(self.folder), sys.executable, "-c", SEND, str(self.folder), *names)
+        return self.run_beside(
+            *COMPARE, str(self.folder), sys.executable, "-c", SEND, str(self.folder), *names
+        )
 
     def test_all_files_that_have_come_are_counted(self):
         run = self.publish("leaflet.html", "1 #?.png")
@@ -61,8 +65,12 @@ class WithServersTest(unittest.TestCase):
         self.assertEqual(run.returncode, 0, run.stderr)
         known = dict(re.findall(r"^(MOSAICON_\w+)=(.*)$", run.stdout, re.MULTILINE))
         host, port = known["MOSAICON_FTP_HOST"], known["MOSAICON_FTP_PORT"]
-        for text in (f"Host Address  {host}:{port}\n", f"Username      {known['MOSAICON_FTP_USER']}\n",
-                     f"Password      {known['MOSAICON_FTP_PASSWORD']}\n", known["MOSAICON_WEB_URL"] + "/\n"):
+        for text in (
+            f"Host Address  {host}:{port}\n",
+            f"Username      {known['MOSAICON_FTP_USER']}\n",
+            f"Password      {known['MOSAICON_FTP_PASSWORD']}\n",
+            known["MOSAICON_WEB_URL"] + "/\n",
+        ):
             self.assertIn(text, run.stdout)
         old = os.umask(0)
         os.umask(old)

@@ -15,8 +15,20 @@ BUTTON_SIZES = [16, 20, 24, 32, 40, 48]
 ICONS = {
     "mosaicon": [16, 20, 24, 32, 40, 48, 64, 256],
     "maker": [32, 48, 64, 80, 96, 128, 256],
-    **dict.fromkeys(["start", "start_busy", "exit", "exit_busy", "cancel_small",
-                     "cancel_small_grey", "upload", "info", "help"], BUTTON_SIZES),
+    **dict.fromkeys(
+        [
+            "start",
+            "start_busy",
+            "exit",
+            "exit_busy",
+            "cancel_small",
+            "cancel_small_grey",
+            "upload",
+            "info",
+            "help",
+        ],
+        BUTTON_SIZES,
+    ),
 }
 PNG_SIGNATURE = b"\x89PNG\r\n\x1a\n"
 
@@ -32,7 +44,7 @@ def icon_frames(path):
         width, height, _, _, _, bits, size, offset = struct.unpack_from("<4B2H2I", data, 6 + 16 * i)
         if width != height or bits != 32 or offset + size > len(data):
             raise ValueError(f"{path}: frame {i} is wrong")
-        frames[width or 256] = data[offset:offset + size]
+        frames[width or 256] = data[offset : offset + size]
     return frames
 
 
@@ -44,7 +56,7 @@ def bitmap_pixels(frame, side):
     mask_stride = (side + 31) // 32 * 4
     if len(frame) != 40 + side * side * 4 + side * mask_stride:
         raise ValueError(f"the frame has {len(frame)} bytes")
-    return [tuple(frame[40 + 4 * i:44 + 4 * i]) for i in range(side * side)]
+    return [tuple(frame[40 + 4 * i : 44 + 4 * i]) for i in range(side * side)]
 
 
 def chunks(data):
@@ -52,7 +64,7 @@ def chunks(data):
     found, position = {}, 0
     while position < len(data):
         name, size = struct.unpack_from("<4sI", data, position)
-        found[name] = data[position + 8:position + 8 + size]
+        found[name] = data[position + 8 : position + 8 + size]
         position += 8 + size + size % 2
     return found
 
@@ -60,10 +72,15 @@ def chunks(data):
 class PicturesTest(unittest.TestCase):
     def test_no_source_has_changed_since_the_pictures_were_made(self):
         art = RESOURCES / "art"
-        files = [RESOURCES / "make-art", *art.glob("*.svg"), *art.glob("*.py"),
-                 *RESOURCES.glob("*.ico"), RESOURCES / "splash.bmp", RESOURCES / "busy.avi"]
-        self.assertEqual(checksums.problems(RESOURCES / "checksums.txt", files), [],
-                         "run resources/make-art")
+        files = [
+            RESOURCES / "make-art",
+            *art.glob("*.svg"),
+            *art.glob("*.py"),
+            *RESOURCES.glob("*.ico"),
+            RESOURCES / "splash.bmp",
+            RESOURCES / "busy.avi",
+        ]
+        self.assertEqual(checksums.problems(RESOURCES / "checksums.txt", files), [], "run resources/make-art")
 
     def test_icons_have_all_their_sizes(self):
         for name, sizes in ICONS.items():
@@ -101,15 +118,15 @@ class PicturesTest(unittest.TestCase):
         self.assertEqual(riff[:4], b"AVI ")
         # Both lists have the name LIST: the headers come first.
         header_size = struct.unpack_from("<I", riff, 8)[0]
-        headers = chunks(riff[16:12 + header_size])
+        headers = chunks(riff[16 : 12 + header_size])
         stream = chunks(headers[b"LIST"][4:])
-        frames, = struct.unpack_from("<I", headers[b"avih"], 16)
+        (frames,) = struct.unpack_from("<I", headers[b"avih"], 16)
         self.assertEqual(frames, 12)
         self.assertEqual(stream[b"strh"][:8], b"vidsDIB ")
         self.assertEqual(struct.unpack_from("<IiiHHI", stream[b"strf"]), (40, 32, 32, 1, 8, 0))
         self.assertEqual(stream[b"strf"][40:44], bytes((255, 0, 255, 0)), "the key colour")
 
-        rest = chunks(riff[12 + header_size:])
+        rest = chunks(riff[12 + header_size :])
         movie, index = rest[b"LIST"], rest[b"idx1"]
         self.assertEqual(movie[:4], b"movi")
         self.assertEqual(len(index), 16 * frames)
@@ -117,7 +134,7 @@ class PicturesTest(unittest.TestCase):
         for i in range(frames):
             name, _, offset, size = struct.unpack_from("<4s3I", index, 16 * i)
             self.assertEqual(struct.unpack_from("<4sI", movie, offset), (name, size))
-            picture = movie[offset + 8:offset + 8 + size]
+            picture = movie[offset + 8 : offset + 8 + size]
             self.assertEqual(len(picture), 32 * 32)
             # Rows are stored from the bottom.
             self.assertEqual(picture[31 * 32], 0, "the top left pixel")

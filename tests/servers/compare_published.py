@@ -33,14 +33,22 @@ def main():
         return code
     address = f"{os.environ['MOSAICON_WEB_URL']}/{urllib.parse.quote(folder.name)}"
     files = sorted(path for path in folder.rglob("*") if path.is_file())
-    wrong = [str(path) for path in files if fetch(
-        f"{address}/{urllib.parse.quote(path.relative_to(folder).as_posix())}") != path.read_bytes()]
+    wrong = [
+        str(path)
+        for path in files
+        if fetch(f"{address}/{urllib.parse.quote(path.relative_to(folder).as_posix())}") != path.read_bytes()
+    ]
     if wrong or not files:
-        print(f"compare_published.py: not published as it is in {folder}: {wrong or 'anything'}",
-              file=sys.stderr)
+        print(
+            f"compare_published.py: not published as it is in {folder}: {wrong or 'anything'}",
+            file=sys.stderr,
+        )
         return 1
-    print(f"== all {len(files)} files were published, byte for byte, into {os.environ['MOSAICON_FTP_ROOT']}/"
-          f"{folder.name};\n   while the servers ran they could be seen under {address}/leaflet.html", flush=True)
+    print(
+        f"== all {len(files)} files were published, byte for byte, into {os.environ['MOSAICON_FTP_ROOT']}/"
+        f"{folder.name};\n   while the servers ran they could be seen under {address}/leaflet.html",
+        flush=True,
+    )
     return 0
 
 

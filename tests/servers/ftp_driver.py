@@ -29,8 +29,9 @@ class Answer:
 class Driver:
     def __init__(self, program=None):
         program = program or os.environ["MOSAICON_FTP_DRIVER"]
-        self._process = subprocess.Popen([WINE, program], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                         stderr=subprocess.DEVNULL)
+        self._process = subprocess.Popen(
+            [WINE, program], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL
+        )
         self._unread = b""
 
     def close(self):
@@ -48,8 +49,9 @@ class Driver:
         return self.end(patience)
 
     def begin(self, *words):
-        line = "\t".join(windows_path(word) if isinstance(word, pathlib.Path) else str(word)
-                         for word in words)
+        line = "\t".join(
+            windows_path(word) if isinstance(word, pathlib.Path) else str(word) for word in words
+        )
         self._process.stdin.write(line.encode("cp1252") + b"\n")
         self._process.stdin.flush()
 
@@ -74,8 +76,10 @@ class Driver:
                     owned.add(os.readlink(entry))
                 except OSError:
                     pass
-        states = {f"socket:[{line.split()[9]}]": line.split()[3]
-                  for line in pathlib.Path("/proc/net/tcp").read_text().splitlines()[1:]}
+        states = {
+            f"socket:[{line.split()[9]}]": line.split()[3]
+            for line in pathlib.Path("/proc/net/tcp").read_text().splitlines()[1:]
+        }
         found = [states[socket] for socket in owned if socket in states]
         return len(found), found.count(LISTENING)
 

@@ -4,8 +4,9 @@ configuration alone and end with the test, however it ends.
     with start("vsftpd") as server:
         ...  # server.host, server.port, server.user, server.password, server.root
 
-KINDS names them: vsftpd, proftpd, pure-ftpd, pyftpdlib, and two that do not tell links from what they point
-to: proftpd-no-links, and pyftpdlib-dos, which lists as servers on Windows do. Options of start(), as far as the kind knows them (others raise ValueError):
+KINDS names them: vsftpd, proftpd, pure-ftpd, pyftpdlib, and two that do not tell links from what they
+point to: proftpd-no-links, and pyftpdlib-dos, which lists as servers on Windows do. Options of start(), as
+far as the kind knows them (others raise ValueError):
 
     root        the folder that the login sees as "/"; otherwise a fresh one that goes with the server
     user, password
@@ -61,8 +62,9 @@ def free_port():
 
 
 def hashed(password):
-    run = subprocess.run(["openssl", "passwd", "-6", "-stdin"], input=password, text=True, check=True,
-                         capture_output=True)
+    run = subprocess.run(
+        ["openssl", "passwd", "-6", "-stdin"], input=password, text=True, check=True, capture_output=True
+    )
     return run.stdout.strip()
 
 
@@ -74,8 +76,18 @@ class FtpServer:
     can_refuse = ("passive", "active")
     own_options = ()
 
-    def __init__(self, root=None, user="publisher", password=None, idle=None, file_limit=None,
-                 passive=True, active=True, banner=None, **own):
+    def __init__(
+        self,
+        root=None,
+        user="publisher",
+        password=None,
+        idle=None,
+        file_limit=None,
+        passive=True,
+        active=True,
+        banner=None,
+        **own,
+    ):
         for name, allowed in (("passive", passive), ("active", active)):
             if not allowed and name not in self.can_refuse:
                 raise ValueError(f"{self.kind} cannot refuse {name} transfers")
@@ -139,9 +151,13 @@ class FtpServer:
         return int(self._keeper.stdout.readline())
 
     def environment(self):
-        return {"MOSAICON_FTP_HOST": self.host, "MOSAICON_FTP_PORT": str(self.port),
-                "MOSAICON_FTP_USER": self.user, "MOSAICON_FTP_PASSWORD": self.password,
-                "MOSAICON_FTP_ROOT": str(self.root)}
+        return {
+            "MOSAICON_FTP_HOST": self.host,
+            "MOSAICON_FTP_PORT": str(self.port),
+            "MOSAICON_FTP_USER": self.user,
+            "MOSAICON_FTP_PASSWORD": self.password,
+            "MOSAICON_FTP_ROOT": str(self.root),
+        }
 
     def log(self):
         path = self.folder / "log"
@@ -158,12 +174,16 @@ class FtpServer:
 
     def _start_on_port(self):
         limit = [] if self.file_limit is None else ["prlimit", f"--fsize={self.file_limit}"]
-        command = [PYTHON, "-B", str(HERE / "keeper.py"), str(self.folder), *limit,
-                   *self.command()]
+        command = [PYTHON, "-B", str(HERE / "keeper.py"), str(self.folder), *limit, *self.command()]
         with open(self.folder / "log", "a", encoding="utf-8") as log:
-            self._keeper = subprocess.Popen(as_root(command) if self.needs_root else command, text=True,
-                                            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=log,
-                                            start_new_session=True)
+            self._keeper = subprocess.Popen(
+                as_root(command) if self.needs_root else command,
+                text=True,
+                stdin=subprocess.PIPE,
+                stdout=subprocess.PIPE,
+                stderr=log,
+                start_new_session=True,
+            )
         deadline = time.monotonic() + PATIENCE
         while self._keeper.poll() is None:
             if self._answers():
@@ -213,12 +233,22 @@ class Vsftpd(FtpServer):
         if not self.own.get("broken"):
             empty.mkdir(exist_ok=True)
         settings = {
-            "listen": "YES", "background": "NO", "listen_address": HOST, "listen_port": self.port,
-            "secure_chroot_dir": empty, "nopriv_user": "nobody", "seccomp_sandbox": "NO",
-            "write_enable": "NO" if anonymous else "YES", "connect_from_port_20": "NO",
-            "ascii_upload_enable": "YES", "ascii_download_enable": "YES", "xferlog_enable": "NO",
-            "pasv_enable": "YES" if self.passive else "NO", "port_enable": "YES" if self.active else "NO",
-            **(self._for_anybody() if anonymous else self._for_login())}
+            "listen": "YES",
+            "background": "NO",
+            "listen_address": HOST,
+            "listen_port": self.port,
+            "secure_chroot_dir": empty,
+            "nopriv_user": "nobody",
+            "seccomp_sandbox": "NO",
+            "write_enable": "NO" if anonymous else "YES",
+            "connect_from_port_20": "NO",
+            "ascii_upload_enable": "YES",
+            "ascii_download_enable": "YES",
+            "xferlog_enable": "NO",
+            "pasv_enable": "YES" if self.passive else "NO",
+            "port_enable": "YES" if self.active else "NO",
+            **(self._for_anybody() if anonymous else self._for_login()),
+        }
         if self.idle:
             settings["idle_session_timeout"] = self.idle
         if self.banner:
@@ -226,8 +256,10 @@ class Vsftpd(FtpServer):
         configuration = self.write("vsftpd.conf", "".join(f"{k}={v}\n" for k, v in settings.items()))
         start = self.program("usr", "sbin", "vsftpd")
         if not anonymous:
-            start[1:1] = [f"LD_PRELOAD={INSTALLED / 'pam_in_folder.so'}",
-                          f"MOSAICON_PAM_FOLDER={self.folder / 'pam'}"]
+            start[1:1] = [
+                f"LD_PRELOAD={INSTALLED / 'pam_in_folder.so'}",
+                f"MOSAICON_PAM_FOLDER={self.folder / 'pam'}",
+            ]
         return [*start, str(configuration)]
 
     def _for_anybody(self):
@@ -235,22 +267,47 @@ class Vsftpd(FtpServer):
         if os.geteuid() == 0:
             os.chown(self.root, 0, 0)
         self.root.chmod(0o555)
-        return {"anonymous_enable": "YES", "no_anon_password": "YES", "ftp_username": self.account.pw_name,
-                "anon_root": self.root, "anon_world_readable_only": "NO"}
+        return {
+            "anonymous_enable": "YES",
+            "no_anon_password": "YES",
+            "ftp_username": self.account.pw_name,
+            "anon_root": self.root,
+            "anon_world_readable_only": "NO",
+        }
 
     def _for_login(self):
         # A database, because the server takes away the exit codes of programs that would be asked.
-        subprocess.run(["/usr/bin/perl", "-MDB_File", "-e",
-                        "tie(%h, 'DB_File', $ARGV[0], O_CREAT|O_RDWR, 0600, $DB_HASH);"
-                        "$h{$ARGV[1]} = $ARGV[2]",
-                        str(self.folder / "logins.db"), self.user, self.password], check=True)
+        subprocess.run(
+            [
+                "/usr/bin/perl",
+                "-MDB_File",
+                "-e",
+                "tie(%h, 'DB_File', $ARGV[0], O_CREAT|O_RDWR, 0600, $DB_HASH);" "$h{$ARGV[1]} = $ARGV[2]",
+                str(self.folder / "logins.db"),
+                self.user,
+                self.password,
+            ],
+            check=True,
+        )
         (self.folder / "pam").mkdir(exist_ok=True)
-        self.write("pam/vsftpd", "".join(f"{what} required pam_userdb.so db={self.folder}/logins\n"
-                                         for what in ("auth", "account")))
-        return {"anonymous_enable": "NO", "local_enable": "YES", "guest_enable": "YES",
-                "guest_username": self.account.pw_name, "virtual_use_local_privs": "YES",
-                "local_root": self.root, "local_umask": UMASK, "chroot_local_user": "YES",
-                "allow_writeable_chroot": "YES", "pam_service_name": "vsftpd"}
+        self.write(
+            "pam/vsftpd",
+            "".join(
+                f"{what} required pam_userdb.so db={self.folder}/logins\n" for what in ("auth", "account")
+            ),
+        )
+        return {
+            "anonymous_enable": "NO",
+            "local_enable": "YES",
+            "guest_enable": "YES",
+            "guest_username": self.account.pw_name,
+            "virtual_use_local_privs": "YES",
+            "local_root": self.root,
+            "local_umask": UMASK,
+            "chroot_local_user": "YES",
+            "allow_writeable_chroot": "YES",
+            "pam_service_name": "vsftpd",
+        }
 
 
 class Proftpd(FtpServer):
@@ -260,20 +317,43 @@ class Proftpd(FtpServer):
 
     def command(self):
         account = self.account
-        self.write("users", f"{self.user}:{hashed(self.password)}:{account.pw_uid}:{account.pw_gid}::"
-                   f"{self.root}:/bin/sh\n", 0o600)
+        self.write(
+            "users",
+            f"{self.user}:{hashed(self.password)}:{account.pw_uid}:{account.pw_gid}::"
+            f"{self.root}:/bin/sh\n",
+            0o600,
+        )
         self.write("groups", f"publishers:x:{account.pw_gid}:\n", 0o600)
         # Only root may be the owner of these.
         subprocess.run(as_root(["chown", "0:0", self.folder / "users", self.folder / "groups"]), check=True)
         lines = [
-            "ServerName Mosaicon", "ServerType standalone", f"DefaultAddress {HOST}", "SocketBindTight on",
-            f"Port {self.port}", "UseIPv6 off", f"User {account.pw_name}", "Group nogroup",
-            "AuthOrder mod_auth_file.c", f'AuthUserFile "{self.folder}/users"',
-            f'AuthGroupFile "{self.folder}/groups"', "RequireValidShell off", "UseFtpUsers off",
-            "DefaultRoot ~", f"Umask {UMASK}", "AllowOverwrite on", "AllowStoreRestart on",
-            "AllowRetrieveRestart on", f'PidFile "{self.folder}/pid"',
-            f'ScoreboardFile "{self.folder}/scoreboard"', "DelayEngine off", "TransferLog none",
-            "WtmpLog off", "UseReverseDNS off", f'SystemLog "{self.folder}/system-log"', "MaxInstances none"]
+            "ServerName Mosaicon",
+            "ServerType standalone",
+            f"DefaultAddress {HOST}",
+            "SocketBindTight on",
+            f"Port {self.port}",
+            "UseIPv6 off",
+            f"User {account.pw_name}",
+            "Group nogroup",
+            "AuthOrder mod_auth_file.c",
+            f'AuthUserFile "{self.folder}/users"',
+            f'AuthGroupFile "{self.folder}/groups"',
+            "RequireValidShell off",
+            "UseFtpUsers off",
+            "DefaultRoot ~",
+            f"Umask {UMASK}",
+            "AllowOverwrite on",
+            "AllowStoreRestart on",
+            "AllowRetrieveRestart on",
+            f'PidFile "{self.folder}/pid"',
+            f'ScoreboardFile "{self.folder}/scoreboard"',
+            "DelayEngine off",
+            "TransferLog none",
+            "WtmpLog off",
+            "UseReverseDNS off",
+            f'SystemLog "{self.folder}/system-log"',
+            "MaxInstances none",
+        ]
         if not self.shows_links:
             lines.append("ShowSymlinks off")
         if self.idle:
@@ -303,13 +383,36 @@ class PureFtpd(FtpServer):
     def command(self):
         if self.banner:
             raise ValueError("the greeting of pure-ftpd is its own")
-        users = self.write("users", f"{self.user}:{hashed(self.password)}:{self.account.pw_uid}:"
-                           f"{self.account.pw_gid}::{self.root}/./::::::::::::\n", 0o600)
+        users = self.write(
+            "users",
+            f"{self.user}:{hashed(self.password)}:{self.account.pw_uid}:"
+            f"{self.account.pw_gid}::{self.root}/./::::::::::::\n",
+            0o600,
+        )
         database = self.folder / "users.pdb"
-        subprocess.run([*self.program("usr", "bin", "pure-pw"), "mkdb", str(database), "-f", str(users)],
-                       check=True)
-        options = ["-S", f"{HOST},{self.port}", "-l", f"puredb:{database}", "-E", "-A", "-H", "-z",
-                   "-u", "1", "-U", f"133:{UMASK}", "-C", "50", "-c", "50", "-g", f"{self.folder}/pid"]
+        subprocess.run(
+            [*self.program("usr", "bin", "pure-pw"), "mkdb", str(database), "-f", str(users)], check=True
+        )
+        options = [
+            "-S",
+            f"{HOST},{self.port}",
+            "-l",
+            f"puredb:{database}",
+            "-E",
+            "-A",
+            "-H",
+            "-z",
+            "-u",
+            "1",
+            "-U",
+            f"133:{UMASK}",
+            "-C",
+            "50",
+            "-c",
+            "50",
+            "-g",
+            f"{self.folder}/pid",
+        ]
         if self.idle:
             options += ["-I", str((self.idle + 59) // 60)]
         if not self.passive:
@@ -325,10 +428,20 @@ class Pyftpdlib(FtpServer):
     def command(self):
         refused = [] if self.passive else ["PASV", "EPSV"]
         refused += [] if self.active else ["PORT", "EPRT"]
-        options = {"host": HOST, "port": self.port, "user": self.user, "password": self.password,
-                   "root": str(self.root), "idle": self.idle, "file_limit": self.file_limit,
-                   "banner": self.banner, "dos": self.dos,
-                   "refused": refused, "uid": self.account.pw_uid, "gid": self.account.pw_gid}
+        options = {
+            "host": HOST,
+            "port": self.port,
+            "user": self.user,
+            "password": self.password,
+            "root": str(self.root),
+            "idle": self.idle,
+            "file_limit": self.file_limit,
+            "banner": self.banner,
+            "dos": self.dos,
+            "refused": refused,
+            "uid": self.account.pw_uid,
+            "gid": self.account.pw_gid,
+        }
         return [PYTHON, "-B", str(HERE / "pyftpdlib_server.py"), json.dumps(options)]
 
 
@@ -337,8 +450,9 @@ class PyftpdlibDos(Pyftpdlib):
     dos = True
 
 
-CLASSES = {server.kind: server for server in
-           (Vsftpd, Proftpd, ProftpdNoLinks, PureFtpd, Pyftpdlib, PyftpdlibDos)}
+CLASSES = {
+    server.kind: server for server in (Vsftpd, Proftpd, ProftpdNoLinks, PureFtpd, Pyftpdlib, PyftpdlibDos)
+}
 KINDS = tuple(CLASSES)
 
 

@@ -4,9 +4,10 @@ outlive the test that started it, nor leave processes behind that have lost thei
 
     keeper.py FOLDER COMMAND [ARGUMENT...]
 
-The folder, with what the server needs, goes with the server. It is a program of its own because servers may need to be root, and only root can end them. On its input
-it takes the line "end sessions", which kills what the command has started but not the command itself,
-and answers with the number of processes killed."""
+The folder, with what the server needs, goes with the server. It is a program of its own because servers
+may need to be root, and only root can end them. On its input it takes the line "end sessions", which kills
+what the command has started but not the command itself, and answers with the number of processes
+killed."""
 
 import ctypes
 import os
@@ -77,8 +78,9 @@ def main():
         signal.signal(number, lambda *_: sys.exit(1))
     try:
         # Signals stay as Python has them: one that ignores SIGXFSZ is told that a file is full.
-        command = subprocess.Popen(sys.argv[2:], stdin=subprocess.DEVNULL, stdout=sys.stderr,
-                                   restore_signals=False)
+        command = subprocess.Popen(
+            sys.argv[2:], stdin=subprocess.DEVNULL, stdout=sys.stderr, restore_signals=False
+        )
         while True:
             ready, _, _ = select.select([sys.stdin], [], [], 0.2)
             if ready:

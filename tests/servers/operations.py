@@ -5,7 +5,6 @@ error code where one is due. It leaves the session logged in, in the folder "/".
 import datetime
 import itertools
 import os
-import pathlib
 import random
 import shutil
 import time
@@ -24,6 +23,7 @@ def operation(name, expected="ok", seconds=20):
     def register(function):
         OPERATIONS.append((name, function, expected, seconds))
         return function
+
     return register
 
 
@@ -172,8 +172,16 @@ def listing(trial):
     # Unix listings have no year where they have a time; the client takes the current one.
     year = day.year if trial.server.kind == "pyftpdlib-dos" else datetime.date.today().year
     date = f"{year}-{day.month}-{day.day}"
-    same("listing", found, {("a sub folder", 1, 0, date), ("plain.txt", 0, 11, date),
-                            ("two  words.txt", 0, 70_000, date), ("empty", 0, 0, date)})
+    same(
+        "listing",
+        found,
+        {
+            ("a sub folder", 1, 0, date),
+            ("plain.txt", 0, 11, date),
+            ("two  words.txt", 0, 70_000, date),
+            ("empty", 0, 0, date),
+        },
+    )
     return "ok"
 
 
@@ -233,7 +241,8 @@ def small_files(trial):
     trial.must("cdup")
     sent, received, stored = (
         {path.name: path.read_bytes() for path in folder.iterdir()}
-        for folder in (trial.local / "out", trial.local / "in", trial.root / "tiles"))
+        for folder in (trial.local / "out", trial.local / "in", trial.root / "tiles")
+    )
     same("number of files", len(sent), SMALL_FILES)
     same("upload", stored, sent)
     same("download", received, sent)
@@ -288,8 +297,11 @@ def delete(trial):
 @operation("missing file: rename, delete, download", (65, 10, 48))
 def missing_file(trial):
     trial.must("type", 1)
-    return (trial.ask("rename", "none", "other").result, trial.ask("delete", "none").result,
-            trial.ask("receive", "none", trial.local / "received").result)
+    return (
+        trial.ask("rename", "none", "other").result,
+        trial.ask("delete", "none").result,
+        trial.ask("receive", "none", trial.local / "received").result,
+    )
 
 
 @operation("upload into a missing folder", 51)

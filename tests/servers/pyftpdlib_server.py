@@ -68,8 +68,9 @@ def main(options):
     Handler.timeout = options["idle"] or 300
     if options["banner"]:
         Handler.banner = options["banner"].splitlines()[-1]
-    Handler.proto_cmds = {name: value for name, value in FTPHandler.proto_cmds.items()
-                          if name not in options["refused"]}
+    Handler.proto_cmds = {
+        name: value for name, value in FTPHandler.proto_cmds.items() if name not in options["refused"]
+    }
     MultiprocessFTPServer((options["host"], options["port"]), Handler).serve_forever()
 
 

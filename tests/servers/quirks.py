@@ -11,6 +11,7 @@ def quirk(kind, expected, **options):
     def register(function):
         QUIRKS.append((kind, expected, options, function))
         return function
+
     return register
 
 
@@ -34,8 +35,9 @@ def try_all(driver, kinds):
                 found = f"{found}, and sockets left"
         print(f"{kind}: {function.__doc__}: {found}")
         if found != expected or seconds > 20:
-            failures.append(f"{kind}: {function.__doc__}: {found!r} after {seconds:.1f} s, "
-                            f"expected {expected!r}")
+            failures.append(
+                f"{kind}: {function.__doc__}: {found!r} after {seconds:.1f} s, " f"expected {expected!r}"
+            )
     return failures
 
 

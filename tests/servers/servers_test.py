@@ -32,18 +32,26 @@ MODES = ("passive", "active")
 EXCEPTIONS = {}
 for exception_mode in MODES:
     EXCEPTIONS["list, folder removed meanwhile", "pure-ftpd", exception_mode] = (
-        [50], "the server ends the session with 421")
+        [50],
+        "the server ends the session with 421",
+    )
     EXCEPTIONS["server killed between two commands", "vsftpd", exception_mode] = (
-        [(38, 38), (10, 38)], "of its two processes one may still say that the other has died")
+        [(38, 38), (10, 38)],
+        "of its two processes one may still say that the other has died",
+    )
     for exception_kind in ("pyftpdlib", "pyftpdlib-dos"):
         EXCEPTIONS["list, folder removed meanwhile", exception_kind, exception_mode] = (
-            [14], "the server refuses with 550 before it opens the data connection")
+            [14],
+            "the server refuses with 550 before it opens the data connection",
+        )
 # The command goes out before the connection is made, and a connection that is refused counts as one that
 # is not made in time.
 CLOSES_PORT = "the server may close its data port with the refusal; then the connection is not made"
 for exception_kind in ("proftpd", "proftpd-no-links"):
     EXCEPTIONS["missing file: rename, delete, download", exception_kind, "passive"] = (
-        [(65, 10, 48), (65, 10, 5)], CLOSES_PORT)
+        [(65, 10, 48), (65, 10, 5)],
+        CLOSES_PORT,
+    )
     EXCEPTIONS["upload into a missing folder", exception_kind, "passive"] = ([51, 5], CLOSES_PORT)
 
 
@@ -77,8 +85,10 @@ def try_server(kind, mode, driver):
 def table(columns):
     names = [name for name, *_ in OPERATIONS]
     width = max(map(len, names))
-    rows = [f"{'':{width}}" + "".join(f"  {kind:>13}" for kind, _ in columns),
-            f"{'':{width}}" + "".join(f"  {mode:>13}" for _, mode in columns)]
+    rows = [
+        f"{'':{width}}" + "".join(f"  {kind:>13}" for kind, _ in columns),
+        f"{'':{width}}" + "".join(f"  {mode:>13}" for _, mode in columns),
+    ]
     for name in names:
         rows.append(f"{name:{width}}" + "".join(f"  {show(cells[name]):>13}" for cells in columns.values()))
     return "\n".join(rows)
@@ -104,14 +114,19 @@ def keep(columns, kinds):
     if not folder:
         return
     pathlib.Path(folder).mkdir(parents=True, exist_ok=True)
-    shown = [[kind, mode, {name: show(cell) for name, cell in cells.items()}]
-             for (kind, mode), cells in columns.items()]
+    shown = [
+        [kind, mode, {name: show(cell) for name, cell in cells.items()}]
+        for (kind, mode), cells in columns.items()
+    ]
     pathlib.Path(folder, "-".join(kinds) + ".json").write_text(json.dumps(shown))
 
 
 def show_kept(folder):
-    kept = [column for path in sorted(pathlib.Path(folder).glob("*.json"))
-            for column in json.loads(path.read_text())]
+    kept = [
+        column
+        for path in sorted(pathlib.Path(folder).glob("*.json"))
+        for column in json.loads(path.read_text())
+    ]
     print(table({(kind, mode): cells for kind, mode, cells in kept}))
 
 

@@ -45,8 +45,10 @@ def options_from(arguments):
 
 
 class QuietHandler(http.server.SimpleHTTPRequestHandler):
-    extensions_map = {**http.server.SimpleHTTPRequestHandler.extensions_map,
-                      ".kml": "application/vnd.google-earth.kml+xml"}
+    extensions_map = {
+        **http.server.SimpleHTTPRequestHandler.extensions_map,
+        ".kml": "application/vnd.google-earth.kml+xml",
+    }
 
     def log_message(self, *_):
         pass
@@ -67,11 +69,14 @@ def web_server(folder):
 
 
 def tell(server, web):
-    print(f"== an FTP server is running until the program ends:\n"
-          f"     Host Address  {server.host}:{server.port}\n"
-          f"     Username      {server.user}\n"
-          f"     Password      {server.password}\n"
-          f"     (it keeps its files in {server.root})", flush=True)
+    print(
+        f"== an FTP server is running until the program ends:\n"
+        f"     Host Address  {server.host}:{server.port}\n"
+        f"     Username      {server.user}\n"
+        f"     Password      {server.password}\n"
+        f"     (it keeps its files in {server.root})",
+        flush=True,
+    )
     if web:
         print(f"== what is published there can be seen under {web}/", flush=True)
 
@@ -81,7 +86,9 @@ def main():
         sys.exit(__doc__)
     end = sys.argv.index("--")
     options = options_from(sys.argv[1:end])
-    wants_web, wants_to_know, keeps_umask = (options.pop(name, False) for name in ("web", "tell", "keep_umask"))
+    wants_web, wants_to_know, keeps_umask = (
+        options.pop(name, False) for name in ("web", "tell", "keep_umask")
+    )
     with contextlib.ExitStack() as stack:
         server = stack.enter_context(CLASSES[options.pop("kind")](**options))
         environment = {**os.environ, **server.environment()}
@@ -92,7 +99,7 @@ def main():
             tell(server, web)
         if not keeps_umask:
             os.umask(0)
-        command = subprocess.run(sys.argv[end + 1:], env=environment, check=False)
+        command = subprocess.run(sys.argv[end + 1 :], env=environment, check=False)
     return command.returncode
 
 

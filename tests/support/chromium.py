@@ -37,9 +37,13 @@ class Chromium:
         # The browser reads commands from descriptor 3 and answers on 4.
         shell = f'exec "$0" "$@" 3<&{to_browser} 4>&{from_browser}'
         self.process = subprocess.Popen(
-            ["bash", "-c", shell, program, *self.options()], pass_fds=(to_browser, from_browser),
-            stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-            start_new_session=True)
+            ["bash", "-c", shell, program, *self.options()],
+            pass_fds=(to_browser, from_browser),
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.DEVNULL,
+            stderr=subprocess.DEVNULL,
+            start_new_session=True,
+        )
         os.close(to_browser)
         os.close(from_browser)
         return self
@@ -47,10 +51,20 @@ class Chromium:
     def options(self):
         # Chromium refuses its sandbox to root, which continuous integration is.
         sandbox = ["--no-sandbox"] if os.geteuid() == 0 else []
-        return ["--headless", "--remote-debugging-pipe", f"--user-data-dir={self.profile.name}",
-                "--host-resolver-rules=MAP * ~NOTFOUND, EXCLUDE 127.0.0.1", "--no-proxy-server",
-                "--disable-background-networking", "--disable-component-update", "--disable-gpu",
-                "--disable-dev-shm-usage", "--no-first-run", *sandbox, "about:blank"]
+        return [
+            "--headless",
+            "--remote-debugging-pipe",
+            f"--user-data-dir={self.profile.name}",
+            "--host-resolver-rules=MAP * ~NOTFOUND, EXCLUDE 127.0.0.1",
+            "--no-proxy-server",
+            "--disable-background-networking",
+            "--disable-component-update",
+            "--disable-gpu",
+            "--disable-dev-shm-usage",
+            "--no-first-run",
+            *sandbox,
+            "about:blank",
+        ]
 
     def __exit__(self, *_):
         os.close(self.commands)
@@ -70,8 +84,9 @@ class Chromium:
 
     def open_page(self, url, expression="null", stand_ins=None):
         """Loads a page in a tab of its own, waits until it has settled, and returns the events as
-        (method, parameters) pairs, and what the JavaScript expression, or its promise, then yields in it. stand_ins are
-        what the page gets from addresses that cannot be reached: {address: (content type, bytes)}."""
+        (method, parameters) pairs, and what the JavaScript expression, or its promise, then yields in it.
+        stand_ins are what the page gets from addresses that cannot be reached:
+        {address: (content type, bytes)}."""
         target = self.call("Target.createTarget", url="about:blank")["targetId"]
         session = self.call("Target.attachToTarget", targetId=target, flatten=True)["sessionId"]
         for domain in ("Page", "Network", "Runtime", "Log"):
@@ -85,9 +100,12 @@ class Chromium:
         if error:
             raise ConnectionError(f"{url}: {error}")
         self.wait_until_settled(session)
-        answer = self.call("Runtime.evaluate", session, expression=expression, returnByValue=True,
-                           awaitPromise=True)
-        events = [(each["method"], each["params"]) for each in self.events if each.get("sessionId") == session]
+        answer = self.call(
+            "Runtime.evaluate", session, expression=expression, returnByValue=True, awaitPromise=True
+        )
+        events = [
+            (each["method"], each["params"]) for each in self.events if each.get("sessionId") == session
+        ]
         if "exceptionDetails" in answer:
             raise ValueError(f"{expression}: {answer['exceptionDetails']}")
         self.call("Target.closeTarget", targetId=target)
@@ -112,9 +130,14 @@ class Chromium:
         self.events.append(event)
         if event["method"] == "Fetch.requestPaused":
             content_type, content = self.stand_ins[event["params"]["request"]["url"]]
-            self.send("Fetch.fulfillRequest", event["sessionId"], requestId=event["params"]["requestId"],
-                      responseCode=200, responseHeaders=[{"name": "Content-Type", "value": content_type}],
-                      body=base64.b64encode(content).decode())
+            self.send(
+                "Fetch.fulfillRequest",
+                event["sessionId"],
+                requestId=event["params"]["requestId"],
+                responseCode=200,
+                responseHeaders=[{"name": "Content-Type", "value": content_type}],
+                body=base64.b64encode(content).decode(),
+            )
 
     def send(self, method, session=None, **parameters):
         self.last_id += 1
@@ -123,7 +146,7 @@ class Chromium:
             message["sessionId"] = session
         data = json.dumps(message).encode() + b"\0"
         while data:
-            data = data[os.write(self.commands, data):]
+            data = data[os.write(self.commands, data) :]
         return self.last_id
 
     def call(self, method, session=None, **parameters):

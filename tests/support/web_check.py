@@ -51,8 +51,11 @@ class PageVisit:
         the console but about another host."""
         faults = [f"{each.method} {each.path}: {each.status}" for each in self.requests if each.status != 200]
         faults += [f"{address}: {reason}" for address, reason in self.failed if not self.is_outside(address)]
-        faults += [f"{each.source}: {each.text}" for each in self.console
-                   if each.level == "error" and not self.is_outside(each.source)]
+        faults += [
+            f"{each.source}: {each.text}"
+            for each in self.console
+            if each.level == "error" and not self.is_outside(each.source)
+        ]
         return faults
 
     def is_outside(self, address):
@@ -108,8 +111,9 @@ class WebCheck:
             self.browser = Chromium().__enter__()
         self.requests.clear()
         events, value = self.browser.open_page(f"{self.origin}/{path}", expression, stand_ins)
-        return PageVisit(self.origin, list(self.requests), console_messages(events), failed_requests(events),
-                         value)
+        return PageVisit(
+            self.origin, list(self.requests), console_messages(events), failed_requests(events), value
+        )
 
     def broken_kml_links(self, path, published=None):
         """Follows the links of a KML file of the folder, and those of every KML file that it leads to,
@@ -126,7 +130,7 @@ class WebCheck:
             if not address.startswith(published):
                 broken.append(f"{address} in {document} leads elsewhere")
                 continue
-            status, content = self.fetch(address[len(published):])
+            status, content = self.fetch(address[len(published) :])
             if status != 200:
                 broken.append(f"{address} in {document}: {status}")
             elif urllib.parse.urlsplit(address).path.endswith(".kml"):
@@ -166,8 +170,11 @@ def without_dots(address):
 
 
 def kml_links(content):
-    return [(node.text or "").strip() for node in ElementTree.fromstring(content).iter()
-            if node.tag.rpartition("}")[2] == "href"]
+    return [
+        (node.text or "").strip()
+        for node in ElementTree.fromstring(content).iter()
+        if node.tag.rpartition("}")[2] == "href"
+    ]
 
 
 def console_messages(events):
@@ -192,8 +199,13 @@ def script_of(parameters):
 
 
 def failed_requests(events):
-    addresses = {parameters["requestId"]: parameters["request"]["url"]
-                 for method, parameters in events if method == "Network.requestWillBeSent"}
-    return [(addresses.get(parameters["requestId"], ""), parameters["errorText"] or "blocked")
-            for method, parameters in events
-            if method == "Network.loadingFailed" and not parameters.get("canceled")]
+    addresses = {
+        parameters["requestId"]: parameters["request"]["url"]
+        for method, parameters in events
+        if method == "Network.requestWillBeSent"
+    }
+    return [
+        (addresses.get(parameters["requestId"], ""), parameters["errorText"] or "blocked")
+        for method, parameters in events
+        if method == "Network.loadingFailed" and not parameters.get("canceled")
+    ]

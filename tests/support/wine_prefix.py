@@ -33,8 +33,14 @@ class WinePrefix:
         self.path, self._lock = lock_one_of([original.with_name(f"{original.name}-{each}") for each in names])
         os.environ["WINEPREFIX"] = str(self.path)
         self.empty()
-        shutil.copytree(original, self.path, symlinks=True, dirs_exist_ok=True,
-                        ignore=temporary_files, copy_function=link_or_copy_registry)
+        shutil.copytree(
+            original,
+            self.path,
+            symlinks=True,
+            dirs_exist_ok=True,
+            ignore=temporary_files,
+            copy_function=link_or_copy_registry,
+        )
 
     def empty(self):
         """With all that still runs in it. The folder itself stays: it is the lock."""

@@ -14,8 +14,7 @@ import checksums  # noqa: E402
 # The names that the program opens, and their titles.
 TITLES = {
     "MOS_InputOutput.pdf": "Input and output of Mosaicon",
-    "Setup a simple Web Server for ZPD datasets.pdf":
-        "Set up a simple web server for ZPD datasets",
+    "Setup a simple Web Server for ZPD datasets.pdf": "Set up a simple web server for ZPD datasets",
 }
 
 
@@ -29,8 +28,9 @@ class TutorialsTest(unittest.TestCase):
     def test_no_source_has_changed_since_the_tutorials_were_made(self):
         files = [path for path in TUTORIALS.iterdir() if path.name != "checksums.txt"]
         files.append(TOP / "resources" / "art" / "mosaicon.svg")
-        self.assertEqual(checksums.problems(TUTORIALS / "checksums.txt", files), [],
-                         "run docs/tutorials/make-pdfs")
+        self.assertEqual(
+            checksums.problems(TUTORIALS / "checksums.txt", files), [], "run docs/tutorials/make-pdfs"
+        )
 
     def test_the_two_tutorials_of_the_program_are_there(self):
         self.assertEqual({path.name for path in TUTORIALS.glob("*.pdf")}, set(TITLES))

@@ -42,7 +42,10 @@ class Screen:
         read, write = os.pipe()
         self._server = subprocess.Popen(
             ["Xvfb", "-displayfd", str(write), "-screen", "0", "1920x1200x24", "-nolisten", "tcp"],
-            pass_fds=[write], stdin=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            pass_fds=[write],
+            stdin=subprocess.DEVNULL,
+            stderr=subprocess.DEVNULL,
+        )
         os.close(write)
         with os.fdopen(read) as answer:
             number = answer.readline().strip()
@@ -68,8 +71,9 @@ def main():
         try:
             configure(prefix.path, options.dpi)
             os.environ["MOSAICON_UI_RUN"] = uuid.uuid4().hex
-            run = subprocess.run([os.environ.get("WINE", "wine"), options.program, *options.arguments],
-                                 check=False)
+            run = subprocess.run(
+                [os.environ.get("WINE", "wine"), options.program, *options.arguments], check=False
+            )
         finally:
             prefix.close()
     return run.returncode

@@ -61,9 +61,13 @@ def parent_of(pid):
 def keep_wine_running():
     """For a whole module: otherwise each test starts Wine's own processes anew, which inherit its
     pipes and hold them open until they end, seconds later."""
-    shell = subprocess.Popen([WINE, "cmd"], env={**os.environ, "WINEDEBUG": "-all"},
-                             stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                             stderr=subprocess.DEVNULL)
+    shell = subprocess.Popen(
+        [WINE, "cmd"],
+        env={**os.environ, "WINEDEBUG": "-all"},
+        stdin=subprocess.PIPE,
+        stdout=subprocess.PIPE,
+        stderr=subprocess.DEVNULL,
+    )
     shell.stdout.readline()
     unittest.addModuleCleanup(shell.communicate, b"exit\n", timeout=PATIENCE)
 
@@ -80,8 +84,11 @@ class BridgeTest(unittest.TestCase):
     def processes(self, part=""):
         """Processes at work in this test's folder, with the given text in the command line."""
         pids = [int(name) for name in os.listdir("/proc") if name.isdigit()]
-        return [pid for pid in pids if is_alive(pid) and part in command_line_of(pid)
-                and directory_of(pid) == str(self.folder)]
+        return [
+            pid
+            for pid in pids
+            if is_alive(pid) and part in command_line_of(pid) and directory_of(pid) == str(self.folder)
+        ]
 
     def agents(self):
         """The two processes of python_host.py, parent first."""
@@ -106,8 +113,14 @@ class BridgeTest(unittest.TestCase):
     def run_bridge(self, *arguments, program=(BRIDGE.name,), **changes):
         """Ordinary start: the command line begins with the program's name."""
         return subprocess.run(
-            [WINE, *program, *arguments], cwd=self.folder, env=self.environment(changes),
-            stdin=subprocess.DEVNULL, capture_output=True, timeout=PATIENCE, check=False)
+            [WINE, *program, *arguments],
+            cwd=self.folder,
+            env=self.environment(changes),
+            stdin=subprocess.DEVNULL,
+            capture_output=True,
+            timeout=PATIENCE,
+            check=False,
+        )
 
     def told(self, *arguments, program=(BRIDGE.name,), **changes):
         """What a script finds out that prints JSON."""
@@ -119,8 +132,13 @@ class BridgeTest(unittest.TestCase):
         """Start as the program does it; see launcher_for_test.cpp."""
         launched = subprocess.Popen(
             [WINE, "launcher_for_test.exe", BRIDGE.name, str(lifetime_ms), command_line],
-            cwd=self.folder, env=self.environment({}),
-            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, bufsize=0)
+            cwd=self.folder,
+            env=self.environment({}),
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE,
+            bufsize=0,
+        )
         self.addCleanup(self.abandon, launched)
         return launched
 

@@ -14,8 +14,16 @@ import time
 import unittest
 from unittest import mock
 
-from bridge_test_support import (BRIDGE, TELL_ARGUMENTS, WINEPREFIX, BridgeTest, is_alive,
-                                 keep_wine_running, wait_until, windows_path)
+from bridge_test_support import (
+    BRIDGE,
+    TELL_ARGUMENTS,
+    WINEPREFIX,
+    BridgeTest,
+    is_alive,
+    keep_wine_running,
+    wait_until,
+    windows_path,
+)
 
 sys.path.insert(0, str(BRIDGE.parent))
 import python_host  # pylint: disable=wrong-import-position
@@ -72,12 +80,33 @@ class Arguments(BridgeTest):
         script = self.script("import os, sys, json; print(json.dumps([os.getcwd(), sys.argv]))")
         image, out = self.folder / "in ü.tif", self.folder / "new" / "out"
         image.touch()
-        line = (f' "{windows_path(script)}" -a 0 -s EPSG:32632 -p mercator -t "a title" -k -u ../'
-                f' "{windows_path(image)}" "{windows_path(out)}"')
+        line = (
+            f' "{windows_path(script)}" -a 0 -s EPSG:32632 -p mercator -t "a title" -k -u ../'
+            f' "{windows_path(image)}" "{windows_path(out)}"'
+        )
         output, code = self.finish(self.launch(line))
-        self.assertEqual(json.loads(output), [str(self.folder), [
-            str(script), "-a", "0", "-s", "EPSG:32632", "-p", "mercator", "-t", "a title", "-k",
-            "-u", "../", str(image), str(out)]])
+        self.assertEqual(
+            json.loads(output),
+            [
+                str(self.folder),
+                [
+                    str(script),
+                    "-a",
+                    "0",
+                    "-s",
+                    "EPSG:32632",
+                    "-p",
+                    "mercator",
+                    "-t",
+                    "a title",
+                    "-k",
+                    "-u",
+                    "../",
+                    str(image),
+                    str(out),
+                ],
+            ],
+        )
         self.assertEqual(code, 0)
 
     def test_program_name_without_leading_blank_is_no_argument(self):
@@ -126,9 +155,14 @@ class Arguments(BridgeTest):
 
 class Output(BridgeTest):
     def test_ends_with_the_exit_code_of_the_script(self):
-        for code, statement in {0: "pass", 3: "exit(3)", 255: "exit(255)", 1: "raise OSError",
-                                143: "import os; os.kill(os.getpid(), 15)",
-                                137: "import os; os.kill(os.getpid(), 9)"}.items():
+        for code, statement in {
+            0: "pass",
+            3: "exit(3)",
+            255: "exit(255)",
+            1: "raise OSError",
+            143: "import os; os.kill(os.getpid(), 15)",
+            137: "import os; os.kill(os.getpid(), 9)",
+        }.items():
             with self.subTest(statement):
                 self.script(statement)
                 self.assertEqual(self.finish(self.launch(" script.py"))[1], code)
@@ -140,23 +174,26 @@ class Output(BridgeTest):
         self.assertIn(b"No such file", result.stdout)
 
     def test_keeps_the_order_of_standard_output_and_standard_error(self):
-        self.script("import sys\nfor i in range(300):\n"
-                    "    print(i, file=(sys.stdout, sys.stderr)[i % 2])")
+        self.script("import sys\nfor i in range(300):\n" "    print(i, file=(sys.stdout, sys.stderr)[i % 2])")
         output, _ = self.finish(self.launch(" script.py"))
         self.assertEqual(output.split(), [b"%d" % i for i in range(300)])
 
     def test_first_bytes_arrive_while_the_script_still_runs(self):
         go = self.folder / "go"
-        self.script(f"import os, time\nprint('first', end='')\n"
-                    f"while not os.path.exists({str(go)!r}): time.sleep(0.01)\nprint(' last')")
+        self.script(
+            f"import os, time\nprint('first', end='')\n"
+            f"while not os.path.exists({str(go)!r}): time.sleep(0.01)\nprint(' last')"
+        )
         launched = self.launch(" script.py")
         self.assertEqual(self.first_output(launched), b"first")
         go.touch()
         self.assertEqual(self.finish(launched), (b" last\n", 0))
 
     def test_a_megabyte_of_any_bytes_stays_intact_for_a_slow_reader(self):
-        self.script("import hashlib, sys\nfor i in range(1 << 15):\n"
-                    "    sys.stdout.buffer.write(hashlib.sha256(b'%d' % i).digest())")
+        self.script(
+            "import hashlib, sys\nfor i in range(1 << 15):\n"
+            "    sys.stdout.buffer.write(hashlib.sha256(b'%d' % i).digest())"
+        )
         launched = self.launch(" script.py")
         self.assertIsNone(wait_until(lambda: launched.poll() is not None, 2), "did not block")
         expected = b"".join(hashlib.sha256(b"%d" % i).digest() for i in range(1 << 15))
@@ -165,8 +202,7 @@ class Output(BridgeTest):
         self.assertEqual(code, 0)
 
     def test_script_reads_an_empty_standard_input(self):
-        self.assertEqual(self.run_bridge("-c", "print(repr(open(0).read()))")
-                         .stdout, b"''\n")
+        self.assertEqual(self.run_bridge("-c", "print(repr(open(0).read()))").stdout, b"''\n")
 
 
 class EndOfProcesses(BridgeTest):
@@ -188,9 +224,11 @@ class EndOfProcesses(BridgeTest):
         self.check_that_all_end(pids)
 
     def test_script_may_clean_up_when_the_bridge_is_terminated(self):
-        self.script("import signal, time\n"
-                    "def clean_up(number, frame): open('cleaned', 'w').close(); exit()\n"
-                    "signal.signal(signal.SIGTERM, clean_up)\nprint('ready')\ntime.sleep(120)")
+        self.script(
+            "import signal, time\n"
+            "def clean_up(number, frame): open('cleaned', 'w').close(); exit()\n"
+            "signal.signal(signal.SIGTERM, clean_up)\nprint('ready')\ntime.sleep(120)"
+        )
         self.assertEqual(self.finish(self.launch(" script.py", lifetime_ms=100))[1], 77)
         self.assertIsNotNone(wait_until((self.folder / "cleaned").exists, NO_ORPHAN_SECONDS))
 
@@ -225,9 +263,11 @@ class EndOfProcesses(BridgeTest):
         self.assertEqual(self.finish(launched)[1], 125)
 
     def test_child_that_the_script_leaves_behind_ends_with_it(self):
-        self.script("import subprocess, sys\n"
-                    "child = subprocess.Popen(['sleep', '120'], start_new_session=True)\n"
-                    "print(child.pid)\nsys.exit(5)")
+        self.script(
+            "import subprocess, sys\n"
+            "child = subprocess.Popen(['sleep', '120'], start_new_session=True)\n"
+            "print(child.pid)\nsys.exit(5)"
+        )
         start = time.monotonic()
         output, code = self.finish(self.launch(" script.py"))
         self.assertEqual(code, 5)
@@ -235,9 +275,11 @@ class EndOfProcesses(BridgeTest):
         self.assertFalse(is_alive(int(output)))
 
     def test_finished_workers_leave_the_exit_code_alone(self):
-        self.script("import multiprocessing\nif __name__ == '__main__':\n"
-                    "    with multiprocessing.Pool(2) as pool:\n"
-                    "        print(sum(pool.map(abs, range(-100, 0))))\n    exit(9)")
+        self.script(
+            "import multiprocessing\nif __name__ == '__main__':\n"
+            "    with multiprocessing.Pool(2) as pool:\n"
+            "        print(sum(pool.map(abs, range(-100, 0))))\n    exit(9)"
+        )
         self.assertEqual(self.finish(self.launch(" script.py")), (b"5050\n", 9))
 
 
@@ -248,8 +290,7 @@ class Environment(BridgeTest):
         """From the command processor: Wine does not take TEMP and TMP from the host."""
         self.script(self.TELL)
         lines = [f"@set {name}={value}\n" for name, value in variables.items()]
-        (self.folder / "tell.bat").write_text("".join(lines) + "@python.exe script.py\n",
-                                              encoding="cp437")
+        (self.folder / "tell.bat").write_text("".join(lines) + "@python.exe script.py\n", encoding="cp437")
         return self.told(program=("cmd", "/c", "tell.bat"))
 
     def test_paths_of_the_windows_gdal_stay_out(self):
@@ -269,25 +310,30 @@ class Environment(BridgeTest):
     def test_folders_and_log_of_the_windows_side_are_translated(self):
         temp = self.folder / "tëmp"
         temp.mkdir()
-        got = self.told_with(TEMP=windows_path(temp), TMP=windows_path(self.folder / "none"),
-                             LOCALAPPDATA="C:\\local",
-                             MOSAICON_TILER_LOG=windows_path(self.folder / "log/x.txt"))
-        wanted = {"TEMP": str(temp), "TMPDIR": str(temp), "TMP": str(self.folder / "none"),
-                  "LOCALAPPDATA": str(WINEPREFIX / "drive_c/local"),
-                  "MOSAICON_TILER_LOG": str(self.folder / "log/x.txt")}
+        got = self.told_with(
+            TEMP=windows_path(temp),
+            TMP=windows_path(self.folder / "none"),
+            LOCALAPPDATA="C:\\local",
+            MOSAICON_TILER_LOG=windows_path(self.folder / "log/x.txt"),
+        )
+        wanted = {
+            "TEMP": str(temp),
+            "TMPDIR": str(temp),
+            "TMP": str(self.folder / "none"),
+            "LOCALAPPDATA": str(WINEPREFIX / "drive_c/local"),
+            "MOSAICON_TILER_LOG": str(self.folder / "log/x.txt"),
+        }
         self.assertEqual({name: got.get(name) for name in wanted}, wanted)
 
     def test_missing_temp_folder_and_untranslatable_log_are_not_passed_on(self):
-        got = self.told_with(TEMP=windows_path(self.folder / "none"),
-                             MOSAICON_TILER_LOG="Q:\\x.txt")
+        got = self.told_with(TEMP=windows_path(self.folder / "none"), MOSAICON_TILER_LOG="Q:\\x.txt")
         self.assertNotEqual(got.get("TMPDIR"), str(self.folder / "none"))
         self.assertNotIn("MOSAICON_TILER_LOG", got)
 
     def test_windows_search_path_is_replaced(self):
         for path in ("C:\\windows\\system32;C:\\windows", "C:/windows"):
             with self.subTest(path), mock.patch.dict(os.environ, PATH=path):
-                self.assertEqual(python_host.script_environment({})["PATH"],
-                                 "/usr/local/bin:/usr/bin:/bin")
+                self.assertEqual(python_host.script_environment({})["PATH"], "/usr/local/bin:/usr/bin:/bin")
 
 
 class Start(BridgeTest):
@@ -318,19 +364,22 @@ class Start(BridgeTest):
         self.assertLess(time.monotonic() - start, 30)
 
     def test_interpreter_that_hangs_up_is_reported(self):
-        hang_up = ("import socket, sys; s = socket.create_connection(('127.0.0.1', "
-                   "int(sys.argv[3]))); s.sendall(sys.argv[4].encode())")
+        hang_up = (
+            "import socket, sys; s = socket.create_connection(('127.0.0.1', "
+            "int(sys.argv[3]))); s.sendall(sys.argv[4].encode())"
+        )
         interpreter = self.stand_in(f'exec /usr/bin/python3 -c "{hang_up}" "$@"\n')
         result = self.run_bridge("-c", "print('ran')", MOSAICON_HOST_PYTHON=interpreter)
         self.assertIn(result.returncode, (125, 126))
         self.assertEqual(result.stdout, b"")
 
     def test_stranger_without_the_token_is_turned_away(self):
-        stranger = ("import socket, sys; s = socket.create_connection(('127.0.0.1', "
-                    "int(sys.argv[3]))); s.sendall(b'f' * 32); "
-                    "print(s.recv(1), file=open('stranger', 'w'))")
-        interpreter = self.stand_in(f'/usr/bin/python3 -c "{stranger}" "$@"\n'
-                                    'exec /usr/bin/python3 "$@"\n')
+        stranger = (
+            "import socket, sys; s = socket.create_connection(('127.0.0.1', "
+            "int(sys.argv[3]))); s.sendall(b'f' * 32); "
+            "print(s.recv(1), file=open('stranger', 'w'))"
+        )
+        interpreter = self.stand_in(f'/usr/bin/python3 -c "{stranger}" "$@"\n' 'exec /usr/bin/python3 "$@"\n')
         result = self.run_bridge("-c", "exit(42)", MOSAICON_HOST_PYTHON=interpreter)
         self.assertEqual((result.returncode, result.stderr), (42, b""))
         self.assertEqual((self.folder / "stranger").read_text(), "b''\n")
@@ -339,8 +388,9 @@ class Start(BridgeTest):
         (self.folder / "venv").mkdir()
         interpreter = self.folder / "venv" / "python3"
         interpreter.symlink_to("/usr/bin/python3")
-        got = self.run_bridge("-c", "import sys; print(sys.executable)",
-                              MOSAICON_HOST_PYTHON=str(interpreter))
+        got = self.run_bridge(
+            "-c", "import sys; print(sys.executable)", MOSAICON_HOST_PYTHON=str(interpreter)
+        )
         self.assertEqual(got.stdout.decode(), f"{interpreter}\n")
 
 

@@ -180,9 +180,16 @@ def script_environment(variables):
 def start_script(directory, arguments, variables):
     agent = os.getpid()
     return subprocess.Popen(
-        [sys.executable, *arguments], cwd=directory, env=script_environment(variables), bufsize=0,
-        stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-        start_new_session=True, preexec_fn=lambda: tie_to_parent(agent, signal.SIGKILL))
+        [sys.executable, *arguments],
+        cwd=directory,
+        env=script_environment(variables),
+        bufsize=0,
+        stdin=subprocess.DEVNULL,
+        stdout=subprocess.PIPE,
+        stderr=subprocess.STDOUT,
+        start_new_session=True,
+        preexec_fn=lambda: tie_to_parent(agent, signal.SIGKILL),
+    )
 
 
 def forward_output(channel, script):
