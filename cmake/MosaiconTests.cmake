@@ -1,4 +1,4 @@
-# GoogleTest, and one function to declare a test program.
+# GoogleTest, and functions to declare test programs.
 find_package(GTest CONFIG QUIET)
 if(NOT GTest_FOUND AND NOT MOSAICON_FUZZ)
   set(INSTALL_GTEST OFF CACHE INTERNAL "")
@@ -39,29 +39,49 @@ if(MOSAICON_SANITIZE)
     "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp" "UBSAN_OPTIONS=print_stacktrace=1")
 endif()
 
-# mosaicon_add_test(NAME LABEL SOURCES ... LIBRARIES ...): one GoogleTest program, one CTest entry.
-# Those with the label "ui" show windows: they need a screen, and one at a time gets it, because there
-# is only one focus.
+# Runs what follows in a Wine prefix, and on a screen, of its own. -B: leaves nothing behind in the source
+# folder.
+set(MOSAICON_IN_OWN_PREFIX ${MOSAICON_PYTHON} -B "${PROJECT_SOURCE_DIR}/tests/support/in_own_prefix.py")
+
+# mosaicon_add_test(NAME LABEL [ONCE] SOURCES ... LIBRARIES ... [SHARDS COUNT]): one GoogleTest program.
+#   LABEL   those with the label "ui" show windows. There is only one focus, so each has a screen of its own.
+#   ONCE    takes long and says the same in every build for Windows: left out of the one that says so.
+#   SHARDS  that many CTest entries, which share the tests among them.
 function(mosaicon_add_test name label)
-  cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "SOURCES;LIBRARIES")
+  cmake_parse_arguments(PARSE_ARGV 2 arg "ONCE" "SHARDS" "SOURCES;LIBRARIES")
+  if(arg_ONCE AND NOT MOSAICON_LONG_TESTS)
+    return()
+  endif()
   add_executable(${name} ${arg_SOURCES})
   # Linting GoogleTest's macros takes longer than the whole rest.
   set_target_properties(${name} PROPERTIES CXX_CLANG_TIDY "")
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} mosaicon_test_support mosaicon_options)
-  add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT 300
-    ENVIRONMENT "${mosaicon_test_environment}")
-  if(label STREQUAL ui)
-    set_tests_properties(${name} PROPERTIES RESOURCE_LOCK screen)
-    if(CMAKE_CROSSCOMPILING)
-      # On a screen without a window manager, Wine waits two seconds for it whenever a window goes.
-      add_test(NAME ${name}_unmanaged COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} reg add
-        "HKCU\\Software\\Wine\\AppDefaults\\${name}.exe\\X11 Driver" /v Managed /d N /f)
-      set_tests_properties(${name}_unmanaged PROPERTIES LABELS ui FIXTURES_SETUP ${name}_unmanaged
-        ENVIRONMENT "WINEDEBUG=-all")
-      set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED ${name}_unmanaged)
-    endif()
+  set(command ${name})
+  if(label STREQUAL ui AND CMAKE_CROSSCOMPILING)
+    set(command ${MOSAICON_IN_OWN_PREFIX} "$<TARGET_FILE:${name}>")
   endif()
+  mosaicon_add_entries(${name} "${arg_SHARDS}" COMMAND ${command})
+  set_tests_properties(${mosaicon_entries} PROPERTIES LABELS ${label} TIMEOUT 300)
+endfunction()
+
+# mosaicon_add_entries(NAME SHARDS COMMAND ...): the CTest entries of a GoogleTest program, with the
+# environment of all tests; leaves their names in mosaicon_entries. Without SHARDS there is one.
+function(mosaicon_add_entries name shards)
+  set(mosaicon_entries "")
+  if("${shards}" STREQUAL "")
+    add_test(NAME ${name} ${ARGN})
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT "${mosaicon_test_environment}")
+    list(APPEND mosaicon_entries ${name})
+  else()
+    foreach(number RANGE 1 ${shards})
+      math(EXPR index "${number} - 1")
+      add_test(NAME ${name}_${number} ${ARGN})
+      set_tests_properties(${name}_${number} PROPERTIES
+        ENVIRONMENT "${mosaicon_test_environment};GTEST_TOTAL_SHARDS=${shards};GTEST_SHARD_INDEX=${index}")
+      list(APPEND mosaicon_entries ${name}_${number})
+    endforeach()
+  endif()
+  set(mosaicon_entries ${mosaicon_entries} PARENT_SCOPE)
 endfunction()
 
 # mosaicon_add_fuzz_target(NAME LIBRARIES ...): NAME_fuzz.cpp, with libFuzzer in the build for that. In

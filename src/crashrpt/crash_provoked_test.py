@@ -17,6 +17,8 @@ def setUpModule():
 
 
 class Provoked(CrashTest):
+    short_dumps = True
+
     def provoke(self, kind):
         victim = self.start_crasher("wait")
         self.assertTrue(wait_until(lambda: self.lines_of(victim)))

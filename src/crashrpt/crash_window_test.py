@@ -36,6 +36,7 @@ def setUpModule():
 
 class Window(CrashTest):
     quiet = "0"
+    short_dumps = True
 
     def crash_with_window(self, *options):
         """Crashes; returns the name of the report."""

@@ -109,7 +109,7 @@ def ours(stage, drive, folder, server, scratch):
             [
                 sys.executable,
                 "-B",
-                str(TESTS / "ui" / "in_own_prefix.py"),
+                str(TESTS / "support" / "in_own_prefix.py"),
                 str(drive),
                 windows_path(stage / "Mosaicon.exe"),
                 "",

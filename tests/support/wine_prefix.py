@@ -1,5 +1,5 @@
 """A copy of the Wine prefix for one run of tests, so that other users of it are neither seen nor
-disturbed. There are a few places for each kind of tests, in turn: a run that was killed leaves its place
+disturbed. Each kind of tests has its places, which are used again: a run that was killed leaves its place
 full, but never locked. They lie beside the original, in the same file system: the large files are linked.
 """
 
@@ -10,6 +10,7 @@ import subprocess
 import time
 
 PATIENCE = 120  # seconds until Wine counts as hung
+PLACES = 16  # at most so many copies for one kind of tests at once
 
 
 def lock_one_of(folders):
@@ -27,10 +28,10 @@ def lock_one_of(folders):
 
 
 class WinePrefix:
-    def __init__(self, original, name, places=1):
-        """Waits for its turn; then WINEPREFIX names the copy."""
-        names = [name] + [f"{name}-{number}" for number in range(2, places + 1)]
-        self.path, self._lock = lock_one_of([original.with_name(f"{original.name}-{each}") for each in names])
+    def __init__(self, original, name):
+        """Waits for a free place; then WINEPREFIX names the copy."""
+        places = [original.with_name(f"{original.name}-{name}-{number}") for number in range(1, PLACES + 1)]
+        self.path, self._lock = lock_one_of(places)
         os.environ["WINEPREFIX"] = str(self.path)
         self.empty()
         shutil.copytree(

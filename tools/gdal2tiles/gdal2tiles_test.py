@@ -1,4 +1,4 @@
-"""What the tiling script makes of good images. Running this file runs all tests of the script."""
+"""What the tiling script makes of good images."""
 
 import os
 import subprocess
@@ -249,12 +249,6 @@ class Texts(TilerTestCase):
         page = self.read(os.path.join(self.output, "googlemaps.html"))
         self.assertIn("key=Geheim123", page)
         self.assertNotIn("Geheim123", self.log)
-
-
-def load_tests(loader, tests, pattern):
-    for part in ("extent", "failures", "parts"):
-        tests.addTests(loader.loadTestsFromName("mosaicon_tiler_%s_test" % part))
-    return tests
 
 
 if __name__ == "__main__":

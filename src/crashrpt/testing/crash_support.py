@@ -132,13 +132,15 @@ def png_size_and_rows(data):
 class CrashTest(unittest.TestCase):
     maxDiff = None
     quiet = "1"
+    short_dumps = False  # the system's own take Wine seconds
 
     def setUp(self):
         # The blank is part of every test.
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="crash reports ")).resolve()
         self.addCleanup(shutil.rmtree, self.folder)
         self.reports = self.folder / "reports"
-        self.environment = {**os.environ, "CRASHREPORT_QUIET": self.quiet}
+        # What Wine has to say is shown when a program ends as it should not.
+        self.environment = {**os.environ, "CRASHREPORT_QUIET": self.quiet, "WINEDEBUG": "err+all,fixme-all"}
         self.started = []
         self.addCleanup(self.end_all)
 
@@ -151,21 +153,24 @@ class CrashTest(unittest.TestCase):
     # Running
 
     def start(self, program, *arguments):
-        """Its output goes into a file: a sender that outlives it would hold a pipe open."""
+        """Its output goes into files: a sender that outlives it would hold a pipe open."""
         output = self.folder / f"output-{len(self.started)}"
-        with open(output, "wb") as file:
+        errors = self.folder / f"errors-{len(self.started)}"
+        with open(output, "wb") as output_file, open(errors, "wb") as errors_file:
             process = subprocess.Popen(
                 command(program, *arguments),
                 stdin=subprocess.DEVNULL,
-                stdout=file,
-                stderr=subprocess.DEVNULL,
+                stdout=output_file,
+                stderr=errors_file,
                 env=self.environment,
             )
-        process.output = output
+        process.output, process.errors = output, errors
         self.started.append(process)
         return process
 
     def start_crasher(self, crash, *options):
+        if self.short_dumps:
+            options = ("--debug-help=" + windows_path(PROGRAMS / "crashrpt_short_dump.dll"), *options)
         return self.start("crashrpt_crasher.exe", crash, "--folder=" + windows_path(self.reports), *options)
 
     def lines_of(self, process):
@@ -178,8 +183,9 @@ class CrashTest(unittest.TestCase):
 
     def crash(self, how, *options):
         """Crashes, and returns the one report with (process, thread), as the program told them last."""
-        code, lines = self.end_of(self.start_crasher(how, *options))
-        self.assertEqual(code, REPORTED, lines)
+        crasher = self.start_crasher(how, *options)
+        code, lines = self.end_of(crasher)
+        self.assertEqual(code, REPORTED, (lines, crasher.errors.read_text(errors="replace")))
         return self.only_report(), [tuple(line.split()) for line in lines]
 
     # Reading

@@ -3,9 +3,9 @@
 away afterwards. What the program stores is not found by others, nor what others store by it. It also has
 a screen of its own, on which its windows are in front.
 
-    in_own_prefix.py [--dpi DOTS_PER_INCH] PROGRAM [ARGUMENT...]
+    in_own_prefix.py [--dpi DOTS_PER_INCH] [--host] PROGRAM [ARGUMENT...]
 
-Wine draws the frames of windows itself there, because a bare screen has nobody else to do it. The exit
+With --host the program is one of this side, and what it starts by Wine is there. Wine draws the frames of windows itself there, because a bare screen has nobody else to do it. The exit
 code is the program's. MOSAICON_UI_RUN marks it and all that it starts, for who looks for leftovers.
 """
 
@@ -16,8 +16,7 @@ import subprocess
 import sys
 import uuid
 
-sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "support"))
-from wine_prefix import WinePrefix  # noqa: E402
+from wine_prefix import WinePrefix
 
 REGISTRY = """
 [Software\\\\Wine\\\\X11 Driver]
@@ -62,18 +61,18 @@ class Screen:
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--dpi", type=int, default=96)
+    parser.add_argument("--host", action="store_true")
     parser.add_argument("program")
     parser.add_argument("arguments", nargs=argparse.REMAINDER)
     options = parser.parse_args()
     original = os.environ.get("WINEPREFIX") or sys.exit("WINEPREFIX is not set")
     with Screen():
-        prefix = WinePrefix(pathlib.Path(original).resolve(), "ui", places=2)
+        prefix = WinePrefix(pathlib.Path(original).resolve(), "ui")
         try:
             configure(prefix.path, options.dpi)
             os.environ["MOSAICON_UI_RUN"] = uuid.uuid4().hex
-            run = subprocess.run(
-                [os.environ.get("WINE", "wine"), options.program, *options.arguments], check=False
-            )
+            runner = [] if options.host else [os.environ.get("WINE", "wine")]
+            run = subprocess.run([*runner, options.program, *options.arguments], check=False)
         finally:
             prefix.close()
     return run.returncode
