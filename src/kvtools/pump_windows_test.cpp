@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <algorithm>
+#include <array>
+
 #include "kvtools/kvtools.h"
 
 namespace {
@@ -11,6 +14,14 @@ int g_nCounted = 0;
 LRESULT CALLBACK CountingProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message != kCountMessage) return DefWindowProcA(window, message, wParam, lParam);
   return ++g_nCounted;
+}
+
+double Milliseconds() {
+  LARGE_INTEGER count;
+  LARGE_INTEGER frequency;
+  QueryPerformanceCounter(&count);
+  QueryPerformanceFrequency(&frequency);
+  return 1000.0 * static_cast<double>(count.QuadPart) / static_cast<double>(frequency.QuadPart);
 }
 
 class Pump : public testing::Test {
@@ -48,14 +59,16 @@ TEST_F(Pump, GivesTheProcessorAwayWhenNothingIsPending) {
 
 TEST_F(Pump, KeepsNobodyWaitingWhoHasWorkToDo) {
   KVT_PumpMessages();
-  ULONGLONG pumping = 0;
-  for (int i = 0; i < 20; ++i) {
+  // A busy machine makes some of them late; where the processor is given away, none is quicker than that.
+  std::array<double, 20> pumping = {};
+  for (double& each : pumping) {
     Sleep(2);
-    const ULONGLONG start = GetTickCount64();
+    const double start = Milliseconds();
     KVT_PumpMessages();
-    pumping += GetTickCount64() - start;
+    each = Milliseconds() - start;
   }
-  EXPECT_LT(pumping, 100U);
+  std::sort(pumping.begin(), pumping.end());
+  EXPECT_LT(pumping[pumping.size() / 4], 4.0);
 }
 
 TEST_F(Pump, LeavesQuitToTheOuterLoop) {

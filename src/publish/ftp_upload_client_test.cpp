@@ -46,7 +46,7 @@ TEST_F(UploadClient, GivesASilentServerLessTimeWhenItLeaves) {
   EXPECT_EQ(m_client.ChDir("a"), kNetNoResponse);
   EXPECT_TRUE(m_client.HasGivenUp());
   EXPECT_GE(GetTickCount64() - start, 900U);
-  EXPECT_LT(GetTickCount64() - start, 3500U);
+  EXPECT_LT(GetTickCount64() - start, 3900U) << "an abort gives it 4 s";
   m_client.CloseConnection();
   EXPECT_EQ(m_server->Finish(), "");
 }

@@ -227,7 +227,10 @@ class Question(OverwriteTest):
                 asked += 1
                 os.write(terminal, answers.pop(0).encode() + b"\r")
             shown += self.read_from(terminal)
-        self.assertEqual(answers, [], "not all questions were asked")
+        said = os.pread(errors.fileno(), 1 << 16, 0)
+        self.assertEqual(
+            answers, [], f"not all questions were asked: exit code {started.returncode}, {said!r}, {shown!r}"
+        )
 
     @staticmethod
     def read_from(terminal):
