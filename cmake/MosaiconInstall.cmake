@@ -37,5 +37,12 @@ install(CODE "
     UNRESOLVED_DEPENDENCIES_VAR of_windows)
   foreach(folder . gdal2tiles)
     file(INSTALL \${found} DESTINATION \"\${CMAKE_INSTALL_PREFIX}/\${folder}\" FOLLOW_SYMLINK_CHAIN)
+    # Four fifths of the compiler's DLLs are debug information.
+    foreach(path IN LISTS found)
+      get_filename_component(name \"\${path}\" NAME)
+      execute_process(
+        COMMAND \"${CMAKE_STRIP}\" --strip-debug \"\${CMAKE_INSTALL_PREFIX}/\${folder}/\${name}\"
+        COMMAND_ERROR_IS_FATAL ANY)
+    endforeach()
   endforeach()
 ")

@@ -5,9 +5,9 @@ a screen of its own, on which its windows are in front.
 
     in_own_prefix.py [--dpi DOTS_PER_INCH] [--host] PROGRAM [ARGUMENT...]
 
-With --host the program is one of this side, and what it starts by Wine is there. Wine draws the frames of windows itself there, because a bare screen has nobody else to do it. The exit
-code is the program's. MOSAICON_UI_RUN marks it and all that it starts, for who looks for leftovers.
-"""
+With --host the program is one of this side, and what it starts by Wine is there. Wine draws the frames of
+windows itself there, because a bare screen has nobody else to do it. The exit code is the program's.
+MOSAICON_UI_RUN marks it and all that it starts, for who looks for leftovers."""
 
 import argparse
 import os

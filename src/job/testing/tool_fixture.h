@@ -3,8 +3,9 @@
 #define MOSAICON_JOB_TESTING_TOOL_FIXTURE_H_
 
 #include <gtest/gtest.h>
-#include <tlhelp32.h>
 #include <windows.h>
+
+#include <tlhelp32.h>
 
 #include <string>
 
