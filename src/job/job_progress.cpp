@@ -3,12 +3,6 @@
 // After windows.h.
 #include <commctrl.h>
 
-#include <ctime>
-
-void CJobProgress::RestartClock() {
-  m_startTicks = static_cast<int32_t>(std::clock());
-}
-
 LRESULT CJobProgress::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
   if (m_bPumpingStopped) return CProgressCtrl::WindowProc(message, wParam, lParam);
   const LRESULT result = TProgressTimeToComplete::WindowProc(message, wParam, lParam);

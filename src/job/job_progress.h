@@ -10,8 +10,6 @@ class CJobProgress : public TProgressTimeToComplete {
   // taskbar must outlive the bar.
   explicit CJobProgress(TaskbarProgress& taskbar) : m_taskbar(taskbar) {}
 
-  // The time left is estimated from here on.
-  void RestartClock();
   // The owner closes: what arrives from here on must not run its handlers any more.
   void StopPumping() { m_bPumpingStopped = true; }
 

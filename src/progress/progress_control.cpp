@@ -50,6 +50,10 @@ TProgressTimeToComplete::TProgressTimeToComplete()
   MakeFonts(afx::GetWindowDpi(nullptr));
 }
 
+void TProgressTimeToComplete::RestartClock() {
+  m_startTicks = ClockTicks();
+}
+
 void TProgressTimeToComplete::MakeFonts(UINT dpi) {
   LOGFONT description = {};
   description.lfCharSet = DEFAULT_CHARSET;

@@ -31,6 +31,8 @@ class TProgressTimeToComplete : public CProgressCtrl {
 
   // The bar is not repainted.
   void SetCaption(const std::string& caption) { m_caption = caption; }
+  // The work begins: the time left is estimated from here on.
+  void RestartClock();
 
  protected:
   LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;

@@ -39,6 +39,14 @@ TEST_F(Bar, BeginsItsClockWhenItIsMade) {
   EXPECT_EQ(bar.m_barColor, GetSysColor(COLOR_HIGHLIGHT));
 }
 
+TEST_F(Bar, BeginsItsClockAnewWhenTold) {
+  m_bar.m_startTicks = 0;
+  const std::int32_t before = static_cast<std::int32_t>(clock());
+  m_bar.RestartClock();
+  EXPECT_GE(m_bar.m_startTicks, before);
+  EXPECT_LE(m_bar.m_startTicks, static_cast<std::int32_t>(clock()));
+}
+
 TEST_F(Bar, EstimatesFromItsPositionAndItsClock) {
   m_bar.SetRange(0, 200);
   m_bar.SetPos(50);

@@ -1,5 +1,4 @@
 // The upload dialog: its long operations, and what they show.
-#include <ctime>
 #include <vector>
 
 #include "kvtools/flag_guard.h"
@@ -62,7 +61,7 @@ void CFtpUploadFolderDlg::Upload(const std::string& folder) {
     total = CountFiles(folder);
     SetProgressRange(total);
     SetProgressPosition(0);
-    m_progress.m_startTicks = static_cast<std::int32_t>(clock());
+    m_progress.RestartClock();
     KVT_PumpMessages();
     uploaded = FolderUpload(m_server, m_folders, *this, total).Upload(folder);
     EndOperation(Operation::kUpload);
