@@ -13,7 +13,7 @@ namespace {
 
 // What the window's messages leave out; a folder has no cause of its own.
 std::string Cause(const std::string& path) {
-  return IsFolder(path) ? std::string() : " (" + ExplainTifGeoInfo(path).refusal + ")";
+  return IsFolder(path) ? std::string() : " (" + ExplainRefusal(path) + ")";
 }
 
 // Says of which file a message speaks: the window's messages do not need to.
@@ -52,7 +52,7 @@ void Accept(std::vector<CTifData>& scanned, BatchInputs& result, MessageSink& me
       ++result.refused;
       messages.ShowMessage(MessageIcon::kWarning, prefix + problem);
     } else {
-      if (ExplainTifGeoInfo(data.m_strFileName).rotationLost) {
+      if (data.m_bRotationLost) {
         messages.ShowMessage(MessageIcon::kWarning,
                              prefix + "the image is rotated, but will be placed without its rotation");
       }

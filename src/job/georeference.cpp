@@ -222,16 +222,15 @@ int ReadTifGeoInfo(std::string path, std::vector<TifCorner>& corners, std::strin
 
 bool ReadTifData(const std::string& path, CTifData& data) {
   data.m_strFileName = path;
-  return ReadTifGeoInfo(path, data.m_vCorners, data.m_strTargetEPSG, data.m_strSourceEPSG) ==
-         static_cast<int>(kCornerCount);
+  RasterInfo info;
+  if (!ReadGeoInfo(path, data, info).empty()) return false;
+  data.m_bRotationLost = data.m_strTargetEPSG != data.m_strSourceEPSG &&
+                         info.metadataCorners.size() != kCornerCount && IsRotated(info);
+  return true;
 }
 
-GeoRemarks ExplainTifGeoInfo(const std::string& path) {
+std::string ExplainRefusal(const std::string& path) {
   CTifData data;
   RasterInfo info;
-  GeoRemarks remarks;
-  remarks.refusal = ReadGeoInfo(path, data, info);
-  remarks.rotationLost = remarks.refusal.empty() && data.m_strTargetEPSG != data.m_strSourceEPSG &&
-                         info.metadataCorners.size() != kCornerCount && IsRotated(info);
-  return remarks;
+  return ReadGeoInfo(path, data, info);
 }

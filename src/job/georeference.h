@@ -21,12 +21,8 @@ int ReadTifGeoInfo(std::string path, std::vector<TifCorner>& corners, std::strin
 // The same for a whole record: true when its file has four corners.
 bool ReadTifData(const std::string& path, CTifData& data);
 
-struct GeoRemarks {
-  std::string refusal;        // why the file is refused, in a few words ("it ..."); empty when it is not
-  bool rotationLost = false;  // it is reprojected by its corners, which know nothing of its rotation
-};
-
-// Reads the file once more, for a program that tells its user more than that.
-GeoRemarks ExplainTifGeoInfo(const std::string& path);
+// Why a file is refused, in a few words ("it ..."); empty when it is not. Reads it once more, for a program
+// that tells its user more than that.
+std::string ExplainRefusal(const std::string& path);
 
 #endif  // MOSAICON_JOB_GEOREFERENCE_H_

@@ -300,9 +300,7 @@ TEST_F(Georeference, LeavesNoDatasetOpen) {
 }
 
 TEST_F(Georeference, ExplainsARefusal) {
-  const auto explain = [this](const std::string& name) {
-    return ExplainTifGeoInfo(m_folder.Path(name)).refusal;
-  };
+  const auto explain = [this](const std::string& name) { return ExplainRefusal(m_folder.Path(name)); };
   const auto explainRecipe = [&](const RasterRecipe& recipe) {
     MakeRaster(m_folder.Path("a.tif"), recipe);
     return explain("a.tif");
@@ -334,7 +332,9 @@ TEST_F(Georeference, ExplainsARefusal) {
 TEST_F(Georeference, TellsWhenARotationIsLost) {
   const auto isLost = [this](const RasterRecipe& recipe) {
     MakeRaster(m_folder.Path("a.tif"), recipe);
-    return ExplainTifGeoInfo(m_folder.Path("a.tif")).rotationLost;
+    CTifData data;
+    EXPECT_TRUE(ReadTifData(m_folder.Path("a.tif"), data));
+    return data.m_bRotationLost;
   };
   RasterRecipe recipe;
   recipe.epsg = 3003;

@@ -27,6 +27,7 @@ class CTifData {
   std::vector<TifCorner> m_vCorners;  // upper left, lower left, upper right, lower right
   std::string m_strTargetEPSG;        // "EPSG:<code>" of the UTM zone on WGS84
   std::string m_strSourceEPSG;        // "EPSG:<code>" of the file's own reference system
+  bool m_bRotationLost = false;       // it is reprojected by its corners, which know nothing of its rotation
 };
 
 #endif  // MOSAICON_JOB_TIF_DATA_H_
