@@ -3,16 +3,16 @@
 
 #include <windows.h>
 
-#include <cstdio>
 #include <exception>
 #include <iostream>
 
 #include "batch/arguments.h"
+#include "batch/careful_runner.h"
 #include "batch/console_host.h"
 #include "batch/inputs.h"
-#include "batch/job_audit.h"
 #include "batch/report_lines.h"
 #include "job/batch_driver.h"
+#include "job/tiler_log_file.h"
 #include "job/windows_files.h"
 #include "job/windows_gdal.h"
 #include "job/windows_tool_runner.h"
@@ -29,45 +29,6 @@ enum ExitCode {
   kAborted = 130
 };
 
-// Process ids come again, also after a log that was kept.
-std::string TimeStamp() {
-  SYSTEMTIME now;
-  GetLocalTime(&now);
-  char text[32];
-  std::snprintf(text, sizeof text, "%04u%02u%02u-%02u%02u%02u", now.wYear, now.wMonth, now.wDay, now.wHour,
-                now.wMinute, now.wSecond);
-  return text;
-}
-
-// The tiling script's log of this process: told to the script by the environment, removed at the end
-// unless something failed that it explains.
-class TilerLogFile {
- public:
-  TilerLogFile() {
-    WindowsEnvironment environment;
-    const std::string base = environment.Get("LOCALAPPDATA").value_or(environment.Get("TEMP").value_or("."));
-    WindowsFiles files;
-    files.CreateFolder(base + "\\Mosaicon");
-    files.CreateFolder(base + "\\Mosaicon\\Logs");
-    m_strPath = base + "\\Mosaicon\\Logs\\mosaicon-batch-" + TimeStamp() + "-" +
-                std::to_string(GetCurrentProcessId()) + ".log";
-    environment.Set("MOSAICON_TILER_LOG", m_strPath);
-  }
-  ~TilerLogFile() {
-    if (!m_bKeep) DeleteFileA(m_strPath.c_str());
-  }
-  TilerLogFile(const TilerLogFile&) = delete;
-  TilerLogFile& operator=(const TilerLogFile&) = delete;
-
-  const std::string& Path() const { return m_strPath; }
-  void Keep() { m_bKeep = true; }
-  bool Exists() const { return WindowsFiles().Exists(m_strPath); }
-
- private:
-  std::string m_strPath;
-  bool m_bKeep = false;
-};
-
 JobSettings MakeSettings(const BatchArguments& arguments, const std::vector<CTifData>& orthophotos) {
   JobSettings settings;
   if (!orthophotos.empty()) settings.inputPath = orthophotos.front().m_strFileName;
@@ -82,28 +43,26 @@ JobSettings MakeSettings(const BatchArguments& arguments, const std::vector<CTif
   return settings;
 }
 
-// Tells what failed and returns how many orthophotos are complete.
-size_t TellResults(const std::vector<CTifData>& orthophotos, const JobAudit& audit, TilerLogFile& log) {
+// Tells what failed and returns how many maps are complete.
+size_t TellResults(const std::vector<MapOutcome>& maps, TilerLogFile& log) {
   size_t complete = 0;
-  for (const CTifData& data : orthophotos) {
-    const auto found = audit.Results().find(data.m_strFileName);
-    if (found != audit.Results().end() && found->second.empty()) {
+  for (const MapOutcome& map : maps) {
+    if (map.state == MapState::kComplete) {
       ++complete;
     } else {
-      std::cerr << "mosaicon-batch: FAILED " << data.m_strFileName << ": "
-                << (found != audit.Results().end() ? found->second : "skipped") << std::endl;
+      std::cerr << "mosaicon-batch: FAILED " << map.orthophoto << ": "
+                << (map.state == MapState::kFailed ? map.problem : "skipped") << std::endl;
     }
   }
-  if (complete < orthophotos.size() && log.Exists()) {
-    log.Keep();
-    std::cerr << "mosaicon-batch: details are in " << log.Path() << std::endl;
-  }
+  if (complete == maps.size()) return complete;
+  const std::string details = log.Keep();
+  if (!details.empty()) std::cerr << "mosaicon-batch: details are in " << details << std::endl;
   return complete;
 }
 
 // Standard output is in text mode and makes its own line ends.
-void PrintReport(const JobReport& report, const JobAudit& audit) {
-  std::cout << WithoutFalseSuccess(report.log, audit.Results()) << "Total work time: " << report.elapsed
+void PrintReport(const JobReport& report) {
+  std::cout << WithoutFalseSuccess(report.log, report.maps) << "Total work time: " << report.elapsed
             << std::endl;
 }
 
@@ -126,11 +85,11 @@ int RunJob(const BatchArguments& arguments) {
     return kSomeFailed;
   }
 
-  TilerLogFile log;
-  WindowsToolRunner runner(host.ProgressWindow());
-  JobAudit audit(runner, host, log.Path());
   WindowsEnvironment environment;
-  BatchDriver driver(host, audit, audit, environment, programPath);
+  TilerLogFile log(files, environment, "mosaicon-batch", GetCurrentProcessId());
+  WindowsToolRunner tools(host.ProgressWindow(), log.Path());
+  CarefulRunner runner(tools, host, files);
+  BatchDriver driver(host, runner, files, environment, programPath);
   switch (driver.StartJob(MakeSettings(arguments, inputs.orthophotos), inputs.orthophotos)) {
     case JobResult::kBadSettings:
       return kWrongArguments;
@@ -141,9 +100,9 @@ int RunJob(const BatchArguments& arguments) {
     case JobResult::kClosed:
       break;
   }
-  if (!arguments.quiet) PrintReport(host.Report(), audit);
+  if (!arguments.quiet) PrintReport(host.Report());
   if (host.WasInterrupted()) return kAborted;
-  const size_t complete = TellResults(inputs.orthophotos, audit, log);
+  const size_t complete = TellResults(host.Report().maps, log);
   if (!arguments.quiet) PrintFolders(driver.OutputFolders(), files);
   return complete == inputs.orthophotos.size() && inputs.refused == 0 ? kAllDone : kSomeFailed;
 }

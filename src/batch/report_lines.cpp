@@ -3,10 +3,10 @@
 #include <set>
 #include <sstream>
 
-std::string WithoutFalseSuccess(const std::string& log, const std::map<std::string, std::string>& results) {
+std::string WithoutFalseSuccess(const std::string& log, const std::vector<MapOutcome>& maps) {
   std::set<std::string> falseLines;
-  for (const auto& [orthophoto, problem] : results) {
-    if (!problem.empty()) falseLines.insert("- " + orthophoto + ": OK");
+  for (const MapOutcome& map : maps) {
+    if (map.state != MapState::kComplete) falseLines.insert("- " + map.orthophoto + ": OK");
   }
   std::string kept;
   std::istringstream lines(log);

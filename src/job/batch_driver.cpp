@@ -13,6 +13,10 @@ namespace {
 
 constexpr size_t kCornerCount = 4;
 constexpr char kRelativeUrl[] = "../";
+// In bytes. Documents of that size are not compared.
+constexpr size_t kMaxDocument = 4 << 20;
+constexpr char kLocalDocument[] = "googleearth_loc";
+constexpr char kTooLong[] = "the command line of a tool would be too long";
 
 std::string LastComponent(const std::string& folder) {
   const size_t separator = folder.rfind('\\');
@@ -40,6 +44,7 @@ BatchDriver::BatchDriver(JobHost& host, ToolRunner& runner, JobFiles& files, Pro
     : m_host(host),
       m_runner(runner, host),
       m_files(files, host),
+      m_audit(m_runner, m_files, m_host),
       m_environment(environment),
       m_tools(MakeToolPaths(programPath)) {}
 
@@ -53,6 +58,7 @@ JobResult BatchDriver::StartJob(const JobSettings& settings, std::vector<CTifDat
   m_bOverwriteConfirmed = false;
   m_vOutputFolders.clear();
   m_vMapNames.clear();
+  m_audit.StartJob(m_vOrthophotos);
   const JobResult result = RunJob();
   return m_host.IsClosed() ? JobResult::kClosed : result;
 }
@@ -86,19 +92,37 @@ bool BatchDriver::Prepare() {
 
 void BatchDriver::ProcessAll() {
   for (size_t i = 0; i < m_vOrthophotos.size(); ++i) {
-    if (m_host.IsAborted()) return;
-    if (ProcessOne(m_vOrthophotos[i], i, m_vOrthophotos.size()) == Next::kEndJob) return;
+    if (m_host.IsAborted() || ProcessOne(m_vOrthophotos[i], i, m_vOrthophotos.size()) == Next::kEndJob) {
+      LeaveOutFrom(i);
+      return;
+    }
+  }
+}
+
+// The job ends before this orthophoto. What an earlier job made of the rest is as it was.
+void BatchDriver::LeaveOutFrom(size_t index) {
+  const bool aborted = m_host.IsAborted();
+  for (; index < m_vOrthophotos.size(); ++index) {
+    m_audit.StartMap(index);
+    if (CountEntries(m_files, OutputFolder(index)) > 0) {
+      m_audit.Keep();
+    } else {
+      m_audit.LeaveOut(aborted ? "the job was aborted" : "the job ended at a folder that is not empty");
+    }
   }
 }
 
 BatchDriver::Next BatchDriver::ProcessOne(const CTifData& data, size_t index, size_t count) {
+  m_audit.StartMap(index);
   if (data.m_vCorners.size() != kCornerCount) {
     Log(data.m_strFileName + " skipped");
+    m_audit.LeaveOut("its corners are not known");
     return Next::kContinue;
   }
   Output output;
   if (!NameOutput(index, count, output)) {
     Log(data.m_strFileName + ": unable to create target folder");
+    m_audit.LeaveOut("the target folder could not be made");
     return Next::kContinue;
   }
   m_vOutputFolders.push_back(output.folder);
@@ -112,6 +136,7 @@ BatchDriver::Next BatchDriver::ProcessOne(const CTifData& data, size_t index, si
   if (!FormatTilingArguments(request)) {
     // Too long for a command line: nothing is run with half a text.
     Log(data.m_strFileName + " skipped");
+    m_audit.LeaveOut(kTooLong);
     return Next::kContinue;
   }
   if (data.m_strTargetEPSG != data.m_strSourceEPSG &&
@@ -122,33 +147,41 @@ BatchDriver::Next BatchDriver::ProcessOne(const CTifData& data, size_t index, si
   const auto arguments = FormatTilingArguments(request);
   if (!arguments) {
     Log(data.m_strFileName + " skipped");
+    m_audit.LeaveOut(kTooLong);
     return Next::kContinue;
   }
   m_host.SetProgressLabel("Process " + std::to_string(index + 1) + "/" + std::to_string(count) + " - " +
                           output.mapName + " -");
   m_host.SetProgressPosition(0);
-  m_runner.RunTiler(m_tools.interpreter, *arguments);
+  m_audit.Run(
+      {Tool::kTiler, m_tools.interpreter, *arguments, data.m_strFileName, request.inputPath, output.folder});
   // A script that was killed left what it was writing, and an upload would publish it.
   if (m_host.IsAborted()) m_files.RemovePartial(output.folder);
 
   FinishViewers(output);
   FinishKml(output);
-  m_files.MakePreview(data.m_strFileName, NamePicture(output));
+  MakePicture(data, output);
+  const std::string document = FileIn(output.normalised, kLocalDocument, "kml");
+  if (!m_files.Exists(document)) m_audit.Fail("could not make " + document);
   Log(data.m_strFileName + ": OK");
   return Next::kContinue;
+}
+
+std::string BatchDriver::OutputFolder(size_t index) const {
+  if (m_vOrthophotos.size() == 1) return m_settings.targetFolder;
+  return m_settings.targetFolder + "\\tile_" + std::to_string(index);
 }
 
 // Chooses where the result of one orthophoto goes; false when the target folder of several cannot be
 // made. The folder of the tiles itself is made by the tiling script.
 bool BatchDriver::NameOutput(size_t index, size_t count, Output& output) {
-  output.folder = m_settings.targetFolder;
+  output.folder = OutputFolder(index);
   output.baseUrl = kRelativeUrl;
   output.mapName = m_settings.mapTitle;
   if (count > 1) {
     if (!m_files.CreateFolder(m_settings.targetFolder)) return false;
     const std::string number = std::to_string(index);
     output.baseUrl = std::string("../") + kRelativeUrl + LastComponent(m_settings.targetFolder);
-    output.folder += "\\tile_" + number;
     output.webFolder = "/tile_" + number;
     if (!output.mapName.empty()) output.mapName += "_" + number;
   }
@@ -186,15 +219,19 @@ bool BatchDriver::Reproject(const CTifData& data, std::string& inputPath, std::s
       translated, "2", [&translated](const std::string& xml) { return IsWarpOf(translated, xml); });
   const auto translateArguments = FormatTranslateArguments(data, translated);
   const auto warpArguments = FormatWarpArguments(data.m_strTargetEPSG, translated, warped);
-  if (!translateArguments || !warpArguments) return false;
+  if (!translateArguments || !warpArguments) {
+    m_audit.LeaveOut(kTooLong);
+    return false;
+  }
 
   // What an earlier job left would pass for the result of this one.
   if (!Remove(translated)) return false;
-  m_runner.RunTranslator(m_tools.translator, *translateArguments);
+  m_audit.Run({Tool::kTranslator, m_tools.translator, *translateArguments, data.m_strFileName,
+               data.m_strFileName, translated});
   if (!m_files.Exists(translated)) return false;
   // The warper does not write over an existing file.
   if (!Remove(warped)) return false;
-  m_runner.RunWarper(m_tools.warper, *warpArguments);
+  m_audit.Run({Tool::kWarper, m_tools.warper, *warpArguments, data.m_strFileName, translated, warped});
   inputPath = warped;
   sourceEPSG = data.m_strTargetEPSG;
   return true;
@@ -213,9 +250,12 @@ std::string BatchDriver::NameIntermediate(const std::string& path, const char* s
   return name;
 }
 
+// Makes room for what a tool writes.
 bool BatchDriver::Remove(const std::string& path) {
   m_files.Delete(path);
-  return !m_files.Exists(path);
+  if (!m_files.Exists(path)) return true;
+  m_audit.LeaveOut("the older " + path + " cannot be deleted");
+  return false;
 }
 
 // Shows the map page, which needs a key, or the tutorial; the other viewer page never stays.
@@ -234,12 +274,33 @@ void BatchDriver::FinishViewers(const Output& output) {
 }
 
 void BatchDriver::FinishKml(const Output& output) {
-  const std::string local = FileIn(output.normalised, "googleearth_loc", "kml");
-  m_files.Rename(FileIn(output.normalised, "doc", "kml"), local);
+  const std::string local = FileIn(output.normalised, kLocalDocument, "kml");
+  RenameDocument(FileIn(output.normalised, "doc", "kml"), local);
   if (m_settings.targetUrl.empty()) return;
   const std::string web = FileIn(output.normalised, "googleearth_web", "kml");
   // A copy of an earlier job has its absolute links already.
-  if (m_files.Copy(local, web)) m_files.RewriteLinks(web, m_settings.targetUrl, output.webFolder);
+  if (!m_files.Copy(local, web)) {
+    m_audit.Fail("could not write " + web);
+  } else if (!m_files.RewriteLinks(web, m_settings.targetUrl, output.webFolder) || !m_files.Exists(web)) {
+    // The rewriter's last step, putting the new text in place, may fail in silence.
+    m_audit.Fail("could not write the links of " + web);
+  }
+}
+
+// A file that an earlier job left under the new name stays. That does no harm as long as it says the same.
+void BatchDriver::RenameDocument(const std::string& document, const std::string& local) {
+  if (m_files.Rename(document, local) || !m_files.Exists(document) || !m_files.Exists(local)) return;
+  const auto text = m_files.Read(document, kMaxDocument);
+  if (text && text == m_files.Read(local, kMaxDocument)) return;
+  m_audit.Fail(local + " is of an earlier job with another result and was kept; the new one is " + document);
+}
+
+void BatchDriver::MakePicture(const CTifData& data, const Output& output) {
+  const std::string picture = NamePicture(output);
+  std::string reason;
+  if (!m_files.MakePreview(data.m_strFileName, picture, reason)) {
+    m_audit.Fail("could not make the picture " + picture + (reason.empty() ? "" : ": " + reason));
+  }
 }
 
 // The picture is called as the map is, unless that is an orthophoto or another picture of the user.
@@ -257,6 +318,7 @@ void BatchDriver::Report() {
   report.log = m_host.IsAborted() ? "Aborted by user" : m_strLog;
   report.copyHint = "Copy '" + m_settings.targetFolder + "' folder and its content";
   report.webHint = std::string("To '") + kRelativeUrl + "' web space";
+  report.maps = m_audit.Maps();
   m_host.SetBusy(false);
   m_host.SetProgressLabel("");
   m_host.SetProgressPosition(0);

@@ -12,6 +12,7 @@
 #include "job/job_files.h"
 #include "job/job_host.h"
 #include "job/job_settings.h"
+#include "job/map_audit.h"
 #include "job/tif_data.h"
 #include "job/tool_paths.h"
 #include "job/tool_runner.h"
@@ -57,6 +58,8 @@ class BatchDriver {
   bool Prepare();
   void ProcessAll();
   Next ProcessOne(const CTifData& data, size_t index, size_t count);
+  void LeaveOutFrom(size_t index);
+  std::string OutputFolder(size_t index) const;
   bool NameOutput(size_t index, size_t count, Output& output);
   bool ConfirmOverwrite(const CTifData& data);
   bool Reproject(const CTifData& data, std::string& inputPath, std::string& sourceEPSG);
@@ -65,6 +68,8 @@ class BatchDriver {
   bool Remove(const std::string& path);
   void FinishViewers(const Output& output);
   void FinishKml(const Output& output);
+  void RenameDocument(const std::string& document, const std::string& local);
+  void MakePicture(const CTifData& data, const Output& output);
   std::string NamePicture(const Output& output);
   void Report();
 
@@ -75,6 +80,7 @@ class BatchDriver {
   GuardedHost m_host;
   GuardedRunner m_runner;
   GuardedFiles m_files;
+  MapAudit m_audit;
   ProcessEnvironment& m_environment;
   const ToolPaths m_tools;
 

@@ -12,9 +12,9 @@ class ClosedDriver : public Driver {
     m_settings.webOutput = true;
     m_settings.targetUrl = "host/maps";
     m_settings.googleApiKey = "KEY";
-    m_runner.onRun = [this](const std::string& tool, const std::string&) {
-      if (tool == "translate") m_files.paths.insert("D:\\in\\a.vrt");
-      if (tool == "tile") m_files.paths.insert("D:\\out\\maps\\tile_0\\googlemaps.html");
+    m_runner.onRun = [this](const ToolRun& run) {
+      Make(run);
+      if (run.tool == Tool::kTiler) m_files.paths.insert(run.output + "\\googlemaps.html");
     };
   }
 
@@ -74,9 +74,9 @@ TEST_F(Driver, EndsWithoutAnotherCallWhenTheHostIsClosedWhileAToolRuns) {
     m_events.clear();
     m_files.paths.erase("D:\\in\\a.vrt");
     m_host.closed = false;
-    m_runner.onRun = [&](const std::string& name, const std::string&) {
-      m_files.paths.insert("D:\\in\\a.vrt");
-      if (name == tool) m_host.closed = true;
+    m_runner.onRun = [&](const ToolRun& run) {
+      Make(run);
+      if (FakeRunner::NameOf(run.tool) == tool) m_host.closed = true;
     };
     EXPECT_EQ(Start({MakeData("a", "EPSG:3003"), MakeData("b")}), JobResult::kClosed) << tool;
     EXPECT_EQ(m_events.back().rfind(tool, 0), 0U) << "nothing is done after it: " << m_events.back();

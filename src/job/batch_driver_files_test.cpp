@@ -8,10 +8,9 @@ class Reprojection : public Driver {
  protected:
   void SetUp() override {
     Driver::SetUp();
-    m_runner.onRun = [this](const std::string& tool, const std::string& commandLine) {
-      const size_t end = commandLine.rfind('"');
-      const size_t begin = commandLine.rfind('"', end - 1) + 1;
-      if (tool != "tile") Put(commandLine.substr(begin, end - begin), "written by " + tool);
+    m_runner.onRun = [this](const ToolRun& run) {
+      Make(run);
+      m_files.contents[run.output] = "written by " + FakeRunner::NameOf(run.tool);
     };
   }
 
@@ -34,14 +33,11 @@ class Reprojection : public Driver {
            file + "</SourceDataset></GDALWarpOptions></VRTDataset>";
   }
 
-  // The file that the tiling script got, and the files that the tools were told to write, in order.
+  // The files that the two tools were told to write, in order.
   std::vector<std::string> MadeFiles() const {
     std::vector<std::string> made;
-    for (const std::string& event : m_events) {
-      if (event.rfind("translate ", 0) != 0 && event.rfind("warp ", 0) != 0) continue;
-      const size_t end = event.rfind('"');
-      const size_t begin = event.rfind('"', end - 1) + 1;
-      made.push_back(event.substr(begin, end - begin));
+    for (const ToolRun& run : m_runner.runs) {
+      if (run.tool != Tool::kTiler) made.push_back(run.output);
     }
     return made;
   }

@@ -31,7 +31,7 @@ TEST_F(Driver, TellsHowLongTheJobTook) {
   const auto pause = [] { std::this_thread::sleep_for(std::chrono::milliseconds(1100)); };
   KVT_StartTimer();
   pause();
-  m_runner.onRun = [&](const std::string&, const std::string&) { pause(); };
+  m_runner.onRun = [&](const ToolRun&) { pause(); };
   const auto start = std::chrono::steady_clock::now();
   Start({MakeData("a")});
   const std::chrono::duration<double> most = std::chrono::steady_clock::now() - start;
@@ -114,8 +114,8 @@ TEST_F(Driver, LeavesTitleOutWhenThereIsNone) {
 }
 
 TEST_F(Driver, ReprojectsAFileOfAnotherReference) {
-  m_runner.onRun = [&](const std::string& tool, const std::string&) {
-    if (tool == "translate") m_files.paths.insert("D:\\in\\a.vrt");
+  m_runner.onRun = [&](const ToolRun& run) {
+    if (run.tool == Tool::kTranslator) Make(run);
   };
   Start({MakeData("a", "EPSG:3003", "EPSG:32632")});
   std::string points;
@@ -191,9 +191,7 @@ TEST_F(Driver, StopsWhenTheTargetFolderCannotBeMade) {
 }
 
 TEST_F(Driver, GoesOnWhenTheTargetFolderOfSeveralIsGone) {
-  m_runner.onRun = [&](const std::string&, const std::string&) {
-    m_files.unwritable.insert("D:\\out\\maps");
-  };
+  m_runner.onRun = [&](const ToolRun&) { m_files.unwritable.insert("D:\\out\\maps"); };
   Start({MakeData("a"), MakeData("b")});
   EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n- D:\\in\\b.tif: unable to create target folder\r\n");
 }
@@ -261,7 +259,7 @@ TEST_F(Driver, AbortsAtCancel) {
 }
 
 TEST_F(Driver, StopsBeforeTheNextFileWhenAborted) {
-  m_runner.onRun = [&](const std::string&, const std::string&) { m_host.aborted = true; };
+  m_runner.onRun = [&](const ToolRun&) { m_host.aborted = true; };
   Start({MakeData("a"), MakeData("b")});
   EXPECT_EQ(CountEvents("tile"), 1U);
   EXPECT_EQ(CountEvents("picture"), 1U) << "the file in work is finished";
@@ -335,7 +333,7 @@ TEST_F(Driver, RemovesWhatAKilledScriptWasWriting) {
     m_events.clear();
     m_host.closed = false;
     m_files.matches.clear();
-    m_runner.onRun = [&](const std::string&, const std::string&) {
+    m_runner.onRun = [&](const ToolRun&) {
       m_files.paths.insert(partial);
       m_files.matches["D:\\out\\maps\\*"] = {{"D:\\out\\maps\\12", "12", true}};
       m_files.matches["D:\\out\\maps\\12\\*"] = {{"D:\\out\\maps\\12\\7", "7", true}};

@@ -58,16 +58,8 @@ void GuardedHost::SetAborted(bool aborted) {
   if (!IsClosed()) m_host.SetAborted(aborted);
 }
 
-void GuardedRunner::RunTranslator(const std::string& toolPath, const std::string& commandLine) {
-  if (!m_host.IsClosed()) m_runner.RunTranslator(toolPath, commandLine);
-}
-
-void GuardedRunner::RunWarper(const std::string& toolPath, const std::string& commandLine) {
-  if (!m_host.IsClosed()) m_runner.RunWarper(toolPath, commandLine);
-}
-
-void GuardedRunner::RunTiler(const std::string& toolPath, const std::string& commandLine) {
-  if (!m_host.IsClosed()) m_runner.RunTiler(toolPath, commandLine);
+ToolOutcome GuardedRunner::Run(const ToolRun& run) {
+  return m_host.IsClosed() ? ToolOutcome() : m_runner.Run(run);
 }
 
 void GuardedFiles::Protect(const std::vector<CTifData>& orthophotos) {
@@ -96,6 +88,10 @@ bool GuardedFiles::Exists(const std::string& path) {
   return IsOpen() && m_files.Exists(path);
 }
 
+std::optional<uint64_t> GuardedFiles::WriteTime(const std::string& path) {
+  return IsOpen() ? m_files.WriteTime(path) : std::nullopt;
+}
+
 std::vector<FoundFile> GuardedFiles::Find(const std::string& pattern) {
   return IsOpen() ? m_files.Find(pattern) : std::vector<FoundFile>();
 }
@@ -121,8 +117,9 @@ bool GuardedFiles::RewriteLinks(const std::string& kml, const std::string& baseU
   return MayChange(kml) && m_files.RewriteLinks(kml, baseUrl, subFolder);
 }
 
-bool GuardedFiles::MakePreview(const std::string& orthophoto, const std::string& picture) {
-  return MayChange(picture) && m_files.MakePreview(orthophoto, picture);
+bool GuardedFiles::MakePreview(const std::string& orthophoto, const std::string& picture,
+                               std::string& reason) {
+  return MayChange(picture) && m_files.MakePreview(orthophoto, picture, reason);
 }
 
 bool GuardedFiles::IsPreview(const std::string& path) {

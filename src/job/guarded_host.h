@@ -39,14 +39,12 @@ class GuardedHost : public JobHost {
   JobHost& m_host;
 };
 
-// Once the host is closed it runs nothing.
+// Once the host is closed it runs nothing, and knows nothing of a tool.
 class GuardedRunner : public ToolRunner {
  public:
   GuardedRunner(ToolRunner& runner, const JobHost& host) : m_runner(runner), m_host(host) {}
 
-  void RunTranslator(const std::string& toolPath, const std::string& commandLine) override;
-  void RunWarper(const std::string& toolPath, const std::string& commandLine) override;
-  void RunTiler(const std::string& toolPath, const std::string& commandLine) override;
+  ToolOutcome Run(const ToolRun& run) override;
 
  private:
   ToolRunner& m_runner;
@@ -71,6 +69,7 @@ class GuardedFiles : public JobFiles {
   std::string Identity(const std::string& path) override;
   std::optional<std::string> Read(const std::string& path, size_t maxBytes) override;
   bool Exists(const std::string& path) override;
+  std::optional<uint64_t> WriteTime(const std::string& path) override;
   std::vector<FoundFile> Find(const std::string& pattern) override;
   bool CreateFolder(const std::string& path) override;
   bool Delete(const std::string& path) override;
@@ -78,7 +77,7 @@ class GuardedFiles : public JobFiles {
   bool Copy(const std::string& source, const std::string& target) override;
   bool RewriteLinks(const std::string& kml, const std::string& baseUrl,
                     const std::string& subFolder) override;
-  bool MakePreview(const std::string& orthophoto, const std::string& picture) override;
+  bool MakePreview(const std::string& orthophoto, const std::string& picture, std::string& reason) override;
   bool IsPreview(const std::string& path) override;
 
  private:

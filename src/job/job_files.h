@@ -3,6 +3,7 @@
 #ifndef MOSAICON_JOB_JOB_FILES_H_
 #define MOSAICON_JOB_JOB_FILES_H_
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,6 +23,8 @@ class JobFiles {
   virtual std::optional<std::string> Read(const std::string& path, size_t maxBytes) = 0;
   // True when exactly this path exists, as a file or a folder.
   virtual bool Exists(const std::string& path) = 0;
+  // When a file was last written, in units of the system; nullopt when there is no such file.
+  virtual std::optional<uint64_t> WriteTime(const std::string& path) = 0;
   // Everything that matches a pattern such as "d:\maps\*.tif", by the system's rules and in its order.
   virtual std::vector<FoundFile> Find(const std::string& pattern) = 0;
   // Creates one level; true also when the folder exists already.
@@ -31,10 +34,11 @@ class JobFiles {
   virtual bool Rename(const std::string& source, const std::string& target) = 0;
   // Replaces an existing target.
   virtual bool Copy(const std::string& source, const std::string& target) = 0;
-  // RewriteKmlLinks and MakePreviewImage on real files.
+  // RewriteKmlLinks and MakePreviewImage on real files; reason is why there is no picture.
   virtual bool RewriteLinks(const std::string& kml, const std::string& baseUrl,
                             const std::string& subFolder) = 0;
-  virtual bool MakePreview(const std::string& orthophoto, const std::string& picture) = 0;
+  virtual bool MakePreview(const std::string& orthophoto, const std::string& picture,
+                           std::string& reason) = 0;
   // IsPreviewImage on a real file.
   virtual bool IsPreview(const std::string& path) = 0;
 };

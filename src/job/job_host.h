@@ -5,16 +5,20 @@
 #define MOSAICON_JOB_JOB_HOST_H_
 
 #include <string>
+#include <vector>
+
+#include "job/map_outcome.h"
 
 enum class MessageIcon { kInformation, kWarning };
 enum class Answer { kYes, kNo, kCancel };
 
-// The texts of the completion report.
+// The texts of the completion report, and what its log does not tell.
 struct JobReport {
-  std::string elapsed;   // KVT_GetElapsedTime
-  std::string log;       // lines that end in "\r\n", or "Aborted by user"
-  std::string copyHint;  // "Copy '...' folder and its content"
-  std::string webHint;   // "To '...' web space"
+  std::string elapsed;           // KVT_GetElapsedTime
+  std::string log;               // lines that end in "\r\n", or "Aborted by user"
+  std::string copyHint;          // "Copy '...' folder and its content"
+  std::string webHint;           // "To '...' web space"
+  std::vector<MapOutcome> maps;  // one for each orthophoto
 };
 
 // Shows text with an OK button and returns when it was read.

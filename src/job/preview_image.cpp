@@ -115,6 +115,26 @@ bool WriteCopy(GDALDriver& format, const std::string& path, GDALDataset& picture
   return written;
 }
 
+bool MakePicture(const std::string& inputPath, const std::string& outputPath) {
+  if (inputPath.empty() || outputPath.empty()) return false;
+  GDALDriver* memory = GetGDALDriverManager()->GetDriverByName("MEM");
+  GDALDriver* format = FindOutputDriver(outputPath);
+  if (memory == nullptr || format == nullptr) return false;
+
+  GDALDatasetUniquePtr input(GDALDataset::FromHandle(GDALOpen(inputPath.c_str(), GA_ReadOnly)));
+  if (input == nullptr || !CanHold(*format, *input)) return false;
+  if (IsSameFile(inputPath, outputPath) || IsPartOf(*input, outputPath)) {
+    return Refuse("it would replace the orthophoto");
+  }
+  int width = 0;
+  int height = 0;
+  ComputePreviewSize(input->GetRasterXSize(), input->GetRasterYSize(), width, height);
+  const GDALDatasetUniquePtr reduced =
+      ReduceInMemory(*input, CountPictureBands(*format, *input), *memory, outputPath.c_str(), width, height);
+  input.reset();
+  return reduced != nullptr && WriteCopy(*format, outputPath, *reduced);
+}
+
 }  // namespace
 
 void ComputePreviewSize(int width, int height, int& previewWidth, int& previewHeight) {
@@ -133,24 +153,12 @@ bool IsPreviewImage(const std::string& path) {
   return std::fabs(width * height - kPreviewPixels) <= (width + height) / 2 + 1;
 }
 
-int MakePreviewImage(const std::string& inputPath, const std::string& outputPath) {
-  if (inputPath.empty() || outputPath.empty()) return 0;
-  GDALDriver* memory = GetGDALDriverManager()->GetDriverByName("MEM");
-  GDALDriver* format = FindOutputDriver(outputPath);
-  if (memory == nullptr || format == nullptr) return 0;
-
-  GDALDatasetUniquePtr input(GDALDataset::FromHandle(GDALOpen(inputPath.c_str(), GA_ReadOnly)));
-  if (input == nullptr || !CanHold(*format, *input)) return 0;
-  if (IsSameFile(inputPath, outputPath) || IsPartOf(*input, outputPath)) {
-    Refuse("it would replace the orthophoto");
-    return 0;
+int MakePreviewImage(const std::string& inputPath, const std::string& outputPath, std::string* reason) {
+  CPLErrorReset();
+  if (MakePicture(inputPath, outputPath)) return 1;
+  if (reason != nullptr) {
+    *reason = CPLGetLastErrorMsg();
+    reason->erase(reason->find_last_not_of(" \r\n") + 1);
   }
-  int width = 0;
-  int height = 0;
-  ComputePreviewSize(input->GetRasterXSize(), input->GetRasterYSize(), width, height);
-  const GDALDatasetUniquePtr reduced =
-      ReduceInMemory(*input, CountPictureBands(*format, *input), *memory, outputPath.c_str(), width, height);
-  input.reset();
-  if (reduced == nullptr) return 0;
-  return WriteCopy(*format, outputPath, *reduced) ? 1 : 0;
+  return 0;
 }

@@ -8,9 +8,10 @@
 // outputPath. The format follows its extension, in lower case only: jpg, tif or png. Of two bands a JPEG
 // gets the first one; it holds bands of 8 bits only.
 //
-// Returns 1 on success and 0 on failure, after which a file at outputPath is what it was before; GDAL's
-// last error may tell more. A file that the input consists of is never replaced.
-int MakePreviewImage(const std::string& inputPath, const std::string& outputPath);
+// Returns 1 on success and 0 on failure, after which a file at outputPath is what it was before; reason, if
+// not null, is GDAL's word why, as far as it has one. A file that the input consists of is never replaced.
+int MakePreviewImage(const std::string& inputPath, const std::string& outputPath,
+                     std::string* reason = nullptr);
 
 // Whether the file at path may be one that MakePreviewImage made: an image with that many pixels, but
 // for the rounding of its sides.

@@ -139,8 +139,9 @@ TEST_F(PreviewImage, MakesNoJpegOfSamplesThatItCannotHold) {
   for (const GDALDataType type : {GDT_UInt16, GDT_Int16, GDT_Float32}) {
     RasterRecipe recipe;
     recipe.type = type;
-    EXPECT_EQ(MakePreviewImage(Make(recipe), m_folder.Path("x.jpg")), 0) << type;
-    EXPECT_STREQ(CPLGetLastErrorMsg(), "a JPEG picture holds 8 bits only");
+    std::string reason;
+    EXPECT_EQ(MakePreviewImage(Make(recipe), m_folder.Path("x.jpg"), &reason), 0) << type;
+    EXPECT_EQ(reason, "a JPEG picture holds 8 bits only");
     EXPECT_FALSE(FileExists(m_folder.Path("x.jpg")));
   }
 }
@@ -177,7 +178,9 @@ TEST_F(PreviewImage, MayHaveAnyNameThatTheSystemAllows) {
 TEST_F(PreviewImage, LeavesNothingBehindWhenTheFormatCannotHoldTheImage) {
   RasterRecipe recipe;
   recipe.bands = 5;
-  EXPECT_EQ(MakePreviewImage(Make(recipe), m_folder.Path("x.jpg")), 0);
+  std::string reason;
+  EXPECT_EQ(MakePreviewImage(Make(recipe), m_folder.Path("x.jpg"), &reason), 0);
+  EXPECT_EQ(reason, "JPEG driver doesn't support 5 bands.  Must be 1 (grey), 3 (RGB) or 4 bands (CMYK).");
   EXPECT_FALSE(FileExists(m_folder.Path("x.jpg")));
   recipe.bands = 3;
   recipe.type = GDT_Float32;
@@ -212,7 +215,10 @@ TEST_F(PreviewImage, FailsWithoutAUsableInput) {
   WriteFile(m_folder.Path("broken.tif"), "II*\0 not a picture");
   EXPECT_EQ(MakePreviewImage(m_folder.Path("broken.tif"), m_folder.Path("x.jpg")), 0);
   EXPECT_EQ(MakePreviewImage(m_folder.Path("none.tif"), m_folder.Path("x.jpg")), 0);
-  EXPECT_EQ(MakePreviewImage("", m_folder.Path("x.jpg")), 0);
+  CPLError(CE_Failure, CPLE_AppDefined, "of something else");
+  std::string reason = "old";
+  EXPECT_EQ(MakePreviewImage("", m_folder.Path("x.jpg"), &reason), 0);
+  EXPECT_EQ(reason, "") << "GDAL has no word for it";
   EXPECT_EQ(MakePreviewImage(Make({}), ""), 0);
   EXPECT_EQ(MakePreviewImage(Make({}), m_folder.Path("no folder") + "/x.jpg"), 0);
   EXPECT_FALSE(FileExists(m_folder.Path("x.jpg")));

@@ -10,6 +10,7 @@
 #include "job/tool_items.h"
 #include "job/windows_tool_runner.h"
 #include "kvtools/kvtools.h"
+#include "support/temporary_folder.h"
 #include "win32_on_threads.h"
 
 namespace {
@@ -33,7 +34,10 @@ class RunnerOnThreads : public testing::Test {
     threads::Reset();
   }
 
-  void Tile() { m_runner.RunTiler(kTool, " script"); }
+  ToolOutcome Run(Tool tool, const std::string& program = kTool, const std::string& arguments = " x") {
+    return m_runner.Run({tool, program, arguments, "", "", ""});
+  }
+  ToolOutcome Tile() { return Run(Tool::kTiler, kTool, " script"); }
 
   CWnd m_progress;
   WindowsToolRunner m_runner{&m_progress};
@@ -68,6 +72,7 @@ int32_t RunForStatus(std::atomic<Item*>& global, Arguments... arguments) {
 
 // What the handlers of a window do when they run in the middle of a run.
 void AbortTheScript() {
+  if (g_pTilesJob == nullptr) return;
   AbortItem(g_pTilesJob);
   while (g_pTilesJob != nullptr) {
     threads::DispatchSent();
@@ -127,8 +132,8 @@ TEST_F(RunnerOnThreads, LeavesItsPipesOpenAndToNobodyElse) {
 }
 
 TEST_F(RunnerOnThreads, GivesTheGdalToolsNothing) {
-  m_runner.RunTranslator("C:\\tools\\gdal_translate.exe", " a");
-  m_runner.RunWarper("C:\\tools\\gdalwarp.exe", " b");
+  Run(Tool::kTranslator, "C:\\tools\\gdal_translate.exe");
+  Run(Tool::kWarper, "C:\\tools\\gdalwarp.exe");
   ASSERT_EQ(threads::Starts().size(), 2U);
   for (const threads::Start& start : threads::Starts()) {
     EXPECT_EQ(start.flags, CREATE_NO_WINDOW);
@@ -142,7 +147,7 @@ TEST_F(RunnerOnThreads, GivesTheGdalToolsNothing) {
 
 TEST_F(RunnerOnThreads, LooksAfterTheGdalToolsFiveTimesASecondAndAfterTheScriptAllTheTime) {
   threads::SetProgram([](Program& program) { program.Wait(1000); });
-  m_runner.RunWarper(kTool, " a");
+  Run(Tool::kWarper);
   const std::vector<DWORD> sleeps = threads::SleepsOfInterface();
   ASSERT_FALSE(sleeps.empty());
   for (const DWORD milliseconds : sleeps) EXPECT_EQ(milliseconds, 200U);
@@ -164,6 +169,17 @@ TEST_F(RunnerOnThreads, TakesTurnsOfFiveSecondsAndPumpsInEach) {
   EXPECT_EQ(threads::PumpsOfOthers(), static_cast<int>(turns));
 }
 
+TEST_F(RunnerOnThreads, TakesTurnsOfAnotherLengthWhenTold) {
+  WindowsToolRunner runner(&m_progress, "", 70);
+  for (const Tool tool : {Tool::kTranslator, Tool::kWarper, Tool::kTiler}) {
+    const size_t before = threads::WaitsOfOthers().size();
+    runner.Run({tool, kTool, " x", "", "", ""});
+    const std::vector<DWORD> waits = threads::WaitsOfOthers();
+    ASSERT_GT(waits.size(), before);
+    EXPECT_EQ(waits[before], 70U);
+  }
+}
+
 TEST_F(RunnerOnThreads, KeepsWhatAnEarlierChunkLeftInTheBuffer) {
   threads::SetProgram([](Program& program) {
     program.Say("Progress 0.25 done");
@@ -172,6 +188,30 @@ TEST_F(RunnerOnThreads, KeepsWhatAnEarlierChunkLeftInTheBuffer) {
   });
   Tile();
   EXPECT_EQ(m_progress.Positions(), (std::vector<int>{25, 25})) << "the second chunk is one letter";
+}
+
+TEST_F(RunnerOnThreads, TellsTheExitCodeOfAToolThatEndedByItself) {
+  for (const Tool tool : {Tool::kTranslator, Tool::kWarper, Tool::kTiler}) {
+    for (const UINT exitCode : {0U, 3U, 0xC0000005U}) {
+      threads::SetProgram([exitCode](Program& program) { program.ExitWith(exitCode); });
+      EXPECT_EQ(Run(tool).exitCode, exitCode);
+    }
+    threads::FailAt("CreateProcessA", 1);
+    EXPECT_EQ(Run(tool).exitCode, std::nullopt) << "not started";
+  }
+}
+
+TEST_F(RunnerOnThreads, TellsTheLastWordsOfTheScriptAlone) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Path("tiler.log");
+  WindowsToolRunner runner(&m_progress, path);
+  WriteFile(path, "RESULT OK\n");
+  threads::SetProgram([&](Program&) { WriteFile(path, "RESULT OK\nSTART\nRESULT FAILED no memory\n"); });
+  const ToolOutcome outcome = runner.Run({Tool::kTiler, kTool, " x", "", "", ""});
+  EXPECT_EQ(outcome.lastWords, "RESULT FAILED no memory");
+  EXPECT_EQ(outcome.log, path);
+  EXPECT_EQ(runner.Run({Tool::kWarper, kTool, " x", "", "", ""}).lastWords, "");
+  EXPECT_EQ(runner.Run({Tool::kTiler, kTool, " x", "", "", ""}).lastWords, "") << "nothing was added";
 }
 
 TEST_F(RunnerOnThreads, NotesHowFarARunOfTheInterpreterGot) {
@@ -289,13 +329,13 @@ TEST_F(RunnerOnThreads, BeginsNothingThatWasAbortedInTheQueue) {
 }
 
 TEST_F(RunnerOnThreads, KillsAnyToolWhenTheWindowCloses) {
-  for (const auto run : {&WindowsToolRunner::RunTranslator, &WindowsToolRunner::RunWarper}) {
+  for (const Tool tool : {Tool::kTranslator, Tool::kWarper}) {
     threads::Reset();
     threads::SetProgram([](Program& program) { program.Wait(kForEver); });
     threads::SetOnPump([] {
       if (!threads::Starts().empty()) CloseTheWindow();
     });
-    (m_runner.*run)(kTool, " x");
+    EXPECT_EQ(Run(tool).exitCode, std::nullopt) << "ended from outside";
     EXPECT_EQ(threads::ExitCodes(), std::vector<UINT>{kKilled});
   }
 }
@@ -339,13 +379,11 @@ TEST_F(RunnerOnThreads, BearsAnyHandlerAtAnyMoment) {
       if (handler == 2) AbortTheScript();
       if (handler == 3) CloseTheWindow();
     });
-    const unsigned tool = below(3);
-    if (tool == 0) m_runner.RunTranslator(kTool, " x");
-    if (tool == 1) m_runner.RunWarper(kTool, " x");
-    if (tool == 2) Tile();
-    tiled += tool == 2 ? 1 : 0;
+    const Tool tool = static_cast<Tool>(below(3));
+    Run(tool);
+    tiled += tool == Tool::kTiler ? 1 : 0;
     EXPECT_EQ(g_pWorkQueue, nullptr);
-    EXPECT_TRUE(threads::OpenHandles() == 0 || (tool == 2 && threads::OpenHandles() == 4)) << run;
+    EXPECT_TRUE(threads::OpenHandles() == 0 || (tool == Tool::kTiler && threads::OpenHandles() == 4)) << run;
     EXPECT_EQ(threads::ExitCodes().size(), threads::Starts().size()) << "every tool has ended";
   }
   EXPECT_GT(tiled, 50U);

@@ -17,7 +17,6 @@ std::atomic<HANDLE> g_hInputWrite{nullptr};
 
 namespace {
 
-constexpr DWORD kTurnMilliseconds = 5000;
 constexpr DWORD kOutputPollMilliseconds = 20;
 constexpr size_t kToolFolderBuffer = 2048;
 
@@ -77,6 +76,11 @@ ItemPin::~ItemPin() {
   --g_nItemPins;
 }
 
+void CToolItem::TellExitCode(HANDLE process) {
+  DWORD exitCode = 0;
+  if (m_watch.exitCode != nullptr && GetExitCodeProcess(process, &exitCode)) *m_watch.exitCode = exitCode;
+}
+
 CGDAL2TilesThread::~CGDAL2TilesThread() {
   g_hOutputRead = nullptr;
   g_hOutputWrite = nullptr;
@@ -125,11 +129,14 @@ void CGDAL2TilesThread::Watch(HANDLE process) {
   char buffer[kProgressChunk] = {};
   DWORD result = WAIT_TIMEOUT;
   while (result == WAIT_TIMEOUT && m_bRunning != 0) {
-    result = WaitForSingleObject(process, kTurnMilliseconds);
+    result = WaitForSingleObject(process, m_watch.turnMilliseconds);
     if (m_pProgressCtrl != nullptr && g_hOutputRead != nullptr) ReadProgress(process, buffer);
     KVT_PumpMessages();
   }
-  if (m_bRunning != 0 && result != WAIT_TIMEOUT) m_nStatus = kTilesEndedByItself;
+  if (m_bRunning != 0 && result != WAIT_TIMEOUT) {
+    m_nStatus = kTilesEndedByItself;
+    TellExitCode(process);
+  }
 }
 
 // One read of one chunk. Blocks while the script is silent and running.
@@ -155,9 +162,11 @@ void CGDALToolThread::RunTool() {
     GetExitCodeProcess(tool.Process(), &exitCode);
     m_nStatus = static_cast<int32_t>(exitCode);
   }
-  while (started && m_bRunning != 0 &&
-         WaitForSingleObject(tool.Process(), kTurnMilliseconds) == WAIT_TIMEOUT) {
+  DWORD result = WAIT_TIMEOUT;
+  while (started && m_bRunning != 0 && result == WAIT_TIMEOUT) {
+    result = WaitForSingleObject(tool.Process(), m_watch.turnMilliseconds);
   }
+  if (started && result != WAIT_TIMEOUT) TellExitCode(tool.Process());
   tool.Terminate();
   m_bRunning = 0;
 }

@@ -4,8 +4,7 @@
 //
 // No console handle is asked for before a chunk of output is read, as some runners do: it would not be used.
 //
-// Nothing of a run is reported: whoever waits looks at the global, and then at the files that the
-// tool should have made.
+// Whoever waits for a run looks at the global. All that is told of it besides is the exit code.
 #ifndef MOSAICON_JOB_TOOL_ITEMS_H_
 #define MOSAICON_JOB_TOOL_ITEMS_H_
 
@@ -13,6 +12,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "job/progress_record.h"
@@ -31,6 +31,15 @@ enum TilesStatus : int32_t {
   kTilesEndedByItself = 6,
 };
 
+// How an item watches over its tool.
+struct ToolWatch {
+  // How often it looks whether the tool has ended or the item was aborted.
+  DWORD turnMilliseconds = 5000;
+  // Set when the tool has ended by itself, before the global is cleared. Belongs to whoever waits; may be
+  // null.
+  std::optional<uint32_t>* exitCode = nullptr;
+};
+
 // What the three items have in common. Abort does more than clear the running flag, and needs a flag of
 // its own for it: an item that is aborted while it waits in the queue would set its running flag when
 // it begins, and the abort would be lost.
@@ -44,8 +53,8 @@ class CToolItem : public CWorkItemBase {
   }
 
  protected:
-  CToolItem(std::string strToolPath, std::string strCommandLine)
-      : m_strToolPath(std::move(strToolPath)), m_strCommandLine(std::move(strCommandLine)) {}
+  CToolItem(std::string strToolPath, std::string strCommandLine, ToolWatch watch)
+      : m_strToolPath(std::move(strToolPath)), m_strCommandLine(std::move(strCommandLine)), m_watch(watch) {}
 
   // Sets the running flag; false when the item was aborted before it could begin.
   bool Begin() {
@@ -53,11 +62,14 @@ class CToolItem : public CWorkItemBase {
     if (m_bAbortAsked != 0) m_bRunning = 0;
     return m_bRunning != 0;
   }
+  // Of a process that has ended by itself.
+  void TellExitCode(HANDLE process);
 
   std::string m_strToolPath;
   std::string m_strCommandLine;
   std::atomic<int32_t> m_bRunning{0};  // set by the queue's thread, cleared by either
   std::atomic<int32_t> m_nStatus{0};   // written by the queue's thread, for diagnosis only
+  const ToolWatch m_watch;
 
  private:
   std::atomic<int32_t> m_bAbortAsked{0};  // set by the user-interface thread, never cleared
@@ -68,8 +80,9 @@ class CToolItem : public CWorkItemBase {
 class CGDAL2TilesThread : public CToolItem {
  public:
   // pProgressCtrl gets PBM_SETPOS with 0 to 100; null: the output is never read.
-  CGDAL2TilesThread(std::string strToolPath, std::string strCommandLine, CWnd* pProgressCtrl)
-      : CToolItem(std::move(strToolPath), std::move(strCommandLine)), m_pProgressCtrl(pProgressCtrl) {}
+  CGDAL2TilesThread(std::string strToolPath, std::string strCommandLine, CWnd* pProgressCtrl,
+                    ToolWatch watch = {})
+      : CToolItem(std::move(strToolPath), std::move(strCommandLine), watch), m_pProgressCtrl(pProgressCtrl) {}
   ~CGDAL2TilesThread() override;
   void DoWork(void* pThreadData) override;
 
@@ -90,15 +103,15 @@ class CGDALToolThread : public CToolItem {
 
 class CGDALTranslateThread : public CGDALToolThread {
  public:
-  CGDALTranslateThread(std::string strToolPath, std::string strCommandLine)
-      : CGDALToolThread(std::move(strToolPath), std::move(strCommandLine)) {}
+  CGDALTranslateThread(std::string strToolPath, std::string strCommandLine, ToolWatch watch = {})
+      : CGDALToolThread(std::move(strToolPath), std::move(strCommandLine), watch) {}
   void DoWork(void* pThreadData) override;
 };
 
 class CGDALWarpThread : public CGDALToolThread {
  public:
-  CGDALWarpThread(std::string strToolPath, std::string strCommandLine)
-      : CGDALToolThread(std::move(strToolPath), std::move(strCommandLine)) {}
+  CGDALWarpThread(std::string strToolPath, std::string strCommandLine, ToolWatch watch = {})
+      : CGDALToolThread(std::move(strToolPath), std::move(strCommandLine), watch) {}
   void DoWork(void* pThreadData) override;
 };
 

@@ -7,8 +7,9 @@
 
 namespace {
 
-// Milliseconds in which an item must have seen that it is aborted: its turn of five seconds, and as
-// much again for a slow machine.
+// Milliseconds. Shorter turns than those of the program, and the time in which an item must have seen that it
+// is aborted: a turn, and enough for a slow machine.
+constexpr DWORD kTurn = 500;
 constexpr ULONGLONG kOneTurn = 10000;
 
 // Tells what became of an item after it has deleted itself.
@@ -19,8 +20,9 @@ struct Trace {
 
 class TracedTiles : public CGDAL2TilesThread {
  public:
-  TracedTiles(Trace& trace, const std::string& tool, const std::string& commandLine, CWnd* progress)
-      : CGDAL2TilesThread(tool, commandLine, progress), m_trace(trace) {}
+  TracedTiles(Trace& trace, const std::string& tool, const std::string& commandLine, CWnd* progress,
+              DWORD turn)
+      : CGDAL2TilesThread(tool, commandLine, progress, {turn, nullptr}), m_trace(trace) {}
   ~TracedTiles() override {
     EXPECT_EQ(g_pTilesJob, nullptr) << "the global is cleared first";
     m_trace.status = m_nStatus.load();
@@ -41,8 +43,8 @@ class ToolItems : public ToolFixture {
 
   std::string Python() const { return m_folder.Path("python"); }
 
-  void Insert(const std::string& commandLine, CWnd* progress) {
-    auto* item = new TracedTiles(m_trace, Python(), commandLine, progress);
+  void Insert(const std::string& commandLine, CWnd* progress, DWORD turn = kTurn) {
+    auto* item = new TracedTiles(m_trace, Python(), commandLine, progress, turn);
     g_pTilesJob = item;
     ASSERT_TRUE(m_queue.InsertWorkItem(item));
   }
@@ -54,8 +56,8 @@ class ToolItems : public ToolFixture {
     EXPECT_EQ(global, nullptr);
     return GetTickCount64() - start;
   }
-  void RunTiles(const std::string& commandLine, CWnd* progress) {
-    Insert(commandLine, progress);
+  void RunTiles(const std::string& commandLine, CWnd* progress, DWORD turn = kTurn) {
+    Insert(commandLine, progress, turn);
     Wait(g_pTilesJob);
     for (int i = 0; i < 1000 && m_trace.destroyed == 0; ++i) Sleep(10);
     EXPECT_EQ(m_trace.destroyed, 1);
@@ -78,9 +80,9 @@ TEST_F(ToolItems, TakeStandardErrorForOutputToo) {
 }
 
 TEST_F(ToolItems, ReadOneChunkInATurn) {
-  // Two turns: the first ends after five seconds, the second when the script ends.
-  RunTiles(" say:x_0.1_y_ sleep:1000 say:x_0.2_y_ sleep:5500 say:x_0.7_y__________________________",
-           &m_window);
+  // Two turns: the first ends after two seconds, the second when the script ends.
+  RunTiles(" say:x_0.1_y_ sleep:100 say:x_0.2_y_ sleep:3500 say:x_0.7_y__________________________", &m_window,
+           2000);
   EXPECT_EQ(m_window.positions, (std::vector<int>{10, 70})) << "the first record of each chunk";
 }
 
@@ -104,7 +106,7 @@ TEST_F(ToolItems, ReadNothingWithoutAProgressBar) {
 }
 
 TEST_F(ToolItems, DoNotBeginAfterAnAbort) {
-  auto* tiles = new TracedTiles(m_trace, Python(), " touch:" + m_folder.Path("1"), &m_window);
+  auto* tiles = new TracedTiles(m_trace, Python(), " touch:" + m_folder.Path("1"), &m_window, kTurn);
   auto* warp = new CGDALWarpThread(m_folder.Path("gdalwarp.exe"), " touch:" + m_folder.Path("2"));
   g_pTilesJob = tiles;
   g_pWarpJob = warp;
@@ -142,11 +144,11 @@ TEST_F(ToolItems, KillATalkingScriptWithinOneTurn) {
 }
 
 TEST_F(ToolItems, WaitForTheNextOutputOfASilentScript) {
-  Insert(" sleep:8000 say:x_0.5_y sleep:60000", &m_window);
+  Insert(" sleep:4000 say:x_0.5_y sleep:60000", &m_window);
   ASSERT_EQ(WaitForTools(1), 1);
   AbortItem(g_pTilesJob);
   const ULONGLONG waited = Wait(g_pTilesJob);
-  EXPECT_GT(waited, 6000U);
+  EXPECT_GT(waited, 2000U);
   EXPECT_LT(waited, 20000U);
   EXPECT_EQ(WaitForTools(0), 0);
 }
@@ -182,7 +184,7 @@ TEST_F(ToolItems, RunTheTranslatorByItsPath) {
 }
 
 TEST_F(ToolItems, KillTheWarperWithinOneTurn) {
-  auto* item = new CGDALWarpThread(m_folder.Path("gdalwarp.exe"), " sleep:60000");
+  auto* item = new CGDALWarpThread(m_folder.Path("gdalwarp.exe"), " sleep:60000", {kTurn, nullptr});
   g_pWarpJob = item;
   m_queue.InsertWorkItem(item);
   ASSERT_EQ(WaitForTools(1), 1);

@@ -51,6 +51,13 @@ bool WindowsFiles::Exists(const std::string& path) {
   return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
+std::optional<uint64_t> WindowsFiles::WriteTime(const std::string& path) {
+  WIN32_FILE_ATTRIBUTE_DATA data;
+  if (!GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data)) return std::nullopt;
+  return (static_cast<uint64_t>(data.ftLastWriteTime.dwHighDateTime) << 32) |
+         data.ftLastWriteTime.dwLowDateTime;
+}
+
 std::vector<FoundFile> WindowsFiles::Find(const std::string& pattern) {
   std::vector<FoundFile> found;
   FindFiles(pattern, found);
@@ -78,8 +85,9 @@ bool WindowsFiles::RewriteLinks(const std::string& kml, const std::string& baseU
   return RewriteKmlLinks(kml, baseUrl, subFolder) == 1;
 }
 
-bool WindowsFiles::MakePreview(const std::string& orthophoto, const std::string& picture) {
-  return MakePreviewImage(orthophoto, picture) == 1;
+bool WindowsFiles::MakePreview(const std::string& orthophoto, const std::string& picture,
+                               std::string& reason) {
+  return MakePreviewImage(orthophoto, picture, &reason) == 1;
 }
 
 bool WindowsFiles::IsPreview(const std::string& path) {

@@ -10,6 +10,7 @@ class WindowsFiles : public JobFiles {
   std::string Identity(const std::string& path) override;
   std::optional<std::string> Read(const std::string& path, size_t maxBytes) override;
   bool Exists(const std::string& path) override;
+  std::optional<uint64_t> WriteTime(const std::string& path) override;
   std::vector<FoundFile> Find(const std::string& pattern) override;
   bool CreateFolder(const std::string& path) override;
   bool Delete(const std::string& path) override;
@@ -17,7 +18,7 @@ class WindowsFiles : public JobFiles {
   bool Copy(const std::string& source, const std::string& target) override;
   bool RewriteLinks(const std::string& kml, const std::string& baseUrl,
                     const std::string& subFolder) override;
-  bool MakePreview(const std::string& orthophoto, const std::string& picture) override;
+  bool MakePreview(const std::string& orthophoto, const std::string& picture, std::string& reason) override;
   bool IsPreview(const std::string& path) override;
 };
 

@@ -163,4 +163,19 @@ TEST(ProgramPath, NamesThisProgram) {
   EXPECT_EQ(path.substr(path.rfind('\\') + 1), "job_windows_test.exe");
 }
 
+TEST_F(Files, TellWhenAFileWasWritten) {
+  const std::string path = m_folder.Path("a.txt");
+  EXPECT_EQ(m_files.WriteTime(path), std::nullopt);
+  WriteFile(path, "1");
+  const auto first = m_files.WriteTime(path);
+  ASSERT_TRUE(first);
+  EXPECT_EQ(m_files.WriteTime(path), first);
+  // However coarse the clock of the disk is.
+  for (int i = 0; i < 300 && m_files.WriteTime(path) == first; ++i) {
+    Sleep(10);
+    WriteFile(path, "1");
+  }
+  EXPECT_GT(m_files.WriteTime(path), first);
+}
+
 }  // namespace

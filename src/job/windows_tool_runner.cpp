@@ -1,14 +1,14 @@
 #include "job/windows_tool_runner.h"
 
-#include "job/tool_items.h"
+#include "job/tiler_log.h"
 #include "kvtools/kvtools.h"
 
 namespace {
 
 constexpr DWORD kToolPollMilliseconds = 200;
 
-// Runs one item on a queue of its own. Without a queue there is no run: the driver sees that by the
-// missing output, as with a tool that cannot be started.
+// Runs one item on a queue of its own. Without a queue there is no run and no exit code, as with a tool that
+// cannot be started.
 template <class Item, class... Arguments>
 void RunAndWait(std::atomic<Item*>& global, DWORD pause, const Arguments&... arguments) {
   g_pWorkQueue = new CWorkQueue;
@@ -34,16 +34,25 @@ void RunAndWait(std::atomic<Item*>& global, DWORD pause, const Arguments&... arg
 
 }  // namespace
 
-void WindowsToolRunner::RunTranslator(const std::string& toolPath, const std::string& commandLine) {
-  RunAndWait(g_pTranslateJob, kToolPollMilliseconds, toolPath, commandLine);
-}
-
-void WindowsToolRunner::RunWarper(const std::string& toolPath, const std::string& commandLine) {
-  RunAndWait(g_pWarpJob, kToolPollMilliseconds, toolPath, commandLine);
-}
-
-void WindowsToolRunner::RunTiler(const std::string& toolPath, const std::string& commandLine) {
-  RunAndWait(g_pTilesJob, 0, toolPath, commandLine, m_pProgress);
+ToolOutcome WindowsToolRunner::Run(const ToolRun& run) {
+  ToolOutcome outcome;
+  const ToolWatch watch = {m_nTurnMilliseconds, &outcome.exitCode};
+  switch (run.tool) {
+    case Tool::kTranslator:
+      RunAndWait(g_pTranslateJob, kToolPollMilliseconds, run.program, run.arguments, watch);
+      break;
+    case Tool::kWarper:
+      RunAndWait(g_pWarpJob, kToolPollMilliseconds, run.program, run.arguments, watch);
+      break;
+    case Tool::kTiler: {
+      const TilerLog log(m_strTilerLog);
+      RunAndWait(g_pTilesJob, 0, run.program, run.arguments, m_pProgress, watch);
+      outcome.lastWords = log.ReadResultLine();
+      outcome.log = m_strTilerLog;
+      break;
+    }
+  }
+  return outcome;
 }
 
 void DestroyWorkQueue() {

@@ -6,18 +6,24 @@
 
 namespace {
 
+constexpr DWORD kTurn = 200;  // ms
+
 class Runner : public ToolFixture {
  protected:
+  ToolOutcome Run(Tool tool, const char* program, const std::string& arguments) {
+    return m_runner.Run({tool, m_folder.Path(program), arguments, "", "", ""});
+  }
+
   ProgressWindow m_window;
-  WindowsToolRunner m_runner{&m_window};
+  WindowsToolRunner m_runner{&m_window, m_folder.Path("tiler.log"), kTurn};
 };
 
 TEST_F(Runner, ReturnsWhenTheToolHasEnded) {
-  m_runner.RunTranslator(m_folder.Path("gdal_translate.exe"), " touch:" + m_folder.Path("1"));
+  Run(Tool::kTranslator, "gdal_translate.exe", " touch:" + m_folder.Path("1"));
   EXPECT_TRUE(FileExists(m_folder.Path("1")));
-  m_runner.RunWarper(m_folder.Path("gdalwarp.exe"), " touch:" + m_folder.Path("2"));
+  Run(Tool::kWarper, "gdalwarp.exe", " touch:" + m_folder.Path("2"));
   EXPECT_TRUE(FileExists(m_folder.Path("2")));
-  m_runner.RunTiler(m_folder.Path("python.exe"), " touch:" + m_folder.Path("3") + " say:x_0.4_y");
+  Run(Tool::kTiler, "python.exe", " touch:" + m_folder.Path("3") + " say:x_0.4_y");
   EXPECT_TRUE(FileExists(m_folder.Path("3")));
   EXPECT_EQ(m_window.positions, std::vector<int>{40});
   EXPECT_EQ(g_pWorkQueue, nullptr);
@@ -25,9 +31,19 @@ TEST_F(Runner, ReturnsWhenTheToolHasEnded) {
 }
 
 TEST_F(Runner, ReturnsWhenTheToolIsMissing) {
-  m_runner.RunTranslator(m_folder.Path("none.exe"), " x");
+  EXPECT_EQ(Run(Tool::kTranslator, "none.exe", " x").exitCode, std::nullopt);
   EXPECT_EQ(g_pTranslateJob, nullptr);
   EXPECT_EQ(g_pWorkQueue, nullptr);
+}
+
+TEST_F(Runner, TellsHowTheToolEnded) {
+  EXPECT_EQ(Run(Tool::kTranslator, "gdal_translate.exe", "").exitCode, 0U);
+  EXPECT_EQ(Run(Tool::kWarper, "gdalwarp.exe", " exit:3").exitCode, 3U);
+  EXPECT_EQ(Run(Tool::kTiler, "python.exe", " exit:7").exitCode, 7U);
+  const ToolOutcome outcome = Run(Tool::kTiler, "python.exe",
+                                  " write:" + m_folder.Path("tiler.log") + ":RESULT_FAILED_no_memory exit:1");
+  EXPECT_EQ(outcome.exitCode, 1U);
+  EXPECT_EQ(outcome.lastWords, "RESULT FAILED no memory");
 }
 
 VOID CALLBACK AbortAndDestroyQueue(HWND window, UINT, UINT_PTR timer, DWORD) {
@@ -38,9 +54,10 @@ VOID CALLBACK AbortAndDestroyQueue(HWND window, UINT, UINT_PTR timer, DWORD) {
 }
 
 TEST_F(Runner, BearsAHandlerThatAbortsAndDestroysTheQueueMeanwhile) {
-  WindowsToolRunner runner(nullptr);
+  WindowsToolRunner runner(nullptr, "", kTurn);
   ASSERT_NE(SetTimer(m_window.GetSafeHwnd(), 1, 300, AbortAndDestroyQueue), 0U);
-  runner.RunTiler(m_folder.Path("python.exe"), " sleep:60000");
+  EXPECT_EQ(runner.Run({Tool::kTiler, m_folder.Path("python.exe"), " sleep:60000", "", "", ""}).exitCode,
+            std::nullopt);
   EXPECT_EQ(g_pWorkQueue, nullptr);
   EXPECT_EQ(WaitForTools(0), 0);
 }
@@ -48,7 +65,7 @@ TEST_F(Runner, BearsAHandlerThatAbortsAndDestroysTheQueueMeanwhile) {
 TEST_F(Runner, UsesLittleOfTheProcessorWhileItWaits) {
   FILETIME unused, kernelBefore, userBefore, kernelAfter, userAfter;
   GetThreadTimes(GetCurrentThread(), &unused, &unused, &kernelBefore, &userBefore);
-  m_runner.RunTiler(m_folder.Path("python.exe"), " sleep:3000 say:x_1.0_y");
+  Run(Tool::kTiler, "python.exe", " sleep:3000 say:x_1.0_y");
   GetThreadTimes(GetCurrentThread(), &unused, &unused, &kernelAfter, &userAfter);
   const auto ticks = [](const FILETIME& time) {
     return (static_cast<ULONGLONG>(time.dwHighDateTime) << 32) | time.dwLowDateTime;

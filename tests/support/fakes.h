@@ -100,6 +100,9 @@ class FakeFiles : public JobFiles {
     return found->second;
   }
   bool Exists(const std::string& path) override { return paths.count(path) > 0; }
+  std::optional<uint64_t> WriteTime(const std::string& path) override {
+    return Exists(path) ? std::optional<uint64_t>(writeTimes[path]) : std::nullopt;
+  }
   std::vector<FoundFile> Find(const std::string& pattern) override {
     patterns.push_back(pattern);
     const auto found = matches.find(pattern);
@@ -115,20 +118,23 @@ class FakeFiles : public JobFiles {
   }
   bool Rename(const std::string& source, const std::string& target) override {
     m_events.push_back("rename " + source + " -> " + target);
-    return true;
+    return unrenamed.count(source) == 0 && !Exists(target) && CopyPath(source, target) &&
+           paths.erase(source) > 0;
   }
   bool Copy(const std::string& source, const std::string& target) override {
     m_events.push_back("copy " + source + " -> " + target);
-    return uncopied.count(source) == 0;
+    return uncopied.count(source) == 0 && CopyPath(source, target);
   }
   bool RewriteLinks(const std::string& kml, const std::string& baseUrl,
                     const std::string& subFolder) override {
     m_events.push_back("links " + kml + " " + baseUrl + " " + subFolder);
-    return true;
+    if (lostByLinking.count(kml) > 0) paths.erase(kml);
+    return unlinked.count(kml) == 0;
   }
-  bool MakePreview(const std::string& orthophoto, const std::string& picture) override {
+  bool MakePreview(const std::string& orthophoto, const std::string& picture, std::string& reason) override {
     m_events.push_back("picture " + orthophoto + " -> " + picture);
-    return true;
+    reason = pictureProblem.value_or("");
+    return !pictureProblem;
   }
   bool IsPreview(const std::string& path) override { return previews.count(path) > 0; }
 
@@ -140,33 +146,54 @@ class FakeFiles : public JobFiles {
   std::set<std::string> unwritable;
   std::set<std::string> undeletable;
   std::set<std::string> uncopied;
+  std::set<std::string> unrenamed;
+  std::set<std::string> unlinked;
+  std::set<std::string> lostByLinking;
+  std::optional<std::string> pictureProblem;
+  std::map<std::string, uint64_t> writeTimes;
   std::map<std::string, std::vector<FoundFile>> matches;
   std::vector<std::string> patterns;
 
  private:
+  bool CopyPath(const std::string& source, const std::string& target) {
+    if (!Exists(source)) return false;
+    paths.insert(target);
+    contents[target] = contents[source];
+    return true;
+  }
   Events& m_events;
 };
 
+// Tools that end well at once, and make nothing but what a test has them make.
 class FakeRunner : public ToolRunner {
  public:
   explicit FakeRunner(Events& events) : m_events(events) {}
-  void RunTranslator(const std::string& toolPath, const std::string& commandLine) override {
-    Run("translate", toolPath, commandLine);
+  ToolOutcome Run(const ToolRun& run) override {
+    m_events.push_back(NameOf(run.tool) + " " + run.program + run.arguments);
+    runs.push_back(run);
+    outcome = {0, run.tool == Tool::kTiler ? "RESULT OK" : "", "", false};
+    if (onRun) onRun(run);
+    return outcome;
   }
-  void RunWarper(const std::string& toolPath, const std::string& commandLine) override {
-    Run("warp", toolPath, commandLine);
+  // As it stands in the events.
+  static std::string NameOf(Tool tool) {
+    switch (tool) {
+      case Tool::kTranslator:
+        return "translate";
+      case Tool::kWarper:
+        return "warp";
+      case Tool::kTiler:
+        break;
+    }
+    return "tile";
   }
-  void RunTiler(const std::string& toolPath, const std::string& commandLine) override {
-    Run("tile", toolPath, commandLine);
-  }
-  // What the tool does, and the user meanwhile.
-  std::function<void(const std::string& tool, const std::string& commandLine)> onRun;
+
+  // What the tool does, and the user meanwhile; it may change the outcome.
+  std::function<void(const ToolRun& run)> onRun;
+  ToolOutcome outcome;
+  std::vector<ToolRun> runs;
 
  private:
-  void Run(const std::string& tool, const std::string& toolPath, const std::string& commandLine) {
-    m_events.push_back(tool + " " + toolPath + commandLine);
-    if (onRun) onRun(tool, commandLine);
-  }
   Events& m_events;
 };
 

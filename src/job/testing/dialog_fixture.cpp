@@ -21,7 +21,8 @@ bool ReadTifData(const std::string& path, CTifData& data) {
   return true;
 }
 
-int MakePreviewImage(const std::string& /*inputPath*/, const std::string& /*outputPath*/) {
+int MakePreviewImage(const std::string& /*inputPath*/, const std::string& /*outputPath*/,
+                     std::string* /*reason*/) {
   if (DialogTest::s_onPicture) DialogTest::s_onPicture();
   return 1;
 }

@@ -41,9 +41,20 @@ class Driver : public testing::Test {
     m_settings.inputPath = "D:\\in\\a.tif";
     m_settings.mapTitle = "title";
     m_settings.targetFolder = "D:\\out\\maps";
+    m_runner.onRun = [this](const ToolRun& run) {
+      if (run.tool == Tool::kTiler) Make(run);
+    };
+  }
+
+  // What a tool that succeeds does.
+  void Make(const ToolRun& run) {
+    m_files.paths.insert(ProductOf(run));
+    m_files.contents[ProductOf(run)] = "made of " + run.input;
+    ++m_files.writeTimes[ProductOf(run)];
   }
 
   JobResult Start(const std::vector<CTifData>& orthophotos) {
+    m_runner.runs.clear();
     return m_driver.StartJob(m_settings, orthophotos);
   }
 

@@ -3,6 +3,7 @@
 //   fail:TEXT       the same to standard error
 //   sleep:MS        waits
 //   touch:FILE      creates FILE
+//   write:FILE:TEXT creates FILE with TEXT, with "_" for blanks
 //   args:FILE       writes its raw command line and its current directory to FILE, a line each
 //   env:NAME:FILE   writes an environment variable to FILE
 //   child:MS        starts itself with sleep:MS and goes on
@@ -55,6 +56,12 @@ void WriteDescription(const std::string& path) {
   WriteText(path, std::string(GetCommandLineA()) + "\n" + directory + "\n");
 }
 
+// The first colon may be that of a drive.
+void WriteLine(const std::string& pathAndText) {
+  const size_t colon = pathAndText.rfind(':');
+  WriteText(pathAndText.substr(0, colon), Unescape(pathAndText.substr(colon + 1)) + "\n");
+}
+
 void WriteVariable(const std::string& nameAndPath) {
   const size_t colon = nameAndPath.find(':');
   char value[4096] = "";
@@ -67,6 +74,7 @@ void Do(const std::string& verb, const std::string& value) {
   if (verb == "fail") WriteHandle(STD_ERROR_HANDLE, Unescape(value));
   if (verb == "sleep") Sleep(static_cast<DWORD>(std::atoi(value.c_str())));
   if (verb == "touch") WriteText(value, "");
+  if (verb == "write") WriteLine(value);
   if (verb == "args") WriteDescription(value);
   if (verb == "env") WriteVariable(value);
   if (verb == "child") StartChild(value);

@@ -1,0 +1,30 @@
+#include "job/tool_run.h"
+
+namespace {
+
+constexpr char kSuccess[] = "RESULT OK";
+constexpr char kFailure[] = "RESULT FAILED ";
+
+std::string FindTilerProblem(const ToolOutcome& outcome) {
+  const std::string& words = outcome.lastWords;
+  if (words.rfind(kFailure, 0) == 0) return words.substr(sizeof kFailure - 1);
+  if (words != kSuccess) {
+    if (!outcome.madeProduct) return "the tiling script did not start or was ended from outside";
+    return "the tiling script could not write its log " + outcome.log +
+           ", so nothing is known of its success";
+  }
+  return outcome.madeProduct ? "" : "the tiling script made no doc.kml";
+}
+
+}  // namespace
+
+std::string ProductOf(const ToolRun& run) {
+  return run.tool == Tool::kTiler ? run.output + "\\doc.kml" : run.output;
+}
+
+std::string FindProblem(const ToolRun& run, const ToolOutcome& outcome) {
+  if (run.tool == Tool::kTiler) return FindTilerProblem(outcome);
+  if (outcome.madeProduct) return "";
+  return std::string(run.tool == Tool::kTranslator ? "gdal_translate" : "gdalwarp") + " could not write " +
+         run.output;
+}
