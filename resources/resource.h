@@ -58,6 +58,8 @@
 #define IDC_COPY_HINT 1062
 #define IDC_WEB_HINT 1063
 #define IDC_VIEW_HINT 1071
+#define IDC_PROBLEM_COUNT 1090
+#define IDC_PROBLEMS 1091
 
 // About box
 #define IDC_VERSION 1024

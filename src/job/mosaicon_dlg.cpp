@@ -56,7 +56,8 @@ CMosaiconDlg::CMosaiconDlg(std::string strInputList, const std::string& programP
       m_opener(opener),
       m_taskbar(m_taskbarButton),
       m_progress(m_taskbar),
-      m_runner(&m_progress),
+      m_tilerLog(m_files, m_environment, "mosaicon", GetCurrentProcessId()),
+      m_runner(&m_progress, m_tilerLog.Path()),
       m_driver(*this, m_runner, m_files, m_environment, programPath) {}
 
 void CMosaiconDlg::StartJob() {

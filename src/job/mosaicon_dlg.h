@@ -15,6 +15,7 @@
 #include "job/job_host.h"
 #include "job/job_progress.h"
 #include "job/taskbar_progress.h"
+#include "job/tiler_log_file.h"
 #include "job/windows_files.h"
 #include "job/windows_taskbar_button.h"
 #include "job/windows_tool_runner.h"
@@ -144,6 +145,7 @@ class CMosaiconDlg : public CDialogEx, private JobHost {
 
   WindowsFiles m_files;
   WindowsEnvironment m_environment;
+  TilerLogFile m_tilerLog;
   WindowsToolRunner m_runner;
   BatchDriver m_driver;
 };

@@ -106,5 +106,7 @@ void CMosaiconDlg::PumpMessages() {
 
 void CMosaiconDlg::ShowReport(const JobReport& report) {
   CProcessReportDlg dialog(report.elapsed, report.log, report.copyHint, report.webHint, this);
+  const std::string details = AnyFailed(report.maps) ? m_tilerLog.Keep() : std::string();
+  dialog.SetProblems(CountProblems(report.maps), DescribeProblems(report.maps, details));
   dialog.DoModal();
 }

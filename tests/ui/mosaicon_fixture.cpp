@@ -145,9 +145,16 @@ std::optional<Report> MosaiconTest::TakeReport() {
     return {};
   }
   // It fills itself in before it is shown.
-  const Report report = {dialog.Item(IDC_WORK_TIME).Text(), dialog.Item(IDC_LOG).Text(),
-                         dialog.Item(IDC_COPY_HINT).Text(), dialog.Item(IDC_WEB_HINT).Text(),
-                         dialog.Item(IDC_COPY_HINT).IsVisible() || dialog.Item(IDC_WEB_HINT).IsVisible()};
+  const auto shownText = [&](int id) {
+    return dialog.Item(id).IsVisible() ? dialog.Item(id).Text() : std::string();
+  };
+  const Report report = {dialog.Item(IDC_WORK_TIME).Text(),
+                         dialog.Item(IDC_LOG).Text(),
+                         dialog.Item(IDC_COPY_HINT).Text(),
+                         dialog.Item(IDC_WEB_HINT).Text(),
+                         dialog.Item(IDC_COPY_HINT).IsVisible() || dialog.Item(IDC_WEB_HINT).IsVisible(),
+                         shownText(IDC_PROBLEM_COUNT),
+                         shownText(IDC_PROBLEMS)};
   EXPECT_EQ(dialog.Text(), kReportTitle);
   dialog.Item(IDOK).Click();
   EXPECT_TRUE(dialog.WaitUntilGone());

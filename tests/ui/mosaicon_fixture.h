@@ -52,6 +52,8 @@ struct Report {
   std::string copyHint;
   std::string webHint;
   bool hintsAreShown = false;
+  std::string problemCount;  // both empty when they are not shown
+  std::string problems;
 };
 
 // What the form is filled in with; the rest of it is as it was.

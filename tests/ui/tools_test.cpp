@@ -1,5 +1,5 @@
-// What the window tells about a tool that is missing, and its end while one of them works. In a program's
-// folder of its own.
+// What the window tells about a tool that is missing or fails, and its end while one of them works. In a
+// program's folder of its own.
 //
 // Needs in the environment MOSAICON_FAKE_TOOL, which stands in for tools and takes its time.
 #include <filesystem>
@@ -47,6 +47,11 @@ class Tools : public MosaiconTest {
   static void Remove(const std::string& name) {
     ASSERT_TRUE(MoveFileA(ToolPath(name).c_str(), (ToolPath(name) + ".away").c_str()));
   }
+  // The fake tool takes the place of one.
+  static void Replace(const std::string& name) {
+    Remove(name);
+    ASSERT_TRUE(CopyFileA(PathFromEnvironment("MOSAICON_FAKE_TOOL").c_str(), ToolPath(name).c_str(), TRUE));
+  }
   static void Restore(const std::string& name) {
     ASSERT_TRUE(
         MoveFileExA((ToolPath(name) + ".away").c_str(), ToolPath(name).c_str(), MOVEFILE_REPLACE_EXISTING));
@@ -74,14 +79,54 @@ TEST_F(Tools, AreMissedOneByOne) {
   const auto report = RunJob({.orthophoto = Path("a.tif"), .target = Path("out")});
   ASSERT_TRUE(report);
   EXPECT_EQ(report->log, "- " + Path("a.tif") + ": OK\r\n");
+  EXPECT_EQ(report->problemCount + report->problems, "") << "all is there";
+}
+
+// The log calls the map OK all the same; below it is what is missing.
+TEST_F(Tools, ThatDoNothingAreToldInTheReport) {
+  Replace("python.exe");
+  SetEnvironmentVariableA("FAKE_TOOL_CALLS", Path("calls").c_str());
+  SetEnvironmentVariableA("FAKE_TOOL_MILLISECONDS", "0");
+  ASSERT_TRUE(Restart("", s_pFolder->Path("Mosaicon.exe")));
+  const auto report = RunJob({.orthophoto = MakeOrthophoto("a.tif"), .target = Path("out")});
+  ASSERT_TRUE(report);
+  EXPECT_EQ(report->log, "- " + Path("a.tif") + ": OK\r\n");
+  EXPECT_EQ(report->problemCount, "The map is missing or incomplete:");
+  EXPECT_EQ(report->problems,
+            Path("a.tif") + ": the tiling script did not start or was ended from outside\r\n");
+  StopProgram();
+  Restore("python.exe");
+}
+
+TEST_F(Tools, ThatFailAreToldWithTheReasonOfEachAndTheirLog) {
+  ASSERT_TRUE(Restart("", s_pFolder->Path("Mosaicon.exe")));
+  ASSERT_TRUE(CreateDirectoryA(Path("in").c_str(), nullptr));
+  MakeOrthophoto("in\\a.tif");
+  RasterRecipe recipe;
+  recipe.bands = 6;
+  MakeRaster(Path("in\\b.tif"), recipe);
+  const auto report = RunJob({.orthophoto = Path("in"), .target = Path("out"), .folderMode = true});
+  ASSERT_TRUE(report);
+  EXPECT_EQ(report->log, "- " + Path("in\\a.tif") + ": OK\r\n- " + Path("in\\b.tif") + ": OK\r\n");
+  EXPECT_EQ(report->problemCount, "1 of 2 maps is missing or incomplete:");
+  const std::string begin = Path("in\\b.tif") + ": the image ";
+  EXPECT_EQ(report->problems.substr(0, begin.size()), begin) << report->problems;
+  const std::string details = "\r\nDetails are in ";
+  const size_t place = report->problems.find(details);
+  ASSERT_NE(place, std::string::npos) << report->problems;
+  std::string log = report->problems.substr(place + details.size());
+  ASSERT_TRUE(log.ends_with(".log\r\n")) << log;
+  log.resize(log.size() - 2);
+  EXPECT_NE(ReadFile(log).find("RESULT FAILED the image "), std::string::npos);
+  StopProgram();
+  EXPECT_TRUE(FileExists(log)) << "it outlives the program";
+  EXPECT_TRUE(DeleteFileA(log.c_str()));
 }
 
 class SlowTool : public Tools, public testing::WithParamInterface<const char*> {};
 
 TEST_P(SlowTool, EndsWithTheWindow) {
-  Remove(GetParam());
-  ASSERT_TRUE(
-      CopyFileA(PathFromEnvironment("MOSAICON_FAKE_TOOL").c_str(), ToolPath(GetParam()).c_str(), TRUE));
+  Replace(GetParam());
   SetEnvironmentVariableA("FAKE_TOOL_CALLS", Path("calls").c_str());
   SetEnvironmentVariableA("FAKE_TOOL_MILLISECONDS", "600000");
   ASSERT_TRUE(Restart("", s_pFolder->Path("Mosaicon.exe")));
