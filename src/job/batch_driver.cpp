@@ -7,26 +7,16 @@
 #include "job/intermediates.h"
 #include "kvtools/flag_guard.h"
 #include "kvtools/kvtools.h"
-#include "kvtools/split_path.h"
 
 namespace {
 
 constexpr size_t kCornerCount = 4;
 constexpr char kRelativeUrl[] = "../";
-// In bytes. Documents of that size are not compared.
-constexpr size_t kMaxDocument = 4 << 20;
-constexpr char kLocalDocument[] = "googleearth_loc";
 constexpr char kTooLong[] = "the command line of a tool would be too long";
 
 std::string LastComponent(const std::string& folder) {
   const size_t separator = folder.rfind('\\');
   return separator == std::string::npos ? folder : folder.substr(separator + 1);
-}
-
-// The path of a file directly in a normalised folder.
-std::string FileIn(const std::string& normalisedFolder, const std::string& name, const char* extension) {
-  const PathParts parts = SplitPath(normalisedFolder);
-  return JoinPath(parts.drive, parts.directory, name, extension);
 }
 
 size_t CountEntries(JobFiles& files, const std::string& folder) {
@@ -158,11 +148,7 @@ BatchDriver::Next BatchDriver::ProcessOne(const CTifData& data, size_t index, si
   // A script that was killed left what it was writing, and an upload would publish it.
   if (m_host.IsAborted()) m_files.RemovePartial(output.folder);
 
-  FinishViewers(output);
-  FinishKml(output);
-  MakePicture(data, output);
-  const std::string document = FileIn(output.normalised, kLocalDocument, "kml");
-  if (!m_files.Exists(document)) m_audit.Fail("could not make " + document);
+  FinishMap(data, output);
   Log(data.m_strFileName + ": OK");
   return Next::kContinue;
 }
@@ -256,60 +242,6 @@ bool BatchDriver::Remove(const std::string& path) {
   if (!m_files.Exists(path)) return true;
   m_audit.LeaveOut("the older " + path + " cannot be deleted");
   return false;
-}
-
-// Shows the map page, which needs a key, or the tutorial; the other viewer page never stays.
-void BatchDriver::FinishViewers(const Output& output) {
-  const std::string googleMaps = FileIn(output.normalised, "googlemaps", "html");
-  if (m_files.Exists(googleMaps)) {
-    if (!m_settings.googleApiKey.empty()) {
-      m_host.NavigatePreview(googleMaps);
-    } else {
-      m_files.Delete(googleMaps);
-      m_host.NavigatePreview(m_tools.folder + "\\tutorial.html");
-    }
-  }
-  m_host.PumpMessages();
-  m_files.Delete(FileIn(output.normalised, "openlayers", "html"));
-}
-
-void BatchDriver::FinishKml(const Output& output) {
-  const std::string local = FileIn(output.normalised, kLocalDocument, "kml");
-  RenameDocument(FileIn(output.normalised, "doc", "kml"), local);
-  if (m_settings.targetUrl.empty()) return;
-  const std::string web = FileIn(output.normalised, "googleearth_web", "kml");
-  // A copy of an earlier job has its absolute links already.
-  if (!m_files.Copy(local, web)) {
-    m_audit.Fail("could not write " + web);
-  } else if (!m_files.RewriteLinks(web, m_settings.targetUrl, output.webFolder) || !m_files.Exists(web)) {
-    // The rewriter's last step, putting the new text in place, may fail in silence.
-    m_audit.Fail("could not write the links of " + web);
-  }
-}
-
-// A file that an earlier job left under the new name stays. That does no harm as long as it says the same.
-void BatchDriver::RenameDocument(const std::string& document, const std::string& local) {
-  if (m_files.Rename(document, local) || !m_files.Exists(document) || !m_files.Exists(local)) return;
-  const auto text = m_files.Read(document, kMaxDocument);
-  if (text && text == m_files.Read(local, kMaxDocument)) return;
-  m_audit.Fail(local + " is of an earlier job with another result and was kept; the new one is " + document);
-}
-
-void BatchDriver::MakePicture(const CTifData& data, const Output& output) {
-  const std::string picture = NamePicture(output);
-  std::string reason;
-  if (!m_files.MakePreview(data.m_strFileName, picture, reason)) {
-    m_audit.Fail("could not make the picture " + picture + (reason.empty() ? "" : ": " + reason));
-  }
-}
-
-// The picture is called as the map is, unless that is an orthophoto or another picture of the user.
-std::string BatchDriver::NamePicture(const Output& output) {
-  std::string name = FileIn(output.normalised, output.mapName, "jpg");
-  while (m_files.Exists(name) && (m_files.IsProtected(name) || !m_files.IsPreview(name))) {
-    name = KVT_TranslatePath(name, nullptr, nullptr, "2");
-  }
-  return name;
 }
 
 void BatchDriver::Report() {

@@ -66,15 +66,18 @@ class BatchDriver {
   std::string NameIntermediate(const std::string& path, const char* suffix,
                                const std::function<bool(const std::string& xml)>& isOurs);
   bool Remove(const std::string& path);
+  void Report();
+
+  // Adds "- <text>" as a line.
+  void Log(const std::string& text);
+
+  // With the files of a map, when the script has ended: batch_driver_finish.cpp
+  void FinishMap(const CTifData& data, const Output& output);
   void FinishViewers(const Output& output);
   void FinishKml(const Output& output);
   void RenameDocument(const std::string& document, const std::string& local);
   void MakePicture(const CTifData& data, const Output& output);
   std::string NamePicture(const Output& output);
-  void Report();
-
-  // Adds "- <text>" as a line.
-  void Log(const std::string& text);
 
   // The only way to the world: every call of them may come too late.
   GuardedHost m_host;

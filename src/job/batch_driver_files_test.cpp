@@ -126,6 +126,7 @@ TEST_F(Reprojection, IsNotTriedWhenAnOldFileCannotBeDeleted) {
   EXPECT_EQ(MadeFiles(), std::vector<std::string>{"D:\\in\\a.vrt"});
   EXPECT_EQ(CountEvents("tile"), 0U);
   EXPECT_EQ(m_host.report.log, "- unable to apply translation to D:\\in\\a.tif\r\n");
+  EXPECT_EQ(m_host.report.maps.at(0).problem, "the older D:\\in\\a2.vrt cannot be deleted");
 }
 
 // The warped file has a longer name than the orthophoto.
@@ -140,6 +141,7 @@ TEST_F(Reprojection, EndsWhenOnlyItsResultMakesTheCommandLineTooLong) {
     if (CountEvents("warp") == 0 || CountEvents("tile") > 0) continue;
     ++tooLong;
     EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif skipped\r\n");
+    EXPECT_EQ(m_host.report.maps.at(0).state, MapState::kLeftOut);
   }
   EXPECT_EQ(tooLong, 2U) << "its name and its reference are longer by a letter each";
 }
