@@ -3,17 +3,17 @@
 #include <windows.h>
 
 #include "batch/map_extent.h"
+#include "files/system_files.h"
 #include "job/georeference.h"
 #include "job/input_list.h"
 #include "job/job_settings.h"
-#include "kvtools/found_files.h"
 #include "kvtools/kvtools.h"
 
 namespace {
 
 // What the window's messages leave out; a folder has no cause of its own.
 std::string Cause(const std::string& path) {
-  return IsFolder(path) ? std::string() : " (" + ExplainTifGeoInfo(path).refusal + ")";
+  return SystemFiles().IsFolder(path) ? std::string() : " (" + ExplainTifGeoInfo(path).refusal + ")";
 }
 
 // Says of which file a message speaks: the window's messages do not need to.
@@ -76,7 +76,7 @@ BatchInputs GatherInputs(const std::vector<std::string>& inputs, JobFiles& files
     }
     NamedMessages named(messages, path);
     std::vector<CTifData> scanned;
-    const bool folder = IsFolder(path);
+    const bool folder = SystemFiles().IsFolder(path);
     ScanInput(folder ? KVT_OptimizePath(path, 0) : path, folder, files, named, scanned, &named);
     result.refused += named.Shown();
     Accept(scanned, result, messages);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "kvtools/found_files.h"
+#include "files/system_files.h"
 
 namespace {
 
@@ -39,14 +39,13 @@ std::vector<std::string> TakeDroppedFiles(HDROP drop) {
 
 std::vector<std::string> ListDroppedFiles(const std::vector<std::string>& paths) {
   PathList list;
+  SystemFiles files;
   for (const std::string& path : paths) {
-    if (!IsFolder(path)) {
+    if (!files.IsFolder(path)) {
       list.Add(path);
       continue;
     }
-    std::vector<FoundFile> found;
-    FindFiles(path + "\\*.tif", found);
-    for (const FoundFile& file : found) {
+    for (const FoundFile& file : FindFiles(files, path + "\\*.tif")) {
       if (!file.isDirectory) list.Add(file.path);
     }
   }

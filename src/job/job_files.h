@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "kvtools/found_files.h"
+#include "files/file_system.h"
 
 class JobFiles {
  public:

@@ -1,4 +1,5 @@
 // The main dialog: choosing the orthophotos, by browsing, typing or dropping.
+#include "files/system_files.h"
 #include "job/dropped_files.h"
 #include "job/input_list.h"
 #include "job/mosaicon_dlg.h"
@@ -92,7 +93,7 @@ void CMosaiconDlg::OnDropFiles(HDROP drop) {
   SetForegroundWindow(m_hWnd);
   if (paths.size() > 1) paths = ListDroppedFiles(paths);
   if (paths.size() == 1) {
-    ShowInputPath(paths.front(), IsFolder(paths.front()));
+    ShowInputPath(paths.front(), SystemFiles().IsFolder(paths.front()));
     Scan(paths.front(), *this);
     return;
   }

@@ -4,6 +4,7 @@
 
 #include <fstream>
 
+#include "files/system_files.h"
 #include "job/kml_links.h"
 #include "job/preview_image.h"
 
@@ -52,9 +53,8 @@ bool WindowsFiles::Exists(const std::string& path) {
 }
 
 std::vector<FoundFile> WindowsFiles::Find(const std::string& pattern) {
-  std::vector<FoundFile> found;
-  FindFiles(pattern, found);
-  return found;
+  SystemFiles files;
+  return FindFiles(files, pattern);
 }
 
 bool WindowsFiles::CreateFolder(const std::string& path) {
