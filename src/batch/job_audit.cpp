@@ -110,7 +110,7 @@ void JobAudit::RunTiler(const std::string& toolPath, const std::string& commandL
 }
 
 bool JobAudit::Rename(const std::string& source, const std::string& target) {
-  const bool renamed = WindowsFiles::Rename(source, target);
+  const bool renamed = SystemFiles::Rename(source, target);
   // A file that an earlier job left under the new name stays. That does no harm as long as it says
   // the same.
   if (!renamed && Exists(source) && ReadFrom(source, 0) != ReadFrom(target, 0)) {
@@ -120,14 +120,14 @@ bool JobAudit::Rename(const std::string& source, const std::string& target) {
 }
 
 bool JobAudit::Copy(const std::string& source, const std::string& target) {
-  const bool copied = WindowsFiles::Copy(source, target);
+  const bool copied = SystemFiles::Copy(source, target);
   if (!copied) Fail("could not write " + target);
   return copied;
 }
 
 bool JobAudit::RewriteLinks(const std::string& kml, const std::string& baseUrl,
                             const std::string& subFolder) {
-  const bool rewritten = WindowsFiles::RewriteLinks(kml, baseUrl, subFolder);
+  const bool rewritten = RealFinishingSteps::RewriteLinks(kml, baseUrl, subFolder);
   // The rewriter's last step, putting the new text in place, may fail in silence.
   if (!rewritten || !Exists(kml)) Fail("could not write the links of " + kml);
   return rewritten;
@@ -135,7 +135,7 @@ bool JobAudit::RewriteLinks(const std::string& kml, const std::string& baseUrl,
 
 bool JobAudit::MakePreview(const std::string& orthophoto, const std::string& picture) {
   CPLErrorReset();
-  const bool made = WindowsFiles::MakePreview(orthophoto, picture);
+  const bool made = RealFinishingSteps::MakePreview(orthophoto, picture);
   if (!made) {
     std::string detail = CPLGetLastErrorMsg();
     detail.erase(detail.find_last_not_of(" \r\n") + 1);

@@ -10,12 +10,12 @@
 #include <string>
 #include <vector>
 
-#include "job/job_files.h"
+#include "files/system_files.h"
+#include "job/finishing_steps.h"
 #include "job/job_host.h"
 #include "job/tool_runner.h"
-#include "job/windows_files.h"
 
-class JobAudit : public ToolRunner, public WindowsFiles {
+class JobAudit : public ToolRunner, public SystemFiles, public RealFinishingSteps {
  public:
   // runner runs the real tools; host knows about an abort. tilerLog is the file that the tiling
   // script writes its results into.

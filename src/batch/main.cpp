@@ -12,9 +12,10 @@
 #include "batch/inputs.h"
 #include "batch/job_audit.h"
 #include "batch/report_lines.h"
+#include "files/system_files.h"
 #include "job/batch_driver.h"
-#include "job/windows_files.h"
 #include "job/windows_gdal.h"
+#include "job/windows_process.h"
 #include "job/windows_tool_runner.h"
 #include "kvtools/kvtools.h"
 #include "version.h"
@@ -46,7 +47,7 @@ class TilerLogFile {
   TilerLogFile() {
     WindowsEnvironment environment;
     const std::string base = environment.Get("LOCALAPPDATA").value_or(environment.Get("TEMP").value_or("."));
-    WindowsFiles files;
+    SystemFiles files;
     files.CreateFolder(base + "\\Mosaicon");
     files.CreateFolder(base + "\\Mosaicon\\Logs");
     m_strPath = base + "\\Mosaicon\\Logs\\mosaicon-batch-" + TimeStamp() + "-" +
@@ -61,7 +62,7 @@ class TilerLogFile {
 
   const std::string& Path() const { return m_strPath; }
   void Keep() { m_bKeep = true; }
-  bool Exists() const { return WindowsFiles().Exists(m_strPath); }
+  bool Exists() const { return SystemFiles().Exists(m_strPath); }
 
  private:
   std::string m_strPath;
@@ -78,7 +79,7 @@ JobSettings MakeSettings(const BatchArguments& arguments, const std::vector<CTif
   settings.resampling = arguments.resampling;
   settings.mapTitle = arguments.title;
   // A short name is no root here.
-  settings.targetFolder = WindowsFiles().FullPath(arguments.target);
+  settings.targetFolder = SystemFiles().FullPath(arguments.target);
   return settings;
 }
 
@@ -108,7 +109,7 @@ void PrintReport(const JobReport& report, const JobAudit& audit) {
 }
 
 // The folders that hold a result. One that no tool has made is left out.
-void PrintFolders(const std::vector<std::string>& folders, JobFiles& files) {
+void PrintFolders(const std::vector<std::string>& folders, FileSystem& files) {
   for (const std::string& folder : folders) {
     if (files.Exists(folder)) std::cout << "Result: " << folder << std::endl;
   }
@@ -118,7 +119,7 @@ int RunJob(const BatchArguments& arguments) {
   const std::string programPath = GetProgramPath();
   SetUpGdal(programPath);
   ConsoleHost host(arguments.overwrite, arguments.quiet);
-  WindowsFiles files;
+  SystemFiles files;
   const BatchInputs inputs = GatherInputs(arguments.inputs, files, host);
   if (host.WasInterrupted()) return kAborted;
   if (inputs.orthophotos.empty()) {
@@ -130,7 +131,7 @@ int RunJob(const BatchArguments& arguments) {
   WindowsToolRunner runner(host.ProgressWindow());
   JobAudit audit(runner, host, log.Path());
   WindowsEnvironment environment;
-  BatchDriver driver(host, audit, audit, environment, programPath);
+  BatchDriver driver(host, audit, audit, audit, environment, programPath);
   switch (driver.StartJob(MakeSettings(arguments, inputs.orthophotos), inputs.orthophotos)) {
     case JobResult::kBadSettings:
       return kWrongArguments;

@@ -25,21 +25,18 @@ std::string FileIn(const std::string& normalisedFolder, const std::string& name,
   return JoinPath(parts.drive, parts.directory, name, extension);
 }
 
-size_t CountEntries(JobFiles& files, const std::string& folder) {
-  size_t count = 0;
-  for (const FoundFile& file : files.Find(folder + "\\*.*")) {
-    if (file.name != "." && file.name != "..") ++count;
-  }
-  return count;
+size_t CountEntries(FileSystem& files, const std::string& folder) {
+  return FindFiles(files, folder + "\\*.*").size();
 }
 
 }  // namespace
 
-BatchDriver::BatchDriver(JobHost& host, ToolRunner& runner, JobFiles& files, ProcessEnvironment& environment,
-                         const std::string& programPath)
+BatchDriver::BatchDriver(JobHost& host, ToolRunner& runner, FileSystem& files, FinishingSteps& steps,
+                         ProcessEnvironment& environment, const std::string& programPath)
     : m_host(host),
       m_runner(runner, host),
       m_files(files, host),
+      m_steps(steps, m_files),
       m_environment(environment),
       m_tools(MakeToolPaths(programPath)) {}
 
@@ -133,7 +130,7 @@ BatchDriver::Next BatchDriver::ProcessOne(const CTifData& data, size_t index, si
 
   FinishViewers(output);
   FinishKml(output);
-  m_files.MakePreview(data.m_strFileName, NamePicture(output));
+  m_steps.MakePreview(data.m_strFileName, NamePicture(output));
   Log(data.m_strFileName + ": OK");
   return Next::kContinue;
 }
@@ -239,13 +236,13 @@ void BatchDriver::FinishKml(const Output& output) {
   if (m_settings.targetUrl.empty()) return;
   const std::string web = FileIn(output.normalised, "googleearth_web", "kml");
   // A copy of an earlier job has its absolute links already.
-  if (m_files.Copy(local, web)) m_files.RewriteLinks(web, m_settings.targetUrl, output.webFolder);
+  if (m_files.Copy(local, web)) m_steps.RewriteLinks(web, m_settings.targetUrl, output.webFolder);
 }
 
 // The picture is called as the map is, unless that is an orthophoto or another picture of the user.
 std::string BatchDriver::NamePicture(const Output& output) {
   std::string name = FileIn(output.normalised, output.mapName, "jpg");
-  while (m_files.Exists(name) && (m_files.IsProtected(name) || !m_files.IsPreview(name))) {
+  while (m_files.Exists(name) && (m_files.IsProtected(name) || !m_steps.IsPreview(name))) {
     name = KVT_TranslatePath(name, nullptr, nullptr, "2");
   }
   return name;

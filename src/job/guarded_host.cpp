@@ -72,12 +72,15 @@ void GuardedRunner::RunTiler(const std::string& toolPath, const std::string& com
 
 void GuardedFiles::Protect(const std::vector<CTifData>& orthophotos) {
   m_protected.clear();
-  for (const CTifData& data : orthophotos) m_protected.insert(Identity(data.m_strFileName));
+  for (const CTifData& data : orthophotos) {
+    m_protected.insert(Identity(data.m_strFileName));
+    m_protected.insert(FullPath(data.m_strFileName));
+  }
   m_protected.erase("");
 }
 
 bool GuardedFiles::IsProtected(const std::string& path) {
-  return m_protected.count(Identity(path)) > 0;
+  return m_protected.contains(Identity(path)) || m_protected.contains(FullPath(path));
 }
 
 void GuardedFiles::RemovePartial(const std::string& folder) {
@@ -96,8 +99,17 @@ bool GuardedFiles::Exists(const std::string& path) {
   return IsOpen() && m_files.Exists(path);
 }
 
-std::vector<FoundFile> GuardedFiles::Find(const std::string& pattern) {
-  return IsOpen() ? m_files.Find(pattern) : std::vector<FoundFile>();
+bool GuardedFiles::IsFolder(const std::string& path) {
+  return IsOpen() && m_files.IsFolder(path);
+}
+
+std::optional<std::uint64_t> GuardedFiles::WriteTime(const std::string& path) {
+  return IsOpen() ? m_files.WriteTime(path) : std::nullopt;
+}
+
+bool GuardedFiles::Find(const std::string& pattern, std::vector<FoundFile>& found) {
+  found.clear();
+  return IsOpen() && m_files.Find(pattern, found);
 }
 
 bool GuardedFiles::CreateFolder(const std::string& path) {
@@ -116,15 +128,15 @@ bool GuardedFiles::Copy(const std::string& source, const std::string& target) {
   return MayChange(target) && m_files.Copy(source, target);
 }
 
-bool GuardedFiles::RewriteLinks(const std::string& kml, const std::string& baseUrl,
+bool GuardedSteps::RewriteLinks(const std::string& kml, const std::string& baseUrl,
                                 const std::string& subFolder) {
-  return MayChange(kml) && m_files.RewriteLinks(kml, baseUrl, subFolder);
+  return m_files.MayChange(kml) && m_steps.RewriteLinks(kml, baseUrl, subFolder);
 }
 
-bool GuardedFiles::MakePreview(const std::string& orthophoto, const std::string& picture) {
-  return MayChange(picture) && m_files.MakePreview(orthophoto, picture);
+bool GuardedSteps::MakePreview(const std::string& orthophoto, const std::string& picture) {
+  return m_files.MayChange(picture) && m_steps.MakePreview(orthophoto, picture);
 }
 
-bool GuardedFiles::IsPreview(const std::string& path) {
-  return IsOpen() && m_files.IsPreview(path);
+bool GuardedSteps::IsPreview(const std::string& path) {
+  return m_files.IsOpen() && m_steps.IsPreview(path);
 }

@@ -67,7 +67,7 @@ std::string ReplaceSpacesInName(const std::string& path) {
   return path.substr(0, name) + ReplaceSpaces(path.substr(name));
 }
 
-bool CheckTargetFolder(JobSettings& settings, JobFiles& files, JobForm& form) {
+bool CheckTargetFolder(JobSettings& settings, FileSystem& files, JobForm& form) {
   const std::string typed = Unquote(settings.targetFolder);
   if (typed.empty()) return Refuse(form, "Select the target folder");
   // Twice: the system drops a space at the end, and "." may stand for a name that has some.
@@ -134,7 +134,7 @@ JobSettings RestoreSettings() {
   return settings;
 }
 
-bool ValidateAndSaveSettings(JobSettings& settings, size_t orthophotos, JobFiles& files, JobForm& form) {
+bool ValidateAndSaveSettings(JobSettings& settings, size_t orthophotos, FileSystem& files, JobForm& form) {
   if (settings.inputPath.empty() || orthophotos == 0) {
     return Refuse(form, "Select the input orthophoto path");
   }

@@ -57,7 +57,7 @@ CMosaiconDlg::CMosaiconDlg(std::string strInputList, const std::string& programP
       m_taskbar(m_taskbarButton),
       m_progress(m_taskbar),
       m_runner(&m_progress),
-      m_driver(*this, m_runner, m_files, m_environment, programPath) {}
+      m_driver(*this, m_runner, m_files, m_steps, m_environment, programPath) {}
 
 void CMosaiconDlg::StartJob() {
   const FlagGuard running(m_bJobRunning);

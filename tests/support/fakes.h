@@ -11,8 +11,10 @@
 #include <string>
 #include <vector>
 
-#include "job/job_files.h"
+#include "files/file_system.h"
+#include "job/finishing_steps.h"
 #include "job/job_host.h"
+#include "job/process_environment.h"
 #include "job/tool_runner.h"
 
 using Events = std::vector<std::string>;
@@ -81,7 +83,7 @@ class FakeHost : public JobHost {
 };
 
 // Files by path; a folder ends in "\".
-class FakeFiles : public JobFiles {
+class FakeFiles : public FileSystem {
  public:
   explicit FakeFiles(Events& events) : m_events(events) {}
 
@@ -100,10 +102,12 @@ class FakeFiles : public JobFiles {
     return found->second;
   }
   bool Exists(const std::string& path) override { return paths.count(path) > 0; }
-  std::vector<FoundFile> Find(const std::string& pattern) override {
+  bool IsFolder(const std::string& path) override { return paths.count(path + "\\") > 0; }
+  std::optional<std::uint64_t> WriteTime(const std::string& /*path*/) override { return std::nullopt; }
+  bool Find(const std::string& pattern, std::vector<FoundFile>& found) override {
     patterns.push_back(pattern);
-    const auto found = matches.find(pattern);
-    return found != matches.end() ? found->second : std::vector<FoundFile>();
+    found = matches[pattern];
+    return true;
   }
   bool CreateFolder(const std::string& path) override {
     m_events.push_back("create " + path);
@@ -121,6 +125,24 @@ class FakeFiles : public JobFiles {
     m_events.push_back("copy " + source + " -> " + target);
     return uncopied.count(source) == 0;
   }
+
+  std::set<std::string> paths;
+  std::map<std::string, std::string> fullPaths;
+  std::map<std::string, std::string> identities;  // where it is not the path itself
+  std::map<std::string, std::string> contents;
+  std::set<std::string> unwritable;
+  std::set<std::string> undeletable;
+  std::set<std::string> uncopied;
+  std::map<std::string, std::vector<FoundFile>> matches;
+  std::vector<std::string> patterns;
+
+ private:
+  Events& m_events;
+};
+
+class FakeSteps : public FinishingSteps {
+ public:
+  explicit FakeSteps(Events& events) : m_events(events) {}
   bool RewriteLinks(const std::string& kml, const std::string& baseUrl,
                     const std::string& subFolder) override {
     m_events.push_back("links " + kml + " " + baseUrl + " " + subFolder);
@@ -132,16 +154,7 @@ class FakeFiles : public JobFiles {
   }
   bool IsPreview(const std::string& path) override { return previews.count(path) > 0; }
 
-  std::set<std::string> paths;
-  std::map<std::string, std::string> fullPaths;
-  std::map<std::string, std::string> identities;  // where it is not the path itself
-  std::map<std::string, std::string> contents;
   std::set<std::string> previews;
-  std::set<std::string> unwritable;
-  std::set<std::string> undeletable;
-  std::set<std::string> uncopied;
-  std::map<std::string, std::vector<FoundFile>> matches;
-  std::vector<std::string> patterns;
 
  private:
   Events& m_events;
