@@ -1,9 +1,9 @@
 #include "job/job_settings.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdlib>
 
+#include "kvtools/ascii.h"
 #include "kvtools/kvtools.h"
 #include "kvtools/profile_section.h"
 
@@ -27,11 +27,7 @@ std::string ReplaceSpaces(std::string text) {
 }
 
 bool NamesHttp(const std::string& url) {
-  std::string lower = url;
-  std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char letter) {
-    return static_cast<char>(letter < 0x80 ? std::tolower(letter) : letter);
-  });
-  return lower.find("http://") != std::string::npos;
+  return LowerAscii(url).find("http://") != std::string::npos;
 }
 
 bool CheckTargetUrl(JobSettings& settings, JobForm& form) {
