@@ -2,20 +2,8 @@
 
 #include <algorithm>
 
+#include "kvtools/ascii.h"
 #include "kvtools/split_path.h"
-
-namespace {
-
-// Letters of the ANSI code page have lower case too, but file names are found whatever their case:
-// only what is lower-cased on both sides must agree.
-std::string LowerCase(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-  });
-  return text;
-}
-
-}  // namespace
 
 std::string ShortVersion(const std::string& moduleVersion) {
   std::string version = moduleVersion;
@@ -27,8 +15,10 @@ std::string ShortVersion(const std::string& moduleVersion) {
 
 std::string InputListFromCommandLine(const std::string& commandLine, const std::string& programPath) {
   const PathParts program = SplitPath(programPath);
-  const std::string mark = LowerCase(program.name + program.extension) + "\" ";
-  std::string list = LowerCase(commandLine);
+  // Other letters have lower case too, but file names are found whatever their case: only what is
+  // lower-cased on both sides must agree.
+  const std::string mark = LowerAscii(program.name + program.extension) + "\" ";
+  std::string list = LowerAscii(commandLine);
   const size_t found = list.find(mark);
   if (found == std::string::npos) return "";
   list.erase(0, found + mark.size());

@@ -1,36 +1,27 @@
 #include "app/user_data.h"
 
-#include "kvtools/kvtools.h"
+#include "kvtools/profile_section.h"
 
 namespace {
 
-constexpr char kSection[] = "UserData";
+constexpr ProfileSection kProfile("UserData", kUserDataBuffer);
 constexpr char kName[] = "UserData_Name";
 constexpr char kSurname[] = "UserData_Surname";
 constexpr char kEmail[] = "UserData_EMail";
 constexpr char kCompany[] = "UserData_Company";
 constexpr char kTelephone[] = "UserData_Tel";
 
-std::string Load(const char* key) {
-  char buffer[kUserDataBuffer];
-  KVT_GetUserProfileString(kSection, key, "", buffer, kUserDataBuffer);
-  return buffer;
-}
-
-void Save(const char* key, const std::string& value) {
-  KVT_WriteUserProfileString(kSection, key, value.c_str());
-}
-
 }  // namespace
 
 UserData LoadUserData() {
-  return {Load(kName), Load(kSurname), Load(kEmail), Load(kCompany), Load(kTelephone)};
+  return {kProfile.Load(kName), kProfile.Load(kSurname), kProfile.Load(kEmail), kProfile.Load(kCompany),
+          kProfile.Load(kTelephone)};
 }
 
 void SaveUserData(const UserData& data) {
-  Save(kName, data.name);
-  Save(kSurname, data.surname);
-  Save(kEmail, data.email);
-  Save(kCompany, data.company);
-  Save(kTelephone, data.telephone);
+  kProfile.Save(kName, data.name);
+  kProfile.Save(kSurname, data.surname);
+  kProfile.Save(kEmail, data.email);
+  kProfile.Save(kCompany, data.company);
+  kProfile.Save(kTelephone, data.telephone);
 }

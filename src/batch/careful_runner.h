@@ -4,14 +4,14 @@
 #ifndef MOSAICON_BATCH_CAREFUL_RUNNER_H_
 #define MOSAICON_BATCH_CAREFUL_RUNNER_H_
 
-#include "job/job_files.h"
+#include "files/file_system.h"
 #include "job/job_host.h"
 #include "job/tool_runner.h"
 
 class CarefulRunner : public ToolRunner {
  public:
   // All three must outlive this runner; runner runs the tools.
-  CarefulRunner(ToolRunner& runner, const JobHost& host, JobFiles& files)
+  CarefulRunner(ToolRunner& runner, const JobHost& host, FileSystem& files)
       : m_runner(runner), m_host(host), m_files(files) {}
 
   ToolOutcome Run(const ToolRun& run) override {
@@ -21,7 +21,7 @@ class CarefulRunner : public ToolRunner {
  private:
   ToolRunner& m_runner;
   const JobHost& m_host;
-  JobFiles& m_files;
+  FileSystem& m_files;
 };
 
 #endif  // MOSAICON_BATCH_CAREFUL_RUNNER_H_

@@ -6,33 +6,34 @@
 #include "job/georeference.h"
 #include "job/input_list.h"
 #include "job/job_settings.h"
-#include "kvtools/found_files.h"
 #include "kvtools/kvtools.h"
 
 namespace {
 
 // What the window's messages leave out; a folder has no cause of its own.
-std::string Cause(const std::string& path) {
-  return IsFolder(path) ? std::string() : " (" + ExplainRefusal(path) + ")";
+std::string Cause(FileSystem& files, const std::string& path) {
+  return files.IsFolder(path) ? std::string() : " (" + ExplainRefusal(path) + ")";
 }
 
 // Says of which file a message speaks: the window's messages do not need to.
 class NamedMessages : public MessageSink, public SkippedFileObserver {
  public:
-  NamedMessages(MessageSink& messages, std::string path) : m_messages(messages), m_strPath(std::move(path)) {}
+  NamedMessages(MessageSink& messages, FileSystem& files, std::string path)
+      : m_messages(messages), m_files(files), m_strPath(std::move(path)) {}
   void ShowMessage(MessageIcon icon, const std::string& text) override {
     ++m_nShown;
-    m_messages.ShowMessage(icon, m_strPath + ": " + text + Cause(m_strPath));
+    m_messages.ShowMessage(icon, m_strPath + ": " + text + Cause(m_files, m_strPath));
   }
   void OnSkipped(const std::string& path) override {
     ++m_nShown;
     m_messages.ShowMessage(MessageIcon::kWarning,
-                           path + ": no geographic information, skipped" + Cause(path));
+                           path + ": no geographic information, skipped" + Cause(m_files, path));
   }
   size_t Shown() const { return m_nShown; }
 
  private:
   MessageSink& m_messages;
+  FileSystem& m_files;
   const std::string m_strPath;
   size_t m_nShown = 0;
 };
@@ -63,7 +64,7 @@ void Accept(std::vector<CTifData>& scanned, BatchInputs& result, MessageSink& me
 
 }  // namespace
 
-BatchInputs GatherInputs(const std::vector<std::string>& inputs, JobFiles& files, MessageSink& messages) {
+BatchInputs GatherInputs(const std::vector<std::string>& inputs, FileSystem& files, MessageSink& messages) {
   BatchInputs result;
   for (const std::string& input : inputs) {
     const std::string path = files.FullPath(input);
@@ -74,9 +75,9 @@ BatchInputs GatherInputs(const std::vector<std::string>& inputs, JobFiles& files
                                (path.size() >= MAX_PATH ? " (the path is too long)" : ""));
       continue;
     }
-    NamedMessages named(messages, path);
+    NamedMessages named(messages, files, path);
     std::vector<CTifData> scanned;
-    const bool folder = IsFolder(path);
+    const bool folder = files.IsFolder(path);
     ScanInput(folder ? KVT_OptimizePath(path, 0) : path, folder, files, named, scanned, &named);
     result.refused += named.Shown();
     Accept(scanned, result, messages);

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "job/job_files.h"
+#include "files/file_system.h"
 #include "job/job_host.h"
 #include "job/tif_data.h"
 
@@ -16,6 +16,6 @@ struct BatchInputs {
 
 // Reads every input, a file or a folder of "*.tif" files, in order. Relative paths are relative to
 // the current directory.
-BatchInputs GatherInputs(const std::vector<std::string>& inputs, JobFiles& files, MessageSink& messages);
+BatchInputs GatherInputs(const std::vector<std::string>& inputs, FileSystem& files, MessageSink& messages);
 
 #endif  // MOSAICON_BATCH_INPUTS_H_

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "job/windows_files.h"
+#include "files/system_files.h"
 #include "support/fakes.h"
 #include "support/rasters.h"
 #include "support/temporary_folder.h"
@@ -25,7 +25,7 @@ class Inputs : public testing::Test {
   BatchInputs Gather(const std::vector<std::string>& inputs) { return GatherInputs(inputs, m_files, m_host); }
 
   TemporaryFolder m_folder;
-  WindowsFiles m_files;
+  SystemFiles m_files;
   Events m_events;
   FakeHost m_host{m_events};
 };

@@ -11,10 +11,11 @@
 #include "batch/console_host.h"
 #include "batch/inputs.h"
 #include "batch/report_lines.h"
+#include "files/system_files.h"
 #include "job/batch_driver.h"
 #include "job/tiler_log_file.h"
-#include "job/windows_files.h"
 #include "job/windows_gdal.h"
+#include "job/windows_process.h"
 #include "job/windows_tool_runner.h"
 #include "kvtools/kvtools.h"
 #include "version.h"
@@ -39,7 +40,7 @@ JobSettings MakeSettings(const BatchArguments& arguments, const std::vector<CTif
   settings.resampling = arguments.resampling;
   settings.mapTitle = arguments.title;
   // A short name is no root here.
-  settings.targetFolder = WindowsFiles().FullPath(arguments.target);
+  settings.targetFolder = SystemFiles().FullPath(arguments.target);
   return settings;
 }
 
@@ -67,7 +68,7 @@ void PrintReport(const JobReport& report) {
 }
 
 // The folders that hold a result. One that no tool has made is left out.
-void PrintFolders(const std::vector<std::string>& folders, JobFiles& files) {
+void PrintFolders(const std::vector<std::string>& folders, FileSystem& files) {
   for (const std::string& folder : folders) {
     if (files.Exists(folder)) std::cout << "Result: " << folder << std::endl;
   }
@@ -77,7 +78,7 @@ int RunJob(const BatchArguments& arguments) {
   const std::string programPath = GetProgramPath();
   SetUpGdal(programPath);
   ConsoleHost host(arguments.overwrite, arguments.quiet);
-  WindowsFiles files;
+  SystemFiles files;
   const BatchInputs inputs = GatherInputs(arguments.inputs, files, host);
   if (host.WasInterrupted()) return kAborted;
   if (inputs.orthophotos.empty()) {
@@ -89,7 +90,8 @@ int RunJob(const BatchArguments& arguments) {
   TilerLogFile log(files, environment, "mosaicon-batch", GetCurrentProcessId());
   WindowsToolRunner tools(host.ProgressWindow(), log.Path());
   CarefulRunner runner(tools, host, files);
-  BatchDriver driver(host, runner, files, environment, programPath);
+  RealFinishingSteps steps;
+  BatchDriver driver(host, runner, files, steps, environment, programPath);
   switch (driver.StartJob(MakeSettings(arguments, inputs.orthophotos), inputs.orthophotos)) {
     case JobResult::kBadSettings:
       return kWrongArguments;

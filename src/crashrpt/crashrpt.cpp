@@ -11,6 +11,7 @@
 
 #include "crashrpt/crash_handlers.h"
 #include "crashrpt/crash_reporter.h"
+#include "files/system_files.h"
 
 namespace {
 
@@ -57,13 +58,12 @@ std::string FindSender(const char* given, HMODULE thisModule) {
   const DWORD length = GetFullPathNameA(path.c_str(), sizeof full, full, nullptr);
   if (length == 0 || length >= sizeof full) return "";
   path = full;
-  DWORD attributes = GetFileAttributesA(path.c_str());
-  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+  SystemFiles files;
+  if (files.IsFolder(path)) {
     if (path.back() != '\\') path += '\\';
     path += kSenderName;
-    attributes = GetFileAttributesA(path.c_str());
   }
-  return attributes != INVALID_FILE_ATTRIBUTES ? path : "";
+  return files.Exists(path) ? path : "";
 }
 
 int Install(const CrashInstallInfo* info) {

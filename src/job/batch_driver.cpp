@@ -19,21 +19,18 @@ std::string LastComponent(const std::string& folder) {
   return separator == std::string::npos ? folder : folder.substr(separator + 1);
 }
 
-size_t CountEntries(JobFiles& files, const std::string& folder) {
-  size_t count = 0;
-  for (const FoundFile& file : files.Find(folder + "\\*.*")) {
-    if (file.name != "." && file.name != "..") ++count;
-  }
-  return count;
+size_t CountEntries(FileSystem& files, const std::string& folder) {
+  return FindFiles(files, folder + "\\*.*").size();
 }
 
 }  // namespace
 
-BatchDriver::BatchDriver(JobHost& host, ToolRunner& runner, JobFiles& files, ProcessEnvironment& environment,
-                         const std::string& programPath)
+BatchDriver::BatchDriver(JobHost& host, ToolRunner& runner, FileSystem& files, FinishingSteps& steps,
+                         ProcessEnvironment& environment, const std::string& programPath)
     : m_host(host),
       m_runner(runner, host),
       m_files(files, host),
+      m_steps(steps, m_files),
       m_audit(m_runner, m_files, m_host),
       m_environment(environment),
       m_tools(MakeToolPaths(programPath)) {}

@@ -8,11 +8,13 @@
 #include <string>
 #include <vector>
 
+#include "files/file_system.h"
+#include "job/finishing_steps.h"
 #include "job/guarded_host.h"
-#include "job/job_files.h"
 #include "job/job_host.h"
 #include "job/job_settings.h"
 #include "job/map_audit.h"
+#include "job/process_environment.h"
 #include "job/tif_data.h"
 #include "job/tool_paths.h"
 #include "job/tool_runner.h"
@@ -29,8 +31,8 @@ enum class JobResult {
 class BatchDriver {
  public:
   // The interfaces must outlive the driver. programPath is the full path of the running executable.
-  BatchDriver(JobHost& host, ToolRunner& runner, JobFiles& files, ProcessEnvironment& environment,
-              const std::string& programPath);
+  BatchDriver(JobHost& host, ToolRunner& runner, FileSystem& files, FinishingSteps& steps,
+              ProcessEnvironment& environment, const std::string& programPath);
 
   // Takes a list of its own, because the host may rebuild its list while the job runs.
   // Does the job and returns when its report was closed, or earlier as the result says. A call while
@@ -83,6 +85,7 @@ class BatchDriver {
   GuardedHost m_host;
   GuardedRunner m_runner;
   GuardedFiles m_files;
+  GuardedSteps m_steps;
   MapAudit m_audit;
   ProcessEnvironment& m_environment;
   const ToolPaths m_tools;

@@ -152,7 +152,7 @@ TEST_F(Driver, NeverPutsThePictureOverAnOrthophoto) {
   CTifData other = MakeData("b");
   other.m_strFileName = "E:\\title.jpg";
   m_files.paths.insert({harbour.m_strFileName, other.m_strFileName});
-  m_files.previews = {"D:\\out\\maps\\title.jpg", "D:\\out\\maps\\title2.jpg"};
+  m_steps.previews = {"D:\\out\\maps\\title.jpg", "D:\\out\\maps\\title2.jpg"};
   Start({harbour});
   EXPECT_EQ(CountEvents("picture D:\\out\\maps\\title.jpg -> D:\\out\\maps\\title2.jpg"), 1U);
   EXPECT_EQ(m_host.report.log, "- D:\\out\\maps\\title.jpg: OK\r\n");
@@ -170,13 +170,25 @@ TEST_F(Driver, NeverPutsThePictureOverAnOrthophoto) {
       << "the same file by another way";
 }
 
+// As an image editor does that writes a new file and renames it.
+TEST_F(Driver, NeverPutsThePictureOverAnOrthophotoThatIsWrittenAnewMeanwhile) {
+  CTifData harbour = MakeData("a");
+  harbour.m_strFileName = "D:\\out\\maps\\title.jpg";
+  m_files.paths.insert(harbour.m_strFileName);
+  m_files.identities = {{harbour.m_strFileName, "before"}};
+  m_steps.previews = {harbour.m_strFileName};
+  m_runner.onRun = [&](const ToolRun&) { m_files.identities = {{harbour.m_strFileName, "after"}}; };
+  Start({harbour});
+  EXPECT_EQ(CountEvents("picture D:\\out\\maps\\title.jpg -> D:\\out\\maps\\title2.jpg"), 1U);
+}
+
 TEST_F(Driver, PutsThePictureOverThatOfAnEarlierJobOnly) {
   m_files.paths.insert("D:\\out\\maps\\title.jpg");
   Start({MakeData("a")});
   EXPECT_EQ(CountEvents("picture D:\\in\\a.tif -> D:\\out\\maps\\title2.jpg"), 1U);
 
   m_events.clear();
-  m_files.previews.insert("D:\\out\\maps\\title.jpg");
+  m_steps.previews.insert("D:\\out\\maps\\title.jpg");
   Start({MakeData("a")});
   EXPECT_EQ(CountEvents("picture D:\\in\\a.tif -> D:\\out\\maps\\title.jpg"), 1U);
 }

@@ -48,7 +48,7 @@ void BatchDriver::FinishKml(const Output& output) {
   // A copy of an earlier job has its absolute links already.
   if (!m_files.Copy(local, web)) {
     m_audit.Fail("could not write " + web);
-  } else if (!m_files.RewriteLinks(web, m_settings.targetUrl, output.webFolder) || !m_files.Exists(web)) {
+  } else if (!m_steps.RewriteLinks(web, m_settings.targetUrl, output.webFolder) || !m_files.Exists(web)) {
     // The rewriter's last step, putting the new text in place, may fail in silence.
     m_audit.Fail("could not write the links of " + web);
   }
@@ -65,7 +65,7 @@ void BatchDriver::RenameDocument(const std::string& document, const std::string&
 void BatchDriver::MakePicture(const CTifData& data, const Output& output) {
   const std::string picture = NamePicture(output);
   std::string reason;
-  if (!m_files.MakePreview(data.m_strFileName, picture, reason)) {
+  if (!m_steps.MakePreview(data.m_strFileName, picture, reason)) {
     m_audit.Fail("could not make the picture " + picture + (reason.empty() ? "" : ": " + reason));
   }
 }
@@ -73,7 +73,7 @@ void BatchDriver::MakePicture(const CTifData& data, const Output& output) {
 // The picture is called as the map is, unless that is an orthophoto or another picture of the user.
 std::string BatchDriver::NamePicture(const Output& output) {
   std::string name = FileIn(output.normalised, output.mapName, "jpg");
-  while (m_files.Exists(name) && (m_files.IsProtected(name) || !m_files.IsPreview(name))) {
+  while (m_files.Exists(name) && (m_files.IsProtected(name) || !m_steps.IsPreview(name))) {
     name = KVT_TranslatePath(name, nullptr, nullptr, "2");
   }
   return name;

@@ -165,10 +165,10 @@ TEST_F(Maps, NeedTheLinksOfTheWeb) {
   m_settings.webOutput = true;
   m_settings.targetUrl = "host/maps";
   EXPECT_EQ(StartOne(), "");
-  m_files.unlinked.insert(kWeb);
+  m_steps.unlinked.insert(kWeb);
   EXPECT_EQ(StartOne(), std::string("could not write the links of ") + kWeb);
-  m_files.unlinked.clear();
-  m_files.lostByLinking.insert(kWeb);
+  m_steps.unlinked.clear();
+  m_steps.onLinks = [this](const std::string& kml) { m_files.paths.erase(kml); };
   EXPECT_EQ(StartOne(), std::string("could not write the links of ") + kWeb)
       << "only its temporary file is there";
   m_files.uncopied.insert(kLocal);
@@ -177,9 +177,9 @@ TEST_F(Maps, NeedTheLinksOfTheWeb) {
 }
 
 TEST_F(Maps, NeedTheirPicture) {
-  m_files.pictureProblem = "no memory";
+  m_steps.pictureProblem = "no memory";
   EXPECT_EQ(StartOne(), "could not make the picture D:\\out\\maps\\title.jpg: no memory");
-  m_files.pictureProblem = "";
+  m_steps.pictureProblem = "";
   EXPECT_EQ(StartOne(), "could not make the picture D:\\out\\maps\\title.jpg");
   ExpectLogSaysOk();
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "kvtools/found_files.h"
+#include "job/input_list.h"
 
 namespace {
 
@@ -37,17 +37,13 @@ std::vector<std::string> TakeDroppedFiles(HDROP drop) {
   return paths;
 }
 
-std::vector<std::string> ListDroppedFiles(const std::vector<std::string>& paths) {
+std::vector<std::string> ListDroppedFiles(FileSystem& files, const std::vector<std::string>& paths) {
   PathList list;
   for (const std::string& path : paths) {
-    if (!IsFolder(path)) {
+    if (files.IsFolder(path)) {
+      for (const std::string& file : FindOrthophotos(files, path)) list.Add(file);
+    } else {
       list.Add(path);
-      continue;
-    }
-    std::vector<FoundFile> found;
-    FindFiles(path + "\\*.tif", found);
-    for (const FoundFile& file : found) {
-      if (!file.isDirectory) list.Add(file.path);
     }
   }
   return list.Paths();

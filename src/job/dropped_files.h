@@ -9,10 +9,12 @@
 #include <string>
 #include <vector>
 
+#include "files/file_system.h"
+
 // The paths of a WM_DROPFILES, sorted, as Explorer shows them in no useful order; drop is released.
 std::vector<std::string> TakeDroppedFiles(HDROP drop);
 
-// What several dropped paths stand for: files as they are, a folder as its "*.tif" files, each once.
-std::vector<std::string> ListDroppedFiles(const std::vector<std::string>& paths);
+// What several dropped paths stand for: files as they are, a folder as the orthophotos in it, each once.
+std::vector<std::string> ListDroppedFiles(FileSystem& files, const std::vector<std::string>& paths);
 
 #endif  // MOSAICON_JOB_DROPPED_FILES_H_

@@ -64,12 +64,15 @@ ToolOutcome GuardedRunner::Run(const ToolRun& run) {
 
 void GuardedFiles::Protect(const std::vector<CTifData>& orthophotos) {
   m_protected.clear();
-  for (const CTifData& data : orthophotos) m_protected.insert(Identity(data.m_strFileName));
+  for (const CTifData& data : orthophotos) {
+    m_protected.insert(Identity(data.m_strFileName));
+    m_protected.insert(FullPath(data.m_strFileName));
+  }
   m_protected.erase("");
 }
 
 bool GuardedFiles::IsProtected(const std::string& path) {
-  return m_protected.count(Identity(path)) > 0;
+  return m_protected.contains(Identity(path)) || m_protected.contains(FullPath(path));
 }
 
 void GuardedFiles::RemovePartial(const std::string& folder) {
@@ -88,12 +91,17 @@ bool GuardedFiles::Exists(const std::string& path) {
   return IsOpen() && m_files.Exists(path);
 }
 
-std::optional<uint64_t> GuardedFiles::WriteTime(const std::string& path) {
+bool GuardedFiles::IsFolder(const std::string& path) {
+  return IsOpen() && m_files.IsFolder(path);
+}
+
+std::optional<std::uint64_t> GuardedFiles::WriteTime(const std::string& path) {
   return IsOpen() ? m_files.WriteTime(path) : std::nullopt;
 }
 
-std::vector<FoundFile> GuardedFiles::Find(const std::string& pattern) {
-  return IsOpen() ? m_files.Find(pattern) : std::vector<FoundFile>();
+bool GuardedFiles::Find(const std::string& pattern, std::vector<FoundFile>& found) {
+  found.clear();
+  return IsOpen() && m_files.Find(pattern, found);
 }
 
 bool GuardedFiles::CreateFolder(const std::string& path) {
@@ -112,16 +120,16 @@ bool GuardedFiles::Copy(const std::string& source, const std::string& target) {
   return MayChange(target) && m_files.Copy(source, target);
 }
 
-bool GuardedFiles::RewriteLinks(const std::string& kml, const std::string& baseUrl,
+bool GuardedSteps::RewriteLinks(const std::string& kml, const std::string& baseUrl,
                                 const std::string& subFolder) {
-  return MayChange(kml) && m_files.RewriteLinks(kml, baseUrl, subFolder);
+  return m_files.MayChange(kml) && m_steps.RewriteLinks(kml, baseUrl, subFolder);
 }
 
-bool GuardedFiles::MakePreview(const std::string& orthophoto, const std::string& picture,
+bool GuardedSteps::MakePreview(const std::string& orthophoto, const std::string& picture,
                                std::string& reason) {
-  return MayChange(picture) && m_files.MakePreview(orthophoto, picture, reason);
+  return m_files.MayChange(picture) && m_steps.MakePreview(orthophoto, picture, reason);
 }
 
-bool GuardedFiles::IsPreview(const std::string& path) {
-  return IsOpen() && m_files.IsPreview(path);
+bool GuardedSteps::IsPreview(const std::string& path) {
+  return m_files.IsOpen() && m_steps.IsPreview(path);
 }

@@ -9,7 +9,8 @@
 
 #include <set>
 
-#include "job/job_files.h"
+#include "files/file_system.h"
+#include "job/finishing_steps.h"
 #include "job/job_host.h"
 #include "job/tif_data.h"
 #include "job/tool_runner.h"
@@ -53,9 +54,9 @@ class GuardedRunner : public ToolRunner {
 
 // Once the host is closed it finds nothing and every change fails. A change of a protected file fails
 // at any time.
-class GuardedFiles : public JobFiles {
+class GuardedFiles : public FileSystem {
  public:
-  GuardedFiles(JobFiles& files, const JobHost& host) : m_files(files), m_host(host) {}
+  GuardedFiles(FileSystem& files, const JobHost& host) : m_files(files), m_host(host) {}
 
   // From now on these files, and only these, are protected, whatever path leads to them.
   void Protect(const std::vector<CTifData>& orthophotos);
@@ -69,24 +70,37 @@ class GuardedFiles : public JobFiles {
   std::string Identity(const std::string& path) override;
   std::optional<std::string> Read(const std::string& path, size_t maxBytes) override;
   bool Exists(const std::string& path) override;
-  std::optional<uint64_t> WriteTime(const std::string& path) override;
-  std::vector<FoundFile> Find(const std::string& pattern) override;
+  bool IsFolder(const std::string& path) override;
+  std::optional<std::uint64_t> WriteTime(const std::string& path) override;
+  bool Find(const std::string& pattern, std::vector<FoundFile>& found) override;
   bool CreateFolder(const std::string& path) override;
   bool Delete(const std::string& path) override;
   bool Rename(const std::string& source, const std::string& target) override;
   bool Copy(const std::string& source, const std::string& target) override;
+
+  bool IsOpen() const { return !m_host.IsClosed(); }
+  bool MayChange(const std::string& path) { return IsOpen() && !IsProtected(path); }
+
+ private:
+  FileSystem& m_files;
+  const JobHost& m_host;
+  // Identities and full paths: a file that is written anew meanwhile is no other one to its user.
+  std::set<std::string> m_protected;
+};
+
+// Changes what the guarded files may change, and knows nothing once the host is closed.
+class GuardedSteps : public FinishingSteps {
+ public:
+  GuardedSteps(FinishingSteps& steps, GuardedFiles& files) : m_steps(steps), m_files(files) {}
+
   bool RewriteLinks(const std::string& kml, const std::string& baseUrl,
                     const std::string& subFolder) override;
   bool MakePreview(const std::string& orthophoto, const std::string& picture, std::string& reason) override;
   bool IsPreview(const std::string& path) override;
 
  private:
-  bool IsOpen() const { return !m_host.IsClosed(); }
-  bool MayChange(const std::string& path) { return IsOpen() && !IsProtected(path); }
-
-  JobFiles& m_files;
-  const JobHost& m_host;
-  std::set<std::string> m_protected;  // identities
+  FinishingSteps& m_steps;
+  GuardedFiles& m_files;
 };
 
 #endif  // MOSAICON_JOB_GUARDED_HOST_H_

@@ -17,7 +17,16 @@ bool Append(const std::string& path, std::vector<CTifData>& list) {
 
 }  // namespace
 
-int ScanInput(const std::string& path, bool folderMode, JobFiles& files, MessageSink& messages,
+std::vector<std::string> FindOrthophotos(FileSystem& files, const std::string& folder) {
+  const bool separated = folder.ends_with('\\') || folder.ends_with('/');
+  std::vector<std::string> paths;
+  for (const FoundFile& file : FindFiles(files, folder + (separated ? "*.tif" : "\\*.tif"))) {
+    if (!file.isDirectory) paths.push_back(file.path);
+  }
+  return paths;
+}
+
+int ScanInput(const std::string& path, bool folderMode, FileSystem& files, MessageSink& messages,
               std::vector<CTifData>& list, SkippedFileObserver* skipped) {
   if (path.empty()) return 0;
   list.clear();
@@ -27,10 +36,8 @@ int ScanInput(const std::string& path, bool folderMode, JobFiles& files, Message
     }
     return 0;
   }
-  const bool separated = path.back() == '\\' || path.back() == '/';
-  for (const FoundFile& file : files.Find(path + (separated ? "*.tif" : "\\*.tif"))) {
-    if (file.name == "." || file.name == ".." || file.isDirectory) continue;
-    if (!Append(file.path, list) && skipped != nullptr) skipped->OnSkipped(file.path);
+  for (const std::string& file : FindOrthophotos(files, path)) {
+    if (!Append(file, list) && skipped != nullptr) skipped->OnSkipped(file);
   }
   if (list.empty()) {
     messages.ShowMessage(MessageIcon::kWarning, "No valid orthophoto found inside selected folder");
@@ -44,7 +51,7 @@ std::string JoinInputList(const std::vector<std::string>& items) {
   return list;
 }
 
-std::string MakeInputListFull(const std::string& inputList, JobFiles& files) {
+std::string MakeInputListFull(const std::string& inputList, FileSystem& files) {
   std::vector<std::string> items;
   KVT_ParseString(inputList, kItemSeparator, items);
   for (std::string& item : items) item = files.FullPath(item);

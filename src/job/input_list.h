@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "job/job_files.h"
+#include "files/file_system.h"
 #include "job/job_host.h"
 #include "job/tif_data.h"
 
@@ -17,16 +17,19 @@ class SkippedFileObserver {
   virtual void OnSkipped(const std::string& path) = 0;
 };
 
-// Rebuilds list from path: the one file itself, or with folderMode every "*.tif" file directly in
-// that folder, in the system's order. Shows a message when the list stays empty. An empty path leaves
+// The "*.tif" files directly in a folder, in the system's order.
+std::vector<std::string> FindOrthophotos(FileSystem& files, const std::string& folder);
+
+// Rebuilds list from path: the one file itself, or with folderMode what FindOrthophotos finds
+// in that folder. Shows a message when the list stays empty. An empty path leaves
 // the list as it is. skipped may be null. Always returns 0; the caller looks at the list.
-int ScanInput(const std::string& path, bool folderMode, JobFiles& files, MessageSink& messages,
+int ScanInput(const std::string& path, bool folderMode, FileSystem& files, MessageSink& messages,
               std::vector<CTifData>& list, SkippedFileObserver* skipped = nullptr);
 
 // An input list is a text: paths, joined by "|".
 std::string JoinInputList(const std::vector<std::string>& items);
 // The same list with full paths.
-std::string MakeInputListFull(const std::string& inputList, JobFiles& files);
+std::string MakeInputListFull(const std::string& inputList, FileSystem& files);
 
 // What an input list stands for.
 struct RestoredInput {

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
+#include "files/system_files.h"
+#include "files/testing/fake_file_system.h"
 #include "support/fakes.h"
 #include "support/rasters.h"
 #include "support/temporary_folder.h"
@@ -24,18 +28,10 @@ class InputList : public testing::Test {
     MakeRaster(m_folder.Path(name), recipe);
     return m_folder.Path(name);
   }
-  // Makes the fake file system find these files in the folder.
-  void List(const std::vector<std::string>& names) {
-    std::vector<FoundFile>& found = m_files.matches[m_folder.Path() + "\\*.tif"];
-    // Not told to be folders: their names are enough.
-    found = {{Make("dot.tif"), ".", false}, {Make("dots.tif"), "..", false}};
-    for (const std::string& name : names) found.push_back({m_folder.Path(name), name, false});
-  }
-
   TemporaryFolder m_folder;
   Events m_events;
   FakeHost m_host{m_events};
-  FakeFiles m_files{m_events};
+  SystemFiles m_files;
   std::vector<CTifData> m_list{1};
 };
 
@@ -63,41 +59,49 @@ TEST_F(InputList, StaysAsItIsForAnEmptyPath) {
 }
 
 TEST_F(InputList, HoldsAFolderInTheOrderFound) {
-  Make("b.tif");
-  Make("a.tif", 3003);
-  Make("plain.tif", 0);
-  List({"b.tif", "plain.tif", "a.tif"});
+  for (const char* name : {"b.tif", "A.TIF", "c.tif"}) Make(name, 3003);
+  const std::string plain = Make("plain.tif", 0);
+  std::vector<std::string> expected = FindOrthophotos(m_files, m_folder.Path());
+  EXPECT_EQ(expected.size(), 4U);
+  std::erase(expected, plain);
   SkippedFiles skipped;
   EXPECT_EQ(ScanInput(m_folder.Path(), true, m_files, m_host, m_list, &skipped), 0);
-  ASSERT_EQ(m_list.size(), 2U);
-  EXPECT_EQ(m_list[0].m_strFileName, m_folder.Path("b.tif"));
-  EXPECT_EQ(m_list[1].m_strFileName, m_folder.Path("a.tif"));
+  std::vector<std::string> paths;
+  for (const CTifData& data : m_list) paths.push_back(data.m_strFileName);
+  EXPECT_EQ(paths, expected);
   EXPECT_TRUE(m_events.empty()) << "files without georeference are passed over in silence";
-  EXPECT_EQ(skipped.paths, std::vector<std::string>{m_folder.Path("plain.tif")});
-}
-
-TEST_F(InputList, SearchesARootWithoutASecondSeparator) {
-  for (const char* folder : {"d:\\", "d:\\maps\\", "d:/maps/", "d:\\maps"}) {
-    ScanInput(folder, true, m_files, m_host, m_list);
-  }
-  EXPECT_EQ(m_files.patterns,
-            (std::vector<std::string>{"d:\\*.tif", "d:\\maps\\*.tif", "d:/maps/*.tif", "d:\\maps\\*.tif"}));
-}
-
-TEST_F(InputList, PassesFoldersOver) {
-  Make("a.tif");
-  List({});
-  m_files.matches[m_folder.Path() + "\\*.tif"].push_back({m_folder.Path("a.tif"), "a.tif", true});
-  ScanInput(m_folder.Path(), true, m_files, m_host, m_list);
-  EXPECT_TRUE(m_list.empty());
+  EXPECT_EQ(skipped.paths, std::vector<std::string>{plain});
 }
 
 TEST_F(InputList, TellsThatAFolderHoldsNoOrthophoto) {
   Make("plain.tif", 0);
-  List({"plain.tif"});
   EXPECT_EQ(ScanInput(m_folder.Path(), true, m_files, m_host, m_list), 0);
   EXPECT_TRUE(m_list.empty());
   EXPECT_EQ(m_events, Events{"warning: No valid orthophoto found inside selected folder"});
+}
+
+TEST(Orthophotos, AreTheTifFilesOfAFolderInTheOrderFound) {
+  FakeFileSystem files;
+  for (const char* name : {"b.tif", "a.jpg", "A.TIF", "c.tiff", "tif", "deeper\\d.tif"}) {
+    files.Put(std::string("d:\\maps\\") + name);
+  }
+  files.PutFolder("d:\\maps\\folder.tif");
+  EXPECT_EQ(FindOrthophotos(files, "d:\\maps"),
+            (std::vector<std::string>{"d:\\maps\\b.tif", "d:\\maps\\A.TIF"}));
+  EXPECT_TRUE(FindOrthophotos(files, "d:\\none").empty());
+}
+
+TEST(Orthophotos, AreFoundHoweverTheFolderIsWritten) {
+  FakeFileSystem files;
+  files.Put("d:\\a.tif");
+  files.Put("d:\\maps\\a.tif");
+  const std::pair<const char*, const char*> cases[] = {{"d:\\", "d:\\a.tif"},
+                                                       {"d:\\maps\\", "d:\\maps\\a.tif"},
+                                                       {"d:/maps/", "d:/maps/a.tif"},
+                                                       {"d:\\maps", "d:\\maps\\a.tif"}};
+  for (const auto& [folder, path] : cases) {
+    EXPECT_EQ(FindOrthophotos(files, folder), std::vector<std::string>{path}) << folder;
+  }
 }
 
 TEST_F(InputList, ChoosesFolderModeFromTwoItemsOn) {
@@ -107,10 +111,11 @@ TEST_F(InputList, ChoosesFolderModeFromTwoItemsOn) {
 }
 
 TEST_F(InputList, IsMadeOfFullPaths) {
-  m_files.fullPaths = {{"a.tif", "d:\\in\\a.tif"}, {"..\\b.tif", "d:\\b.tif"}};
-  EXPECT_EQ(MakeInputListFull("", m_files), "");
-  EXPECT_EQ(MakeInputListFull("a.tif", m_files), "d:\\in\\a.tif");
-  EXPECT_EQ(MakeInputListFull("a.tif|c:\\c.tif|..\\b.tif", m_files), "d:\\in\\a.tif|c:\\c.tif|d:\\b.tif");
+  FakeFileSystem files;
+  files.SetCurrentFolder("d:\\in");
+  EXPECT_EQ(MakeInputListFull("", files), "");
+  EXPECT_EQ(MakeInputListFull("a.tif", files), "d:\\in\\a.tif");
+  EXPECT_EQ(MakeInputListFull("a.tif|c:\\c.tif|..\\b.tif", files), "d:\\in\\a.tif|c:\\c.tif|d:\\b.tif");
 }
 
 TEST_F(InputList, ComesFromTheCommandLine) {

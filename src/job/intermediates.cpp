@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "kvtools/ascii.h"
 #include "kvtools/split_path.h"
 
 namespace {
@@ -37,13 +38,8 @@ void Collect(const CPLXMLNode* node, std::string_view name, std::vector<const CP
 // path is. Letters beyond ASCII are passed over: the tools write UTF-8, and path is in the code page.
 bool NamesFileBeside(const CPLXMLNode* element, const std::string& path) {
   const auto fold = [](const std::string& text) {
-    std::string folded;
-    for (const char c : text) {
-      if (c >= 'A' && c <= 'Z')
-        folded += static_cast<char>(c - 'A' + 'a');
-      else if (static_cast<unsigned char>(c) < 0x80)
-        folded += c;
-    }
+    std::string folded = LowerAscii(text);
+    std::erase_if(folded, [](unsigned char letter) { return letter >= 0x80; });
     return folded;
   };
   const PathParts parts = SplitPath(path);

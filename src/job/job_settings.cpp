@@ -1,29 +1,19 @@
 #include "job/job_settings.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdlib>
 
+#include "kvtools/ascii.h"
 #include "kvtools/kvtools.h"
+#include "kvtools/profile_section.h"
 
 namespace {
 
-constexpr char kSection[] = "Input";
-constexpr int kSettingBuffer = 4096;
+constexpr ProfileSection kProfile("Input", 4096);
 constexpr size_t kRootFolderLength = 3;
 
-std::string Load(const char* key, const char* defaultValue) {
-  char buffer[kSettingBuffer];
-  KVT_GetUserProfileString(kSection, key, defaultValue, buffer, kSettingBuffer);
-  return buffer;
-}
-
-void Save(const char* key, const std::string& value) {
-  KVT_WriteUserProfileString(kSection, key, value.c_str());
-}
-
 void SaveByte(const char* key, uint32_t value) {
-  Save(key, std::to_string(value & 0xFF));
+  kProfile.Save(key, std::to_string(value & 0xFF));
 }
 
 bool Refuse(MessageSink& messages, const std::string& text) {
@@ -37,11 +27,7 @@ std::string ReplaceSpaces(std::string text) {
 }
 
 bool NamesHttp(const std::string& url) {
-  std::string lower = url;
-  std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char letter) {
-    return static_cast<char>(letter < 0x80 ? std::tolower(letter) : letter);
-  });
-  return lower.find("http://") != std::string::npos;
+  return LowerAscii(url).find("http://") != std::string::npos;
 }
 
 bool CheckTargetUrl(JobSettings& settings, JobForm& form) {
@@ -57,7 +43,7 @@ bool CheckTargetUrl(JobSettings& settings, JobForm& form) {
     settings.targetUrl = "http://" + settings.targetUrl;
     form.WriteBackTargetUrl(settings.targetUrl);
   }
-  Save("TargetURL", settings.targetUrl);
+  kProfile.Save("TargetURL", settings.targetUrl);
   return true;
 }
 
@@ -67,7 +53,7 @@ std::string ReplaceSpacesInName(const std::string& path) {
   return path.substr(0, name) + ReplaceSpaces(path.substr(name));
 }
 
-bool CheckTargetFolder(JobSettings& settings, JobFiles& files, JobForm& form) {
+bool CheckTargetFolder(JobSettings& settings, FileSystem& files, JobForm& form) {
   const std::string typed = Unquote(settings.targetFolder);
   if (typed.empty()) return Refuse(form, "Select the target folder");
   // Twice: the system drops a space at the end, and "." may stand for a name that has some.
@@ -79,7 +65,7 @@ bool CheckTargetFolder(JobSettings& settings, JobFiles& files, JobForm& form) {
   }
   settings.targetFolder = folder;
   form.WriteBackTargetFolder(settings.targetFolder);
-  Save("TargetFolder", settings.targetFolder);
+  kProfile.Save("TargetFolder", settings.targetFolder);
   return true;
 }
 
@@ -123,18 +109,18 @@ std::string FindGoogleKeyProblem(const std::string& key) {
 
 JobSettings RestoreSettings() {
   JobSettings settings;
-  settings.targetUrl = Load("TargetURL", "");
-  settings.googleApiKey = Load("GoogleAPI", "");
-  settings.resampling = std::atoi(Load("Resampling", "0").c_str());
+  settings.targetUrl = kProfile.Load("TargetURL");
+  settings.googleApiKey = kProfile.Load("GoogleAPI");
+  settings.resampling = std::atoi(kProfile.Load("Resampling", "0").c_str());
   if (settings.resampling < 0 || settings.resampling >= static_cast<int>(ResamplingModes().size())) {
     settings.resampling = 0;
   }
-  settings.mapTitle = Load("MapTitle", "");
-  settings.targetFolder = Load("TargetFolder", "");
+  settings.mapTitle = kProfile.Load("MapTitle");
+  settings.targetFolder = kProfile.Load("TargetFolder");
   return settings;
 }
 
-bool ValidateAndSaveSettings(JobSettings& settings, size_t orthophotos, JobFiles& files, JobForm& form) {
+bool ValidateAndSaveSettings(JobSettings& settings, size_t orthophotos, FileSystem& files, JobForm& form) {
   if (settings.inputPath.empty() || orthophotos == 0) {
     return Refuse(form, "Select the input orthophoto path");
   }
@@ -143,14 +129,14 @@ bool ValidateAndSaveSettings(JobSettings& settings, size_t orthophotos, JobFiles
   }
   if (!CheckTargetUrl(settings, form)) return false;
 
-  Save("GoogleAPI", settings.googleApiKey);
+  kProfile.Save("GoogleAPI", settings.googleApiKey);
   SaveByte("Transparency_R", settings.transparency);
   SaveByte("Transparency_G", settings.transparency >> 8);
   SaveByte("Transparency_B", settings.transparency >> 16);
-  Save("Resampling", std::to_string(settings.resampling));
+  kProfile.Save("Resampling", std::to_string(settings.resampling));
 
   settings.mapTitle = ReplaceSpaces(settings.mapTitle);
   form.WriteBackMapTitle(settings.mapTitle);
-  Save("MapTitle", settings.mapTitle);
+  kProfile.Save("MapTitle", settings.mapTitle);
   return CheckTargetFolder(settings, files, form) && CheckCommandTexts(settings, form);
 }

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "job/job_files.h"
+#include "files/file_system.h"
 #include "job/job_host.h"
 
 struct JobSettings {
@@ -47,6 +47,6 @@ JobSettings RestoreSettings();
 // what was saved before. Normalised values are written back to settings and to the form. The first
 // failure is shown and ends it with false. orthophotos is the number of usable inputs; files tells
 // where the target folder really is.
-bool ValidateAndSaveSettings(JobSettings& settings, size_t orthophotos, JobFiles& files, JobForm& form);
+bool ValidateAndSaveSettings(JobSettings& settings, size_t orthophotos, FileSystem& files, JobForm& form);
 
 #endif  // MOSAICON_JOB_JOB_SETTINGS_H_

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "files/testing/fake_file_system.h"
 #include "kvtools/kvtools.h"
 #include "support/fakes.h"
 
@@ -36,7 +37,7 @@ class Settings : public testing::Test {
 
   Events m_events;
   FakeHost m_host{m_events};
-  FakeFiles m_files{m_events};
+  FakeFileSystem m_files;
   JobSettings m_settings;
 };
 
@@ -117,7 +118,7 @@ TEST_F(Settings, RefuseRootFolders) {
   ExpectRefused("Select the target folder");
   m_settings.targetFolder = "\"\"";
   ExpectRefused("Select the target folder");
-  m_files.fullPaths = {{"d:\\.", "d:\\"}, {"d:\\maps\\..", "d:\\"}, {"\\", "d:\\"}, {"d:", "d:\\work"}};
+  m_files.SetCurrentFolder("d:\\work");
   for (const char* root : {"d:\\", "d:", "d", "\\a\\", "d:\\\\", "d:/", "d:////", "d:\\.", "d:/./",
                            "d:\\maps\\..", "\\\\\\\\", "\"d:\\\""}) {
     m_settings.targetFolder = root;
@@ -144,7 +145,7 @@ TEST_F(Settings, NormaliseOnlyTheLastComponentOfTheFolder) {
                         {"\\\\server\\my share\\x y", "\\\\server\\my share\\x_y"},
                         {"maps of mine", "d:\\my work\\maps_of_mine"},
                         {"d:\\my maps\\.", "d:\\my_maps"}};
-  m_files.fullPaths = {{"maps_of_mine", "d:\\my work\\maps_of_mine"}, {"d:\\my maps\\.", "d:\\my maps"}};
+  m_files.SetCurrentFolder("d:\\my work");
   for (const Case& each : cases) {
     m_events.clear();
     m_settings.targetFolder = each.typed;

@@ -5,7 +5,7 @@ namespace {
 // Tells a file that was written anew from one that an earlier job left.
 class FreshFile {
  public:
-  FreshFile(JobFiles& files, const std::string& path)
+  FreshFile(FileSystem& files, const std::string& path)
       : m_files(files), m_strPath(path), m_before(files.WriteTime(path)) {}
   bool WasWritten() const {
     const auto now = m_files.WriteTime(m_strPath);
@@ -13,7 +13,7 @@ class FreshFile {
   }
 
  private:
-  JobFiles& m_files;
+  FileSystem& m_files;
   const std::string m_strPath;
   const std::optional<uint64_t> m_before;
 };

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "job/job_files.h"
+#include "files/file_system.h"
 #include "job/job_host.h"
 #include "job/map_outcome.h"
 #include "job/tif_data.h"
@@ -16,7 +16,7 @@
 class MapAudit {
  public:
   // All three must outlive the audit; each call of them may come too late, so they are guarded ones.
-  MapAudit(ToolRunner& runner, JobFiles& files, const JobHost& host)
+  MapAudit(ToolRunner& runner, FileSystem& files, const JobHost& host)
       : m_runner(runner), m_files(files), m_host(host) {}
 
   // A job begins: nothing is made yet.
@@ -38,7 +38,7 @@ class MapAudit {
 
  private:
   ToolRunner& m_runner;
-  JobFiles& m_files;
+  FileSystem& m_files;
   const JobHost& m_host;
   std::vector<MapOutcome> m_vMaps;
   size_t m_nMap = 0;

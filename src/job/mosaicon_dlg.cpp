@@ -58,7 +58,7 @@ CMosaiconDlg::CMosaiconDlg(std::string strInputList, const std::string& programP
       m_progress(m_taskbar),
       m_tilerLog(m_files, m_environment, "mosaicon", GetCurrentProcessId()),
       m_runner(&m_progress, m_tilerLog.Path()),
-      m_driver(*this, m_runner, m_files, m_environment, programPath) {}
+      m_driver(*this, m_runner, m_files, m_steps, m_environment, programPath) {}
 
 void CMosaiconDlg::StartJob() {
   const FlagGuard running(m_bJobRunning);

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "files/system_files.h"
 #include "job/batch_driver.h"
 #include "job/dialog_icons.h"
 #include "job/edit_browse_ex.h"
@@ -16,7 +17,7 @@
 #include "job/job_progress.h"
 #include "job/taskbar_progress.h"
 #include "job/tiler_log_file.h"
-#include "job/windows_files.h"
+#include "job/windows_process.h"
 #include "job/windows_taskbar_button.h"
 #include "job/windows_tool_runner.h"
 #include "mfc/color_button.h"
@@ -143,7 +144,8 @@ class CMosaiconDlg : public CDialogEx, private JobHost {
   bool m_bAborting = false;              // the handler of the cancel button is on the stack
   bool m_bClosed = false;                // the window is gone, or going: it handles nothing any more
 
-  WindowsFiles m_files;
+  SystemFiles m_files;
+  RealFinishingSteps m_steps;
   WindowsEnvironment m_environment;
   TilerLogFile m_tilerLog;
   WindowsToolRunner m_runner;

@@ -90,9 +90,9 @@ void CMosaiconDlg::OnDropFiles(HDROP drop) {
   std::vector<std::string> paths = TakeDroppedFiles(drop);
   if (paths.empty()) return;
   SetForegroundWindow(m_hWnd);
-  if (paths.size() > 1) paths = ListDroppedFiles(paths);
+  if (paths.size() > 1) paths = ListDroppedFiles(m_files, paths);
   if (paths.size() == 1) {
-    ShowInputPath(paths.front(), IsFolder(paths.front()));
+    ShowInputPath(paths.front(), m_files.IsFolder(paths.front()));
     Scan(paths.front(), *this);
     return;
   }

@@ -10,9 +10,9 @@ constexpr int kAttempts = 20;
 constexpr std::chrono::milliseconds kPause{100};
 
 // The folders directly in a folder whose names are numbers.
-std::vector<std::string> FindNumbered(const std::string& folder, JobFiles& files) {
+std::vector<std::string> FindNumbered(const std::string& folder, FileSystem& files) {
   std::vector<std::string> numbered;
-  for (const FoundFile& found : files.Find(folder + "\\*")) {
+  for (const FoundFile& found : FindFiles(files, folder + "\\*")) {
     const bool isNumber = std::all_of(found.name.begin(), found.name.end(),
                                       [](char letter) { return letter >= '0' && letter <= '9'; });
     if (found.isDirectory && isNumber) numbered.push_back(found.path);
@@ -20,7 +20,7 @@ std::vector<std::string> FindNumbered(const std::string& folder, JobFiles& files
   return numbered;
 }
 
-std::vector<std::string> FindPartialFiles(const std::string& folder, JobFiles& files) {
+std::vector<std::string> FindPartialFiles(const std::string& folder, FileSystem& files) {
   std::vector<std::string> folders{folder};
   for (const std::string& level : FindNumbered(folder, files)) {
     const std::vector<std::string> columns = FindNumbered(level, files);
@@ -28,7 +28,7 @@ std::vector<std::string> FindPartialFiles(const std::string& folder, JobFiles& f
   }
   std::vector<std::string> partial;
   for (const std::string& each : folders) {
-    for (const FoundFile& found : files.Find(each + "\\*." + kPartialExtension)) {
+    for (const FoundFile& found : FindFiles(files, each + "\\*." + kPartialExtension)) {
       if (!found.isDirectory) partial.push_back(found.path);
     }
   }
@@ -37,7 +37,7 @@ std::vector<std::string> FindPartialFiles(const std::string& folder, JobFiles& f
 
 }  // namespace
 
-void RemovePartialFiles(const std::string& folder, JobFiles& files) {
+void RemovePartialFiles(const std::string& folder, FileSystem& files) {
   std::vector<std::string> partial = FindPartialFiles(folder, files);
   const auto removed = [&files](const std::string& path) {
     return files.Delete(path) || !files.Exists(path);

@@ -6,12 +6,12 @@
 
 #include <string>
 
-#include "job/job_files.h"
+#include "files/file_system.h"
 
 inline constexpr char kPartialExtension[] = "~mos";
 
 // Removes them from an output folder and its folders of tiles (<level>\<column>); looks nowhere else.
 // Takes up to two seconds when one of them is still held by a process that is ending.
-void RemovePartialFiles(const std::string& folder, JobFiles& files);
+void RemovePartialFiles(const std::string& folder, FileSystem& files);
 
 #endif  // MOSAICON_JOB_PARTIAL_FILES_H_

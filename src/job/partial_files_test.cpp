@@ -2,75 +2,55 @@
 
 #include <gtest/gtest.h>
 
-#include "support/fakes.h"
+#include "files/testing/fake_file_system.h"
 
 namespace {
 
 class PartialFiles : public testing::Test {
  protected:
-  // Puts a file or a folder into a folder, where both kinds of search find it.
-  void Put(const std::string& folder, const std::string& name, bool isDirectory = false) {
-    const FoundFile found{folder + "\\" + name, name, isDirectory};
-    m_files.matches[folder + "\\*"].push_back(found);
-    if (name.size() > 5 && name.substr(name.size() - 5) == ".~mos") {
-      m_files.matches[folder + "\\*.~mos"].push_back(found);
-    }
-    m_files.paths.insert(found.path);
-  }
-
-  Events m_events;
-  FakeFiles m_files{m_events};
+  std::vector<std::string> m_changes;
+  FakeFileSystem m_files{&m_changes};
 };
 
 TEST_F(PartialFiles, AreRemovedWhereTilesAndPagesAre) {
-  Put("d:\\out", "doc.kml.~mos");
-  Put("d:\\out", "doc.kml");
-  Put("d:\\out", "12", true);
-  Put("d:\\out\\12", "x.~mos");
-  Put("d:\\out\\12", "7", true);
-  Put("d:\\out\\12\\7", "9.png.~mos");
-  Put("d:\\out\\12\\7", "9.kml");
+  for (const char* name : {"doc.kml.~mos", "doc.kml", "12\\x.~mos", "12\\7\\9.png.~mos", "12\\7\\9.kml"}) {
+    m_files.Put(std::string("d:\\out\\") + name);
+  }
   RemovePartialFiles("d:\\out", m_files);
-  EXPECT_EQ(m_events, (Events{"delete d:\\out\\doc.kml.~mos", "delete d:\\out\\12\\7\\9.png.~mos"}));
-  EXPECT_EQ(m_files.paths.count("d:\\out\\doc.kml"), 1U);
+  EXPECT_EQ(m_changes,
+            (std::vector<std::string>{"delete d:\\out\\doc.kml.~mos", "delete d:\\out\\12\\7\\9.png.~mos"}));
 }
 
 TEST_F(PartialFiles, OfOthersAreLeft) {
-  Put("d:\\out", "mine", true);
-  Put("d:\\out\\mine", "a.~mos");
-  Put("d:\\out", "12a", true);
-  Put("d:\\out\\12a", "7", true);
-  Put("d:\\out\\12a\\7", "9.png.~mos");
-  Put("d:\\out", "folder.~mos", true);
+  m_files.Put("d:\\out\\mine\\a.~mos");
+  m_files.Put("d:\\out\\12a\\7\\9.png.~mos");
+  m_files.Put("d:\\out\\12\\7\\6\\9.png.~mos");
+  m_files.PutFolder("d:\\out\\folder.~mos");
   RemovePartialFiles("d:\\out", m_files);
-  EXPECT_TRUE(m_events.empty());
+  EXPECT_TRUE(m_changes.empty());
 }
 
 // Refuses to delete a few times, as the system does while an ending process holds a file.
-class HeldFiles : public FakeFiles {
+class HeldFiles : public FakeFileSystem {
  public:
-  using FakeFiles::FakeFiles;
-  bool Delete(const std::string& path) override { return refusals-- <= 0 && FakeFiles::Delete(path); }
+  bool Delete(const std::string& path) override { return refusals-- <= 0 && FakeFileSystem::Delete(path); }
   int refusals = 0;
 };
 
 TEST_F(PartialFiles, AreTriedAgainWhileTheyAreHeld) {
-  HeldFiles files(m_events);
-  files.paths = {"d:\\out\\a.~mos", "d:\\out\\b.~mos"};
-  files.matches["d:\\out\\*.~mos"] = {{"d:\\out\\a.~mos", "a.~mos", false},
-                                      {"d:\\out\\b.~mos", "b.~mos", false}};
+  HeldFiles files;
+  for (const char* path : {"d:\\out\\a.~mos", "d:\\out\\b.~mos"}) files.Put(path);
   files.refusals = 3;
   RemovePartialFiles("d:\\out", files);
-  EXPECT_TRUE(files.paths.empty());
+  EXPECT_TRUE(FindFiles(files, "d:\\out\\*").empty());
 }
 
 TEST_F(PartialFiles, ThatNobodyMayDeleteEndTheAttempt) {
-  HeldFiles files(m_events);
-  files.paths = {"d:\\out\\a.~mos"};
-  files.matches["d:\\out\\*.~mos"] = {{"d:\\out\\a.~mos", "a.~mos", false}};
+  HeldFiles files;
+  files.Put("d:\\out\\a.~mos");
   files.refusals = 1000;
   RemovePartialFiles("d:\\out", files);
-  EXPECT_EQ(files.paths.size(), 1U);
+  EXPECT_TRUE(files.Exists("d:\\out\\a.~mos"));
   EXPECT_LT(files.refusals, 1000 - 1) << "tried once only";
 }
 

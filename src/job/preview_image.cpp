@@ -6,8 +6,8 @@
 #include <numeric>
 #include <vector>
 
+#include "files/system_files.h"
 #include "job/partial_files.h"
-#include "job/same_file.h"
 #include "kvtools/split_path.h"
 
 namespace {
@@ -33,8 +33,9 @@ bool Refuse(const std::string& reason) {
 // An orthophoto may be a JPEG itself, or consist of several files, and lie in the output folder.
 bool IsPartOf(GDALDataset& input, const std::string& path) {
   const CPLStringList parts(input.GetFileList());
+  SystemFiles files;
   for (int i = 0; i < parts.size(); ++i) {
-    if (IsSameFile(parts[i], path)) return true;
+    if (IsSameFile(files, parts[i], path)) return true;
   }
   return false;
 }
@@ -123,7 +124,8 @@ bool MakePicture(const std::string& inputPath, const std::string& outputPath) {
 
   GDALDatasetUniquePtr input(GDALDataset::FromHandle(GDALOpen(inputPath.c_str(), GA_ReadOnly)));
   if (input == nullptr || !CanHold(*format, *input)) return false;
-  if (IsSameFile(inputPath, outputPath) || IsPartOf(*input, outputPath)) {
+  SystemFiles files;
+  if (IsSameFile(files, inputPath, outputPath) || IsPartOf(*input, outputPath)) {
     return Refuse("it would replace the orthophoto");
   }
   int width = 0;

@@ -13,7 +13,7 @@ std::string TimeStamp() {
 
 }  // namespace
 
-TilerLogFile::TilerLogFile(JobFiles& files, ProcessEnvironment& environment, const std::string& program,
+TilerLogFile::TilerLogFile(FileSystem& files, ProcessEnvironment& environment, const std::string& program,
                            unsigned long processId)
     : m_files(files) {
   const std::string folder =

@@ -6,13 +6,14 @@
 
 #include <string>
 
-#include "job/job_files.h"
+#include "files/file_system.h"
+#include "job/process_environment.h"
 
 class TilerLogFile {
  public:
   // Named after the program. Process ids come again, also after a log that was kept: the name has the time
   // too.
-  TilerLogFile(JobFiles& files, ProcessEnvironment& environment, const std::string& program,
+  TilerLogFile(FileSystem& files, ProcessEnvironment& environment, const std::string& program,
                unsigned long processId);
   ~TilerLogFile();
   TilerLogFile(const TilerLogFile&) = delete;
@@ -24,7 +25,7 @@ class TilerLogFile {
   std::string Keep();
 
  private:
-  JobFiles& m_files;
+  FileSystem& m_files;
   std::string m_strPath;
   bool m_bKeep = false;
 };

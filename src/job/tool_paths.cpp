@@ -22,7 +22,7 @@ ToolPaths MakeToolPaths(const std::string& programPath) {
   return tools;
 }
 
-bool CheckTools(const ToolPaths& tools, JobFiles& files, MessageSink& messages) {
+bool CheckTools(const ToolPaths& tools, FileSystem& files, MessageSink& messages) {
   struct Check {
     const std::string& path;
     const char* what;

@@ -5,8 +5,9 @@
 
 #include <string>
 
-#include "job/job_files.h"
+#include "files/file_system.h"
 #include "job/job_host.h"
+#include "job/process_environment.h"
 
 // The tool folder lies beside the program and is called "gdal2tiles".
 struct ToolPaths {
@@ -21,7 +22,7 @@ struct ToolPaths {
 ToolPaths MakeToolPaths(const std::string& programPath);
 
 // True when all four tools exist; otherwise shows which one is missing, the first one only.
-bool CheckTools(const ToolPaths& tools, JobFiles& files, MessageSink& messages);
+bool CheckTools(const ToolPaths& tools, FileSystem& files, MessageSink& messages);
 
 // Sets GDAL_PATH, PATH, GDAL_DATA and GDAL_DRIVER_PATH, in this order. On the first failure shows a
 // message and returns false; what is set stays set. A PATH that holds the tool folder already, or

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "files/testing/fake_file_system.h"
 #include "support/fakes.h"
 
 namespace {
@@ -12,7 +13,7 @@ class Tools : public testing::Test {
  protected:
   Events m_events;
   FakeHost m_host{m_events};
-  FakeFiles m_files{m_events};
+  FakeFileSystem m_files;
   FakeEnvironment m_environment;
   const ToolPaths m_tools = MakeToolPaths("C:\\Apps\\Tiler\\Mosaicon.exe");
 };
@@ -37,7 +38,7 @@ TEST_F(Tools, AreNamedOneByOneWhenMissing) {
     m_events.clear();
     EXPECT_FALSE(CheckTools(m_tools, m_files, m_host));
     EXPECT_EQ(m_events, Events{"information: Unable to find the process data " + what + contact});
-    m_files.paths.insert(path);
+    m_files.Put(path);
   }
   m_events.clear();
   EXPECT_TRUE(CheckTools(m_tools, m_files, m_host));

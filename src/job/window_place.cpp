@@ -2,21 +2,17 @@
 
 #include <algorithm>
 #include <charconv>
-#include <string_view>
+#include <string>
 
-#include "kvtools/kvtools.h"
+#include "kvtools/profile_section.h"
 
 namespace {
 
 // Beside what the form is filled in with.
-constexpr char kSection[] = "Input";
-constexpr int kNumberBuffer = 16;
-constexpr int kFolderBuffer = 4096;
+constexpr ProfileSection kProfile("Input", 4096);
 
 std::optional<int> LoadNumber(const char* key) {
-  char buffer[kNumberBuffer];
-  KVT_GetUserProfileString(kSection, key, "", buffer, kNumberBuffer);
-  const std::string_view text = buffer;
+  const std::string text = kProfile.Load(key);
   int value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
@@ -37,18 +33,16 @@ std::optional<ScreenPoint> LoadWindowPlace() {
 }
 
 void SaveWindowPlace(const ScreenPoint& topLeft) {
-  KVT_WriteUserProfileString(kSection, "WindowLeft", std::to_string(topLeft.x).c_str());
-  KVT_WriteUserProfileString(kSection, "WindowTop", std::to_string(topLeft.y).c_str());
+  kProfile.Save("WindowLeft", std::to_string(topLeft.x));
+  kProfile.Save("WindowTop", std::to_string(topLeft.y));
 }
 
 std::string LoadLastFolder() {
-  char buffer[kFolderBuffer];
-  KVT_GetUserProfileString(kSection, "LastFolder", "", buffer, kFolderBuffer);
-  return buffer;
+  return kProfile.Load("LastFolder");
 }
 
 void SaveLastFolder(const std::string& folder) {
-  KVT_WriteUserProfileString(kSection, "LastFolder", folder.c_str());
+  kProfile.Save("LastFolder", folder);
 }
 
 ScreenPoint FitIntoWorkArea(const ScreenPoint& topLeft, int width, int height,

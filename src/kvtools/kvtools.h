@@ -63,13 +63,13 @@ std::string KVT_OptimizePath(const std::string& path, int flag);
 // subfolders count too, with 0 only its own. Hidden files count, and links to folders are gone into as
 // any walk through the folder would. What is no folder holds 0; a folder that cannot be read, or not to its
 // end, counts as one more file, so that nobody takes it for one that holds nothing. onFolder, when given, is
-// called before each folder is read; false ends the count. Windows only; link kvtools_files.
+// called before each folder is read; false ends the count.
 int KVT_CountFileInFolder(const std::string& path, int withSubfolders,
                           const std::function<bool()>& onFolder = nullptr);
 
 // The path of the system's folder with this number (a CSIDL; 35 is the application data that all users
 // share), without "\" at its end unless it is a drive root. The folder is made when it is missing. Empty
-// when there is no such folder. Windows only; link kvtools_files.
+// when there is no such folder. Windows only; link kvtools_folders.
 std::string KVT_GetSpecialFolder(int csidl);
 
 // --- Time ------------------------------------------------------------------------------------

@@ -1,10 +1,17 @@
 #include <gtest/gtest.h>
 
+#include "kvtools/ascii.h"
 #include "kvtools/kvtools.h"
 
 namespace {
 
 using Parts = std::vector<std::string>;
+
+TEST(LowerAscii, ChangesLettersOfAsciiOnly) {
+  EXPECT_EQ(LowerAscii("AZ az @[`{ 09"), "az az @[`{ 09");
+  EXPECT_EQ(LowerAscii("CAF\xC9 \xC3\x89"), "caf\xC9 \xC3\x89");
+  EXPECT_EQ(LowerAscii(std::string("A\0B", 3)), std::string("a\0b", 3));
+}
 
 TEST(ParseString, SplitsAtEverySeparator) {
   struct Case {

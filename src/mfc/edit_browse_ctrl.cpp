@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "files/system_files.h"
 #include "mfc/browse_dialog.h"
 #include "mfc/browse_glyph.h"
 #include "mfc/control_drawing.h"
@@ -19,11 +20,6 @@ constexpr int kButtonWidth = 24;  // at 96 dpi
 std::string& LastFolder() {
   static std::string folder;
   return folder;
-}
-
-bool IsFolder(const std::string& path) {
-  const DWORD attributes = GetFileAttributesA(path.c_str());
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
 // A path that does not depend on the current folder.
@@ -49,11 +45,11 @@ std::string FilePart(const std::string& path) {
 void BeginAt(const std::string& text, BrowseRequest* request) {
   request->strFolder = LastFolder();
   if (!IsFull(text)) return;
-  if (IsFolder(text)) {
+  if (SystemFiles().IsFolder(text)) {
     request->strFolder = text;
     return;
   }
-  if (!IsFolder(FolderPart(text))) return;
+  if (!SystemFiles().IsFolder(FolderPart(text))) return;
   request->strFolder = FolderPart(text);
   request->strFile = FilePart(text);
 }

@@ -1,8 +1,9 @@
 #include "publish/addresses.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <string_view>
+
+#include "kvtools/ascii.h"
 
 namespace {
 
@@ -21,10 +22,7 @@ std::string Trimmed(const std::string& text) {
 
 // In whatever letters the scheme is written.
 bool BeginsWithFtp(const std::string& text) {
-  const auto isSame = [](char wanted, char c) {
-    return wanted == (c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-  };
-  return text.size() >= kFtp.size() && std::equal(kFtp.begin(), kFtp.end(), text.begin(), isSame);
+  return LowerAscii(text.substr(0, kFtp.size())) == kFtp;
 }
 
 // 0 when the text is no port.

@@ -26,8 +26,7 @@ int FolderUpload::Upload(const std::string& localPath) {
 
 int FolderUpload::UploadEntries(const std::string& localPath) {
   int uploaded = 0;
-  for (const FoundFile& entry : m_local.List(localPath)) {
-    if (entry.name == "." || entry.name == "..") continue;
+  for (const FoundFile& entry : FindFiles(m_local, localPath + "\\*.*")) {
     if (m_host.IsAborted() || m_bLost) break;
     if (entry.isDirectory) {
       uploaded += Upload(entry.path);

@@ -12,7 +12,7 @@
 
 #include <string>
 
-#include "publish/local_folders.h"
+#include "files/file_system.h"
 #include "publish/publish_host.h"
 #include "publish/remote_server.h"
 
@@ -23,7 +23,7 @@ std::string RemoteNameOfFolder(const std::string& localPath);
 class FolderUpload {
  public:
   // All must outlive it. total is how many files the progress bar is set to.
-  FolderUpload(RemoteServer& server, LocalFolders& local, PublishHost& host, int total)
+  FolderUpload(RemoteServer& server, FileSystem& local, PublishHost& host, int total)
       : m_server(server), m_local(local), m_host(host), m_nTotal(total) {}
 
   // Returns the number of files that were uploaded without error.
@@ -34,7 +34,7 @@ class FolderUpload {
   bool SendFile(const std::string& localPath, const std::string& name);
 
   RemoteServer& m_server;
-  LocalFolders& m_local;
+  FileSystem& m_local;
   PublishHost& m_host;
   const int m_nTotal;
   bool m_bLost = false;  // the server is not where we think it is

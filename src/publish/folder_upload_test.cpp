@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-
+#include "files/testing/fake_file_system.h"
 #include "net/error_codes.h"
 #include "publish/testing/fake_publish_host.h"
 #include "publish/testing/fake_remote_server.h"
@@ -11,30 +10,6 @@
 namespace {
 
 using Lines = std::vector<std::string>;
-
-// Local folders in memory; a path that ends in a backslash is a folder.
-class FakeFolders : public LocalFolders {
- public:
-  void Add(const std::string& folder, const Lines& names) {
-    for (const std::string& name : names) {
-      const bool isFolder = name.ends_with('\\');
-      const std::string plain = isFolder ? name.substr(0, name.size() - 1) : name;
-      m_folders[folder].push_back({folder + '\\' + plain, plain, isFolder});
-    }
-  }
-
-  bool FolderExists(const std::string& path) override { return m_folders.contains(path); }
-  int CountFiles(const std::string& path, const std::function<bool()>& onFolder) override {
-    int count = 0;
-    for (const FoundFile& found : m_folders[path])
-      count += found.isDirectory ? CountFiles(found.path, onFolder) : 1;
-    return count;
-  }
-  std::vector<FoundFile> List(const std::string& path) override { return m_folders[path]; }
-
- private:
-  std::map<std::string, std::vector<FoundFile>> m_folders;
-};
 
 class FolderUploadTest : public testing::Test {
  protected:
@@ -44,19 +19,32 @@ class FolderUploadTest : public testing::Test {
       return "bytes of " + path;
     };
   }
+  // Puts files and, with a backslash at their end, folders into a folder, in this order.
+  void Add(const std::string& folder, const Lines& names) {
+    m_local.PutFolder(folder);
+    for (const std::string& name : names) {
+      if (name.ends_with('\\')) {
+        m_local.PutFolder(folder + '\\' + name);
+      } else {
+        m_local.Put(folder + '\\' + name);
+        ++m_nFiles;
+      }
+    }
+  }
   int Upload(const std::string& path) {
-    return FolderUpload(m_server, m_local, m_host, m_local.CountFiles(path, nullptr)).Upload(path);
+    return FolderUpload(m_server, m_local, m_host, m_nFiles).Upload(path);
   }
 
   FakeRemoteServer m_server;
-  FakeFolders m_local;
+  FakeFileSystem m_local;
+  int m_nFiles = 0;
   FakePublishHost m_host;
   std::string m_unreadable;
 };
 
 TEST_F(FolderUploadTest, CopiesATree) {
-  m_local.Add("d:\\out\\my ortho", {".\\", "..\\", "a b.png", "0 1\\", "z"});
-  m_local.Add("d:\\out\\my ortho\\0 1", {"c d.kml"});
+  Add("d:\\out\\my ortho", {"a b.png", "0 1\\", "z"});
+  Add("d:\\out\\my ortho\\0 1", {"c d.kml"});
   EXPECT_EQ(Upload("d:\\out\\my ortho"), 3);
   EXPECT_EQ(m_server.commands, (Lines{"MKD my_ortho", "CWD my_ortho", "STOR a b.png", "MKD 0_1", "CWD 0_1",
                                       "STOR c d.kml", "CDUP", "STOR z", "CDUP"}));
@@ -65,8 +53,8 @@ TEST_F(FolderUploadTest, CopiesATree) {
 }
 
 TEST_F(FolderUploadTest, TellsItsProgressAfterEachFile) {
-  m_local.Add("d:\\x", {"a", "b\\", "d"});
-  m_local.Add("d:\\x\\b", {"c"});
+  Add("d:\\x", {"a", "b\\", "d"});
+  Add("d:\\x\\b", {"c"});
   Upload("d:\\x");
   EXPECT_EQ(m_host.positions, (std::vector<int>{1, 2, 3}));
   EXPECT_EQ(m_host.captions, (Lines{"a - 1/3", "c - 2/3", "d - 3/3"}));
@@ -74,13 +62,13 @@ TEST_F(FolderUploadTest, TellsItsProgressAfterEachFile) {
 }
 
 TEST_F(FolderUploadTest, MakesAnEmptyFolder) {
-  m_local.Add("d:\\x", {".\\", "..\\"});
+  Add("d:\\x", {});
   EXPECT_EQ(Upload("d:\\x"), 0);
   EXPECT_EQ(m_server.commands, (Lines{"MKD x", "CWD x", "CDUP"}));
 }
 
 TEST_F(FolderUploadTest, GoesOnAfterAFileThatFails) {
-  m_local.Add("d:\\x", {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9"});
+  Add("d:\\x", {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9"});
   m_server.Fail("STOR 4", 51);
   EXPECT_EQ(Upload("d:\\x"), 9);
   EXPECT_EQ(m_host.positions.back(), 10);
@@ -88,16 +76,16 @@ TEST_F(FolderUploadTest, GoesOnAfterAFileThatFails) {
 }
 
 TEST_F(FolderUploadTest, CountsAFileThatCannotBeRead) {
-  m_local.Add("d:\\x", {"a", "b"});
+  Add("d:\\x", {"a", "b"});
   m_unreadable = "d:\\x\\a";
   EXPECT_EQ(Upload("d:\\x"), 1);
   EXPECT_EQ(m_host.positions, (std::vector<int>{1, 2}));
 }
 
 TEST_F(FolderUploadTest, LeavesOutAFolderThatCannotBeMade) {
-  m_local.Add("d:\\x", {"a\\", "b"});
-  m_local.Add("d:\\x\\a", {"c", "e\\"});
-  m_local.Add("d:\\x\\a\\e", {"f"});
+  Add("d:\\x", {"a\\", "b"});
+  Add("d:\\x\\a", {"c", "e\\"});
+  Add("d:\\x\\a\\e", {"f"});
   m_server.Fail("MKD a", 10);
   EXPECT_EQ(Upload("d:\\x"), 1);
   EXPECT_EQ(m_server.commands, (Lines{"MKD x", "CWD x", "MKD a", "STOR b", "CDUP"}));
@@ -105,26 +93,26 @@ TEST_F(FolderUploadTest, LeavesOutAFolderThatCannotBeMade) {
 }
 
 TEST_F(FolderUploadTest, PutsNothingBesideAFolderThatCannotBeEntered) {
-  m_local.Add("d:\\x", {"a\\", "b"});
-  m_local.Add("d:\\x\\a", {"c"});
+  Add("d:\\x", {"a\\", "b"});
+  Add("d:\\x\\a", {"c"});
   m_server.Fail("CWD a", 10);
   EXPECT_EQ(Upload("d:\\x"), 1);
   EXPECT_EQ(m_server.commands, (Lines{"MKD x", "CWD x", "MKD a", "CWD a", "STOR b", "CDUP"}));
 }
 
 TEST_F(FolderUploadTest, PutsNothingIntoTheWrongFolderWhenItCannotGoBack) {
-  m_local.Add("d:\\x", {"a\\", "b", "c\\"});
-  m_local.Add("d:\\x\\a", {"d"});
-  m_local.Add("d:\\x\\c", {"e"});
+  Add("d:\\x", {"a\\", "b", "c\\"});
+  Add("d:\\x\\a", {"d"});
+  Add("d:\\x\\c", {"e"});
   m_server.Fail("CDUP /x/a", 10);
   EXPECT_EQ(Upload("d:\\x"), 1);
   EXPECT_EQ(m_server.commands, (Lines{"MKD x", "CWD x", "MKD a", "CWD a", "STOR d", "CDUP"}));
 }
 
 TEST_F(FolderUploadTest, StopsAtTheNextEntryAfterAnAbort) {
-  m_local.Add("d:\\x", {"a\\", "d", "e\\"});
-  m_local.Add("d:\\x\\a", {"b", "c"});
-  m_local.Add("d:\\x\\e", {"f"});
+  Add("d:\\x", {"a\\", "d", "e\\"});
+  Add("d:\\x\\a", {"b", "c"});
+  Add("d:\\x\\e", {"f"});
   m_host.onPump = [this] { m_host.aborted = true; };
   EXPECT_EQ(Upload("d:\\x"), 1);
   EXPECT_EQ(m_server.commands, (Lines{"MKD x", "CWD x", "MKD a", "CWD a", "STOR b", "CDUP", "CDUP"}));
@@ -132,7 +120,7 @@ TEST_F(FolderUploadTest, StopsAtTheNextEntryAfterAnAbort) {
 }
 
 TEST_F(FolderUploadTest, DoesNothingWhenAbortedBefore) {
-  m_local.Add("d:\\x", {"a"});
+  Add("d:\\x", {"a"});
   m_host.aborted = true;
   EXPECT_EQ(Upload("d:\\x"), 0);
   EXPECT_TRUE(m_server.commands.empty());
@@ -140,9 +128,9 @@ TEST_F(FolderUploadTest, DoesNothingWhenAbortedBefore) {
 
 // After every number of commands.
 TEST_F(FolderUploadTest, EndsWhenTheConnectionIsLost) {
-  m_local.Add("d:\\x", {"a\\", "d", "e\\"});
-  m_local.Add("d:\\x\\a", {"b", "c"});
-  m_local.Add("d:\\x\\e", {"f"});
+  Add("d:\\x", {"a\\", "d", "e\\"});
+  Add("d:\\x\\a", {"b", "c"});
+  Add("d:\\x\\e", {"f"});
   const int expected[] = {0, 0, 0, 0, 0, 1, 2, 2, 3, 3, 3, 4, 4};
   for (int commands = 0; commands <= 12; ++commands) {
     FakeRemoteServer server;

@@ -20,6 +20,7 @@
 #include <string>
 #include <vector>
 
+#include "files/system_files.h"
 #include "mfc/dialog.h"
 #include "mfc/edit_browse_ctrl.h"
 #include "mfc/link_ctrl.h"
@@ -32,7 +33,6 @@
 #include "publish/publish_host.h"
 #include "publish/remote_data_entry.h"
 #include "publish/remote_survey.h"
-#include "publish/windows_folders.h"
 
 class CFtpUploadFolderDlg : public CDialogEx, private PublishHost {
  public:
@@ -131,7 +131,7 @@ class CFtpUploadFolderDlg : public CDialogEx, private PublishHost {
   std::int32_t m_bAbort = 0;
   CFtpUploadClient m_ftp;
   FtpRemoteServer m_server;
-  WindowsFolders m_folders;
+  SystemFiles m_files;
   std::vector<CRemoteDataEntry> m_entries;
 
   TProgressTimeToComplete m_progress;

@@ -30,7 +30,7 @@ void CFtpUploadFolderDlg::OnUpload() {
   const std::string remoteName = RemoteNameOfFolder(folder);
   if (!m_ftp.IsConnected()) {
     m_bLossUntold = true;
-  } else if (!m_folders.FolderExists(folder)) {
+  } else if (!m_files.IsFolder(folder)) {
     Tell("The folder to upload does not exist", MB_ICONINFORMATION);
   } else if (remoteName.empty()) {
     Tell("Unable to upload local folder", MB_ICONINFORMATION);
@@ -63,7 +63,7 @@ void CFtpUploadFolderDlg::Upload(const std::string& folder) {
     SetProgressPosition(0);
     m_progress.RestartClock();
     KVT_PumpMessages();
-    uploaded = FolderUpload(m_server, m_folders, *this, total).Upload(folder);
+    uploaded = FolderUpload(m_server, m_files, *this, total).Upload(folder);
     EndOperation(Operation::kUpload);
   }
   ShowUploadReport(uploaded, total);
@@ -72,7 +72,7 @@ void CFtpUploadFolderDlg::Upload(const std::string& folder) {
 // A disk can take its time.
 int CFtpUploadFolderDlg::CountFiles(const std::string& folder) {
   const Hourglass hourglass(*this);
-  return m_folders.CountFiles(folder, [this] {
+  return KVT_CountFileInFolder(folder, 1, [this] {
     PumpMessages();
     return !IsAborted();
   });

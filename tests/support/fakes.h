@@ -11,8 +11,10 @@
 #include <string>
 #include <vector>
 
-#include "job/job_files.h"
+#include "files/file_system.h"
+#include "job/finishing_steps.h"
 #include "job/job_host.h"
+#include "job/process_environment.h"
 #include "job/tool_runner.h"
 
 using Events = std::vector<std::string>;
@@ -81,7 +83,7 @@ class FakeHost : public JobHost {
 };
 
 // Files by path; a folder ends in "\".
-class FakeFiles : public JobFiles {
+class FakeFiles : public FileSystem {
  public:
   explicit FakeFiles(Events& events) : m_events(events) {}
 
@@ -100,13 +102,14 @@ class FakeFiles : public JobFiles {
     return found->second;
   }
   bool Exists(const std::string& path) override { return paths.count(path) > 0; }
-  std::optional<uint64_t> WriteTime(const std::string& path) override {
-    return Exists(path) ? std::optional<uint64_t>(writeTimes[path]) : std::nullopt;
+  bool IsFolder(const std::string& path) override { return paths.count(path + "\\") > 0; }
+  std::optional<std::uint64_t> WriteTime(const std::string& path) override {
+    return Exists(path) ? std::optional<std::uint64_t>(writeTimes[path]) : std::nullopt;
   }
-  std::vector<FoundFile> Find(const std::string& pattern) override {
+  bool Find(const std::string& pattern, std::vector<FoundFile>& found) override {
     patterns.push_back(pattern);
-    const auto found = matches.find(pattern);
-    return found != matches.end() ? found->second : std::vector<FoundFile>();
+    found = matches[pattern];
+    return true;
   }
   bool CreateFolder(const std::string& path) override {
     m_events.push_back("create " + path);
@@ -125,32 +128,16 @@ class FakeFiles : public JobFiles {
     m_events.push_back("copy " + source + " -> " + target);
     return uncopied.count(source) == 0 && CopyPath(source, target);
   }
-  bool RewriteLinks(const std::string& kml, const std::string& baseUrl,
-                    const std::string& subFolder) override {
-    m_events.push_back("links " + kml + " " + baseUrl + " " + subFolder);
-    if (lostByLinking.count(kml) > 0) paths.erase(kml);
-    return unlinked.count(kml) == 0;
-  }
-  bool MakePreview(const std::string& orthophoto, const std::string& picture, std::string& reason) override {
-    m_events.push_back("picture " + orthophoto + " -> " + picture);
-    reason = pictureProblem.value_or("");
-    return !pictureProblem;
-  }
-  bool IsPreview(const std::string& path) override { return previews.count(path) > 0; }
 
   std::set<std::string> paths;
   std::map<std::string, std::string> fullPaths;
   std::map<std::string, std::string> identities;  // where it is not the path itself
   std::map<std::string, std::string> contents;
-  std::set<std::string> previews;
   std::set<std::string> unwritable;
   std::set<std::string> undeletable;
   std::set<std::string> uncopied;
   std::set<std::string> unrenamed;
-  std::set<std::string> unlinked;
-  std::set<std::string> lostByLinking;
-  std::optional<std::string> pictureProblem;
-  std::map<std::string, uint64_t> writeTimes;
+  std::map<std::string, std::uint64_t> writeTimes;
   std::map<std::string, std::vector<FoundFile>> matches;
   std::vector<std::string> patterns;
 
@@ -161,6 +148,31 @@ class FakeFiles : public JobFiles {
     contents[target] = contents[source];
     return true;
   }
+  Events& m_events;
+};
+
+class FakeSteps : public FinishingSteps {
+ public:
+  explicit FakeSteps(Events& events) : m_events(events) {}
+  bool RewriteLinks(const std::string& kml, const std::string& baseUrl,
+                    const std::string& subFolder) override {
+    m_events.push_back("links " + kml + " " + baseUrl + " " + subFolder);
+    if (onLinks) onLinks(kml);
+    return unlinked.count(kml) == 0;
+  }
+  bool MakePreview(const std::string& orthophoto, const std::string& picture, std::string& reason) override {
+    m_events.push_back("picture " + orthophoto + " -> " + picture);
+    reason = pictureProblem.value_or("");
+    return !pictureProblem;
+  }
+  bool IsPreview(const std::string& path) override { return previews.count(path) > 0; }
+
+  std::set<std::string> previews;
+  std::set<std::string> unlinked;
+  std::optional<std::string> pictureProblem;
+  std::function<void(const std::string& kml)> onLinks;  // what becomes of the file besides
+
+ private:
   Events& m_events;
 };
 

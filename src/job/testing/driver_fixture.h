@@ -60,8 +60,7 @@ class Driver : public testing::Test {
 
   // Makes a folder look as if an earlier job had written into it.
   void Fill(const std::string& folder) {
-    m_files.matches[folder + "\\*.*"] = {
-        {folder + "\\.", ".", true}, {folder + "\\..", "..", true}, {folder + "\\doc.kml", "doc.kml", false}};
+    m_files.matches[folder + "\\*.*"] = {{folder + "\\doc.kml", "doc.kml", false}};
   }
 
   // The events that are no part of what a test is about.
@@ -80,10 +79,11 @@ class Driver : public testing::Test {
   Events m_events;
   FakeHost m_host{m_events};
   FakeFiles m_files{m_events};
+  FakeSteps m_steps{m_events};
   FakeRunner m_runner{m_events};
   FakeEnvironment m_environment;
   JobSettings m_settings;
-  BatchDriver m_driver{m_host, m_runner, m_files, m_environment, "C:\\App\\Mosaicon.exe"};
+  BatchDriver m_driver{m_host, m_runner, m_files, m_steps, m_environment, "C:\\App\\Mosaicon.exe"};
 };
 
 #endif  // MOSAICON_JOB_TESTING_DRIVER_FIXTURE_H_

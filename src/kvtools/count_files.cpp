@@ -1,4 +1,4 @@
-#include "kvtools/found_files.h"
+#include "files/system_files.h"
 #include "kvtools/kvtools.h"
 
 namespace {
@@ -8,12 +8,12 @@ bool CountInFolder(const std::string& path, bool withSubfolders, const std::func
                    int& count) {
   if (onFolder && !onFolder()) return false;
   std::vector<FoundFile> found;
-  if (!FindFiles(path + "*.*", found)) ++count;
+  if (!SystemFiles().Find(path + "*.*", found)) ++count;
   for (const FoundFile& file : found) {
     if (!file.isDirectory) {
       ++count;
-    } else if (withSubfolders && file.name != "." && file.name != "..") {
-      if (!CountInFolder(file.path + "\\", withSubfolders, onFolder, count)) return false;
+    } else if (withSubfolders && !CountInFolder(file.path + "\\", withSubfolders, onFolder, count)) {
+      return false;
     }
   }
   return true;
@@ -27,6 +27,6 @@ int KVT_CountFileInFolder(const std::string& path, int withSubfolders,
   if (path.empty()) return 0;
   const std::string folder = KVT_OptimizePath(path, 1);
   int count = 0;
-  if (IsFolder(folder)) CountInFolder(folder, withSubfolders != 0, onFolder, count);
+  if (SystemFiles().IsFolder(folder)) CountInFolder(folder, withSubfolders != 0, onFolder, count);
   return count;
 }
