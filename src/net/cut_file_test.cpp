@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <string>
 
+#include "net/data_source.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -31,7 +32,7 @@ class CutFile : public testing::Test {
 
   // Goes beyond what one step of 32 bits reaches.
   std::int64_t GoTo(std::int64_t position) {
-    std::int64_t place = m_file.Seek(0, 0);
+    std::int64_t place = m_file.Seek(0, kSeekBegin);
     while (place != -1 && place < position) {
       place = m_file.Seek(static_cast<std::int32_t>(std::min<std::int64_t>(position - place, kGiB)), 1);
     }
@@ -61,7 +62,7 @@ TEST_F(CutFile, RefusesEverythingWhileClosed) {
   char byte = 'x';
   EXPECT_EQ(m_file.Read(&byte, 1), -1);
   EXPECT_EQ(m_file.Write(&byte, 1), -1);
-  EXPECT_EQ(m_file.Seek(0, 0), -1);
+  EXPECT_EQ(m_file.Seek(0, kSeekBegin), -1);
   EXPECT_EQ(m_file.GetSize(), -1);
   EXPECT_EQ(m_file.Close(), 0);
   ASSERT_EQ(m_file.Open(Make("a", "abc").c_str(), kFileReadAccess, kFileOpenExisting, 0), 0);
@@ -133,23 +134,23 @@ TEST_F(CutFile, CreatesTruncatesOrKeepsAsToldByTheDisposition) {
 
 TEST_F(CutFile, SeeksFromBeginningPositionAndEnd) {
   ASSERT_EQ(m_file.Open(Make("a", "abcdef").c_str(), kFileReadAccess, kFileOpenExisting, 0), 0);
-  EXPECT_EQ(m_file.Seek(2, 0), 2);
+  EXPECT_EQ(m_file.Seek(2, kSeekBegin), 2);
   EXPECT_EQ(ReadText(1), "c");
-  EXPECT_EQ(m_file.Seek(1, 1), 4);
+  EXPECT_EQ(m_file.Seek(1, kSeekCurrent), 4);
   EXPECT_EQ(ReadText(1), "e");
-  EXPECT_EQ(m_file.Seek(-2, 1), 3);
-  EXPECT_EQ(m_file.Seek(-6, 2), 0);
-  EXPECT_EQ(m_file.Seek(10, 2), 16);
+  EXPECT_EQ(m_file.Seek(-2, kSeekCurrent), 3);
+  EXPECT_EQ(m_file.Seek(-6, kSeekEnd), 0);
+  EXPECT_EQ(m_file.Seek(10, kSeekEnd), 16);
   EXPECT_EQ(ReadText(1), "");
 }
 
 TEST_F(CutFile, StaysWhereItIsWhenItCannotSeek) {
   ASSERT_EQ(m_file.Open(Make("a", "abcdef").c_str(), kFileReadAccess, kFileOpenExisting, 0), 0);
-  EXPECT_EQ(m_file.Seek(2, 0), 2);
-  EXPECT_EQ(m_file.Seek(-1, 0), -1);
-  EXPECT_EQ(m_file.Seek(-3, 1), -1);
-  EXPECT_EQ(m_file.Seek(-7, 2), -1);
-  EXPECT_EQ(m_file.Seek(INT32_MIN, 2), -1);
+  EXPECT_EQ(m_file.Seek(2, kSeekBegin), 2);
+  EXPECT_EQ(m_file.Seek(-1, kSeekBegin), -1);
+  EXPECT_EQ(m_file.Seek(-3, kSeekCurrent), -1);
+  EXPECT_EQ(m_file.Seek(-7, kSeekEnd), -1);
+  EXPECT_EQ(m_file.Seek(INT32_MIN, kSeekEnd), -1);
   EXPECT_EQ(m_file.Seek(0, 3), -1);
   EXPECT_EQ(m_file.Seek(0, 0xFFFFFFFF), -1);
   EXPECT_EQ(ReadText(1), "c");
@@ -159,9 +160,9 @@ TEST_F(CutFile, AppendsWhereverItStands) {
   const std::string path = Make("a", "abc");
   ASSERT_EQ(m_file.Open(path.c_str(), kReadWrite, kFileOpenAlways, 1), 0);
   EXPECT_EQ(m_file.Write("de", 2), 2);
-  EXPECT_EQ(m_file.Seek(0, 0), 0);
+  EXPECT_EQ(m_file.Seek(0, kSeekBegin), 0);
   EXPECT_EQ(m_file.Write("f", 1), 1);
-  EXPECT_EQ(m_file.Seek(1, 0), 1);
+  EXPECT_EQ(m_file.Seek(1, kSeekBegin), 1);
   EXPECT_EQ(ReadText(1), "b");
   EXPECT_EQ(m_file.Write("g", 1), 1);
   m_file.Close();
@@ -176,18 +177,18 @@ TEST_F(CutFile, AppendsWhereverItStands) {
 TEST_F(CutFile, TellsPositionsUpToFourGiB) {
   ASSERT_EQ(m_file.Open(MakeLarge(3 * kGiB).c_str(), kFileReadAccess, kFileOpenExisting, 0), 0);
   EXPECT_EQ(m_file.GetSize(), 3 * kGiB);
-  EXPECT_EQ(m_file.Seek(0, 2), 3 * kGiB);
-  EXPECT_EQ(m_file.Seek(INT32_MAX, 0), INT32_MAX);
-  EXPECT_EQ(m_file.Seek(INT32_MAX, 1), 4 * kGiB - 2);
-  EXPECT_EQ(m_file.Seek(1, 1), -1);
-  EXPECT_EQ(m_file.Seek(0, 1), 4 * kGiB - 2);
+  EXPECT_EQ(m_file.Seek(0, kSeekEnd), 3 * kGiB);
+  EXPECT_EQ(m_file.Seek(INT32_MAX, kSeekBegin), INT32_MAX);
+  EXPECT_EQ(m_file.Seek(INT32_MAX, kSeekCurrent), 4 * kGiB - 2);
+  EXPECT_EQ(m_file.Seek(1, kSeekCurrent), -1);
+  EXPECT_EQ(m_file.Seek(0, kSeekCurrent), 4 * kGiB - 2);
 }
 
 TEST_F(CutFile, TellsTheLowHalfOfALargerSize) {
   ASSERT_EQ(m_file.Open(MakeLarge(4 * kGiB - 1).c_str(), kFileReadAccess, kFileOpenExisting, 0), 0);
   EXPECT_EQ(m_file.GetSize(), 4 * kGiB - 1);
-  EXPECT_EQ(m_file.Seek(0, 2), -1);
-  EXPECT_EQ(m_file.Seek(-1, 2), 4 * kGiB - 2);
+  EXPECT_EQ(m_file.Seek(0, kSeekEnd), -1);
+  EXPECT_EQ(m_file.Seek(-1, kSeekEnd), 4 * kGiB - 2);
   ASSERT_EQ(m_file.Open(MakeLarge(4 * kGiB + 5).c_str(), kFileReadAccess, kFileOpenExisting, 0), 0);
   EXPECT_EQ(m_file.GetSize(), 5);
 }
@@ -200,9 +201,9 @@ TEST_F(CutFile, ReadsAndWritesAcrossFourGiB) {
   ASSERT_EQ(GoTo(4 * kGiB - 4), 4 * kGiB - 4);
   EXPECT_EQ(ReadText(100), std::string("\0\0abcdef", 8));
   // There is no number for where it stands now.
-  EXPECT_EQ(m_file.Seek(0, 1), -1);
-  EXPECT_EQ(m_file.Seek(-2, 1), -1);
-  EXPECT_EQ(m_file.Seek(0, 0), 0);
+  EXPECT_EQ(m_file.Seek(0, kSeekCurrent), -1);
+  EXPECT_EQ(m_file.Seek(-2, kSeekCurrent), -1);
+  EXPECT_EQ(m_file.Seek(0, kSeekBegin), 0);
 }
 
 TEST_F(CutFile, AppendsUpToFourGiBAndNotBeyond) {
@@ -210,7 +211,7 @@ TEST_F(CutFile, AppendsUpToFourGiBAndNotBeyond) {
   ASSERT_EQ(m_file.Open(path.c_str(), kReadWrite, kFileOpenAlways, 1), 0);
   EXPECT_EQ(m_file.Write("abcd", 4), 4);
   EXPECT_EQ(m_file.Write("lost", 4), -1);
-  EXPECT_EQ(m_file.Seek(0, 0), 0);
+  EXPECT_EQ(m_file.Seek(0, kSeekBegin), 0);
   EXPECT_EQ(m_file.Write("lost", 4), -1);
   EXPECT_EQ(ReadText(4), std::string(4, '\0'));
   m_file.Close();

@@ -50,22 +50,22 @@ class FileDataSource : public testing::Test {
 
 TEST_F(FileDataSource, OpensForReadingWhatIsThere) {
   CUT_FileDataSource source(m_strPath.c_str(), kLineBufferSize);
-  EXPECT_EQ(source.Open(0), -1);
+  EXPECT_EQ(source.Open(kSourceRead), -1);
   EXPECT_FALSE(FileExists(m_strPath));
   Make("abc");
-  EXPECT_EQ(source.Open(0), 0);
+  EXPECT_EQ(source.Open(kSourceRead), 0);
   EXPECT_EQ(Bytes(source, 10), "abc");
   EXPECT_EQ(source.Write("x", 1), -1);
 }
 
 TEST_F(FileDataSource, TruncatesWhenOpenedForWriting) {
   CUT_FileDataSource source(Make("abc").c_str(), kLineBufferSize);
-  EXPECT_EQ(source.Open(1), 0);
+  EXPECT_EQ(source.Open(kSourceWrite), 0);
   EXPECT_EQ(ReadFile(m_strPath), "");
   EXPECT_EQ(source.Write("xy", 2), 2);
-  EXPECT_EQ(source.Seek(0, 0), 0);
+  EXPECT_EQ(source.Seek(0, kSeekBegin), 0);
   EXPECT_EQ(Bytes(source, 10), "xy");
-  EXPECT_EQ(source.Seek(0, 0), 0);
+  EXPECT_EQ(source.Seek(0, kSeekBegin), 0);
   EXPECT_EQ(source.Write("z", 1), 1);
   source.Close();
   EXPECT_EQ(ReadFile(m_strPath), "zy");
@@ -73,11 +73,11 @@ TEST_F(FileDataSource, TruncatesWhenOpenedForWriting) {
 
 TEST_F(FileDataSource, KeepsWhatIsThereWhenAppending) {
   CUT_FileDataSource source(Make("abc").c_str(), kLineBufferSize);
-  EXPECT_EQ(source.Open(2), 0);
+  EXPECT_EQ(source.Open(kSourceAppend), 0);
   EXPECT_EQ(source.Write("d", 1), 1);
-  EXPECT_EQ(source.Seek(0, 0), 0);
+  EXPECT_EQ(source.Seek(0, kSeekBegin), 0);
   EXPECT_EQ(source.Write("e", 1), 1);
-  EXPECT_EQ(source.Seek(1, 0), 1);
+  EXPECT_EQ(source.Seek(1, kSeekBegin), 1);
   EXPECT_EQ(source.WriteLine("f"), 1);
   source.Close();
   EXPECT_EQ(ReadFile(m_strPath), "abcdef\r\n");
@@ -85,7 +85,7 @@ TEST_F(FileDataSource, KeepsWhatIsThereWhenAppending) {
 
 TEST_F(FileDataSource, CreatesTheFileToAppendTo) {
   CUT_FileDataSource source(m_strPath.c_str(), kLineBufferSize);
-  EXPECT_EQ(source.Open(2), 0);
+  EXPECT_EQ(source.Open(kSourceAppend), 0);
   EXPECT_EQ(source.Write("abc", 3), 3);
   source.Close();
   EXPECT_EQ(ReadFile(m_strPath), "abc");
@@ -104,20 +104,20 @@ TEST_F(FileDataSource, RefusesUnknownModesAndEmptyNames) {
 TEST_F(FileDataSource, OpensTheNameWithoutTheBlanksAround) {
   Make("abc");
   CUT_FileDataSource source(("  " + m_strPath + " ").c_str(), kLineBufferSize);
-  EXPECT_EQ(source.Open(0), 0);
+  EXPECT_EQ(source.Open(kSourceRead), 0);
   EXPECT_EQ(Bytes(source, 10), "abc");
 }
 
 TEST_F(FileDataSource, TakesAtMost260BytesOfTheName) {
   const std::string name = "./" + std::string(100000, 'n');
   CUT_FileDataSource source(name.c_str(), kLineBufferSize);
-  EXPECT_EQ(source.Open(0), -1);
+  EXPECT_EQ(source.Open(kSourceRead), -1);
   // Nothing but blanks survives the cut.
   CUT_FileDataSource blanks((std::string(260, ' ') + m_strPath).c_str(), kLineBufferSize);
-  EXPECT_EQ(blanks.Open(1), -1);
+  EXPECT_EQ(blanks.Open(kSourceWrite), -1);
   const std::string path = Make("abc");
   CUT_FileDataSource padded((std::string(260 - path.size(), ' ') + path + "tail").c_str(), kLineBufferSize);
-  EXPECT_EQ(padded.Open(0), 0);
+  EXPECT_EQ(padded.Open(kSourceRead), 0);
   EXPECT_EQ(Bytes(padded, 10), "abc");
 }
 
@@ -128,7 +128,7 @@ TEST_F(FileDataSource, RefusesEverythingWhileClosed) {
   EXPECT_EQ(source.Write("x", 1), -1);
   EXPECT_EQ(source.WriteLine("x"), -1);
   EXPECT_EQ(source.WriteLine(""), -1);
-  EXPECT_EQ(source.Seek(0, 0), -1);
+  EXPECT_EQ(source.Seek(0, kSeekBegin), -1);
   EXPECT_EQ(source.ReadLine(buffer, 10), -1);
   EXPECT_STREQ(buffer, "");
   EXPECT_EQ(source.Find("a", 0, 1, 0), -1);
@@ -137,7 +137,7 @@ TEST_F(FileDataSource, RefusesEverythingWhileClosed) {
 
 TEST_F(FileDataSource, RefusesNullBuffers) {
   CUT_FileDataSource source(m_strPath.c_str(), kLineBufferSize);
-  ASSERT_EQ(source.Open(1), 0);
+  ASSERT_EQ(source.Open(kSourceWrite), 0);
   EXPECT_EQ(source.Read(nullptr, 1), -1);
   EXPECT_EQ(source.Write(nullptr, 1), -1);
   EXPECT_EQ(source.WriteLine(nullptr), -1);
@@ -149,7 +149,7 @@ TEST_F(FileDataSource, RefusesNullBuffers) {
 
 TEST_F(FileDataSource, WritesALineEndUnlessThereIsOne) {
   CUT_FileDataSource source(m_strPath.c_str(), kLineBufferSize);
-  ASSERT_EQ(source.Open(1), 0);
+  ASSERT_EQ(source.Open(kSourceWrite), 0);
   EXPECT_EQ(source.WriteLine("abc"), 3);
   EXPECT_EQ(source.WriteLine("abc\n"), 4);
   EXPECT_EQ(source.WriteLine("abc\r"), 4);
@@ -267,7 +267,7 @@ TEST_F(FileDataSource, LosesWhatWasBufferedWhenBytesAreRead) {
 TEST_F(FileDataSource, ForgetsWhatWasBufferedWhenOpenedAnew) {
   CUT_FileDataSource& source = Holding("first\r\nsecond\r\n");
   EXPECT_EQ(Line(source), "first\r\n");
-  EXPECT_EQ(source.Open(0), 0);
+  EXPECT_EQ(source.Open(kSourceRead), 0);
   EXPECT_EQ(Line(source), "first\r\n");
   source.Close();
   EXPECT_EQ(Line(source), "failed");
@@ -283,22 +283,22 @@ TEST_F(FileDataSource, KeepsWhatWasBufferedWhenAnOpeningIsRefused) {
 TEST_F(FileDataSource, SeeksFromWhatWasConsumed) {
   CUT_FileDataSource& source = Holding("first\r\nsecond\r\nthird\r\n");
   EXPECT_EQ(Line(source), "first\r\n");
-  EXPECT_EQ(source.Seek(0, 1), 7);
+  EXPECT_EQ(source.Seek(0, kSeekCurrent), 7);
   EXPECT_EQ(Line(source), "second\r\n");
-  EXPECT_EQ(source.Seek(2, 1), 17);
+  EXPECT_EQ(source.Seek(2, kSeekCurrent), 17);
   EXPECT_EQ(Line(source), "ird\r\n");
-  EXPECT_EQ(source.Seek(-5, 1), 17);
+  EXPECT_EQ(source.Seek(-5, kSeekCurrent), 17);
   EXPECT_EQ(Line(source), "ird\r\n");
 }
 
 TEST_F(FileDataSource, SeeksFromBeginningAndEndWhateverWasConsumed) {
   CUT_FileDataSource& source = Holding("first\r\nsecond\r\nthird\r\n");
   EXPECT_EQ(Line(source), "first\r\n");
-  EXPECT_EQ(source.Seek(2, 0), 2);
+  EXPECT_EQ(source.Seek(2, kSeekBegin), 2);
   EXPECT_EQ(Line(source), "rst\r\n");
-  EXPECT_EQ(source.Seek(-7, 2), 15);
+  EXPECT_EQ(source.Seek(-7, kSeekEnd), 15);
   EXPECT_EQ(Line(source), "third\r\n");
-  EXPECT_EQ(source.Seek(0, 2), 22);
+  EXPECT_EQ(source.Seek(0, kSeekEnd), 22);
   EXPECT_EQ(Line(source), "");
 }
 
@@ -306,13 +306,13 @@ TEST_F(FileDataSource, SeeksFromBeginningAndEndWhateverWasConsumed) {
 TEST_F(FileDataSource, SeeksFromTheBufferedBytesWhenNoneWasConsumed) {
   CUT_FileDataSource& source = Holding("first\r\n");
   EXPECT_EQ(Line(source, 1), "");
-  EXPECT_EQ(source.Seek(0, 1), 7);
+  EXPECT_EQ(source.Seek(0, kSeekCurrent), 7);
 }
 
 TEST_F(FileDataSource, RefusesToSeekWhereThereIsNothing) {
   CUT_FileDataSource& source = Holding("abc");
-  EXPECT_EQ(source.Seek(-1, 0), -1);
-  EXPECT_EQ(source.Seek(-4, 2), -1);
+  EXPECT_EQ(source.Seek(-1, kSeekBegin), -1);
+  EXPECT_EQ(source.Seek(-4, kSeekEnd), -1);
   EXPECT_EQ(source.Seek(0, 3), -1);
   EXPECT_EQ(source.Seek(0, -1), -1);
 }
@@ -323,9 +323,9 @@ TEST_F(FileDataSource, HasNoNumberForPositionsBeyondTwoGiB) {
   for (const std::uintmax_t size : {kTwoGiB - 1, kTwoGiB, 2 * kTwoGiB - 1, 2 * kTwoGiB + 7}) {
     std::filesystem::resize_file(m_strPath, size);
     CUT_FileDataSource source(m_strPath.c_str(), kLineBufferSize);
-    ASSERT_EQ(source.Open(0), 0);
-    EXPECT_EQ(source.Seek(0, 2), size < kTwoGiB ? 2147483647 : -1) << size;
-    EXPECT_EQ(source.Seek(2147483647, 0), 2147483647);
+    ASSERT_EQ(source.Open(kSourceRead), 0);
+    EXPECT_EQ(source.Seek(0, kSeekEnd), size < kTwoGiB ? 2147483647 : -1) << size;
+    EXPECT_EQ(source.Seek(2147483647, kSeekBegin), 2147483647);
     EXPECT_EQ(Bytes(source, 100).size(), std::min<std::uintmax_t>(size - kTwoGiB + 1, 100));
   }
 }
@@ -342,8 +342,8 @@ TEST_F(FileDataSource, GoesOnReadingLinesBeyondFourGiB) {
 
   CUT_FileDataSource source(m_strPath.c_str(), kLineBufferSize);
   ASSERT_EQ(source.Open(kSourceRead), 0);
-  EXPECT_EQ(source.Seek(2147483647, 0), 2147483647);
-  EXPECT_EQ(source.Seek(2147483639, 1), -1);  // it stands there, but cannot tell
+  EXPECT_EQ(source.Seek(2147483647, kSeekBegin), 2147483647);
+  EXPECT_EQ(source.Seek(2147483639, kSeekCurrent), -1);  // it stands there, but cannot tell
   EXPECT_EQ(Line(source), "\r\n");
   EXPECT_EQ(Line(source), "abc\r\n");
   EXPECT_EQ(Line(source), "defghijk\r\n");

@@ -15,7 +15,8 @@ constexpr std::int32_t kShortestTimeout = 1000;  // milliseconds
 
 CUT_FTPClient::CUT_FTPClient()
     : m_data(*this),
-      m_nNextDataPort(kLowestDataPort + static_cast<std::int32_t>(GetTickCount() % kFirstDataPorts)) {}
+      m_nNextDataPort(kLowestDataPort + static_cast<std::int32_t>(static_cast<std::uint32_t>(SystemTicks()) %
+                                                                  kFirstDataPorts)) {}
 
 CUT_FTPClient::~CUT_FTPClient() {
   m_replyLines.Clear();
@@ -67,7 +68,7 @@ int CUT_FTPClient::FTPConnect(const char* host, const char* user, const char* pa
   return OnError(kNetSuccess);
 }
 
-int CUT_FTPClient::OnSocketConnected(SOCKET /*socket*/, const char* /*remoteAddress*/) {
+int CUT_FTPClient::OnSocketConnected(SocketHandle /*socket*/, const char* /*remoteAddress*/) {
   const int failed = CheckReply(GetResponseCode(*this), 200, 399, kNetConnectionFailed);
   if (failed != kNetSuccess) return OnError(failed);
   return OnError(IsAborted() ? kNetAborted : kNetSuccess);

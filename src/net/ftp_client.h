@@ -11,8 +11,6 @@
 //
 // Names and other texts are 8-bit and go to the server as they are; null counts as "". One with a CR or
 // LF is refused (137), and so is a command beyond 260 characters (105), before anything is sent.
-//
-// DeleteFile carries the system's suffix once windows.h is read, which this header sees to.
 #ifndef MOSAICON_NET_FTP_CLIENT_H_
 #define MOSAICON_NET_FTP_CLIENT_H_
 
@@ -25,6 +23,12 @@
 #include "net/string_list.h"
 #include "net/ws_data_client.h"
 
+// A macro of windows.h. Sources that have read that header and sources that have not would see two
+// different classes, so the name is taken back: the method is DeleteFile everywhere, and the system's
+// function behind this header is DeleteFileA. A source that reads windows.h only afterwards does not
+// compile where it calls the method; it includes windows.h first.
+#undef DeleteFile
+
 class CUT_FTPClient : public CUT_WSClient {
  public:
   CUT_FTPClient();
@@ -34,7 +38,7 @@ class CUT_FTPClient : public CUT_WSClient {
   using CUT_WSClient::SendFileByName;
 
   // Reads the greeting.
-  int OnSocketConnected(SOCKET socket, const char* remoteAddress) override;
+  int OnSocketConnected(SocketHandle socket, const char* remoteAddress) override;
 
   // The order of the virtual functions is part of the interface. The passive forms use PASV whatever
   // SetPassive says.

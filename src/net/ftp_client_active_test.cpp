@@ -50,23 +50,27 @@ TEST_F(FtpActive, MovesFilesByName) {
 }
 
 TEST_F(FtpActive, OffersOnePortAfterTheOther) {
-  Script script;
-  for (int i = 0; i < 4; ++i) script = script + Upload();
-  LogInTo(script + InStep());
-  FakeSource source("x");
-  ASSERT_EQ(m_client.SetNextDataPort(31999), kNetSuccess);
-  for (int i = 0; i < 4; ++i) EXPECT_EQ(m_client.SendFile(source, "x"), kNetSuccess);
-  ExpectInStep();
-  EXPECT_EQ(m_server->OfferedPorts(), (std::vector<int>{31999, 32000, 10000, 10001}));
+  const std::vector<int> expected = {31999, 32000, 10000, 10001};
+  std::vector<int> offered;
+  // Another may have one of them for a moment.
+  for (int i = 0; i < 20 && offered != expected; ++i) {
+    LogInTo(Upload() + Upload() + Upload() + Upload() + InStep());
+    FakeSource source("x");
+    ASSERT_EQ(m_client.SetNextDataPort(31999), kNetSuccess);
+    for (int port : expected) EXPECT_EQ(m_client.SendFile(source, "x"), kNetSuccess) << port;
+    ExpectInStep();
+    offered = m_server->OfferedPorts();
+  }
+  EXPECT_EQ(offered, expected);
 }
 
 // So that two clients, or one after the other, hardly ever want the same.
 TEST_F(FtpActive, TakesItsFirstPortFromTheClock) {
-  constexpr DWORD kTaken = 128;  // ports that may not have been free
+  constexpr std::uint32_t kTaken = 128;  // ports that may not have been free
   for (int i = 0; i < 3; ++i) {
-    const DWORD before = GetTickCount();
+    const auto before = static_cast<std::uint32_t>(SystemTicks());
     CUT_FTPClient client;
-    const DWORD passed = GetTickCount() - before;
+    const std::uint32_t passed = static_cast<std::uint32_t>(SystemTicks()) - before;
     Serve(Greeting() + Settings() + Upload());
     client.SetControlPort(m_server->Port());
     ASSERT_EQ(client.FTPConnect("127.0.0.1", "ann", "secret"), kNetSuccess);
@@ -74,7 +78,7 @@ TEST_F(FtpActive, TakesItsFirstPortFromTheClock) {
     EXPECT_EQ(client.SendFile(source, "x"), kNetSuccess);
     EXPECT_EQ(m_server->Finish(), "");
     ASSERT_EQ(m_server->OfferedPorts().size(), 1U);
-    const auto port = static_cast<DWORD>(m_server->OfferedPorts()[0]);
+    const auto port = static_cast<std::uint32_t>(m_server->OfferedPorts()[0]);
     EXPECT_LE((port + 10000 - before % 20000) % 20000, passed + kTaken) << port << " at " << before;
     EXPECT_GE(port, 10000U);
     EXPECT_LT(port, 30000U + kTaken);
@@ -92,13 +96,24 @@ std::vector<std::unique_ptr<CUT_WSClient>> TakePorts(int first, int count) {
 }
 
 TEST_F(FtpActive, PassesPortsThatAreTaken) {
-  LogInTo(Upload() + InStep());
-  const auto takers = TakePorts(23456, 127);
-  ASSERT_EQ(m_client.SetNextDataPort(23456), kNetSuccess);
-  FakeSource source("x");
-  EXPECT_EQ(m_client.SendFile(source, "x"), kNetSuccess);
-  ExpectInStep();
-  EXPECT_EQ(m_server->OfferedPorts(), std::vector<int>{23456 + 127});
+  bool isPassed = false;
+  // Another may have the one that is to be free.
+  for (int first = 20000; first < 29000 && !isPassed; first += 457) {
+    LogInTo(Upload() + InStep());
+    const auto takers = TakePorts(first, 127);
+    ASSERT_EQ(m_client.SetNextDataPort(first), kNetSuccess);
+    FakeSource source("x");
+    const int sent = m_client.SendFile(source, "x");
+    isPassed = sent == kNetSuccess;
+    if (!isPassed) {
+      EXPECT_EQ(sent, kNetDataConnectionFailed);
+      m_client.FTPClose();
+      continue;
+    }
+    ExpectInStep();
+    EXPECT_EQ(m_server->OfferedPorts(), std::vector<int>{first + 127});
+  }
+  EXPECT_TRUE(isPassed);
 }
 
 TEST_F(FtpActive, GivesUpAfter128Ports) {
@@ -187,14 +202,16 @@ TEST_F(FtpActive, IsAbortedWhileItReceives) {
 }
 
 TEST_F(FtpActive, DoesNotWaitLongForAServerThatDoesNotCome) {
-  LogInTo(
-      Script{AnswerPort(), Expect("RETR x"), Say("150"), Wait(6500), ConnectDataInVain(), Say("425 cannot")} +
-      InStep());
+  std::atomic<bool> isGivenUp = false;
+  LogInTo(Script{AnswerPort(), Expect("RETR x"), Say("150"), Await(isGivenUp), ConnectDataInVain(),
+                 Say("425 cannot")} +
+          InStep());
   FakeSource source;
   const Stopwatch watch;
   EXPECT_EQ(m_client.ReceiveFile(source, "x"), kNetDataConnectionFailed);
+  isGivenUp = true;
+  EXPECT_EQ(m_time.vainWaits, std::vector<long long>{5000});
   EXPECT_GE(watch.Elapsed(), 4900U);
-  EXPECT_LT(watch.Elapsed(), 6500U);
   EXPECT_TRUE(source.modes.empty());
   ExpectInStep();
 }
@@ -204,13 +221,10 @@ TEST_F(FtpActive, ForgetsWhatAServerSaidThatDidNotCome) {
       Script{AnswerPort(), Expect("STOR x"), Say("150"), Wait(500), Say("425 cannot"), Say("425 so there")} +
       InStep());
   FakeSource source("x");
-  const Stopwatch wait;
   EXPECT_EQ(m_client.SendFile(source, "x"), kNetDataConnectionFailed);
-  EXPECT_GE(wait.Elapsed(), 4900U);
-  EXPECT_LT(wait.Elapsed(), 10000U);
-  const Stopwatch watch;
+  EXPECT_EQ(m_time.vainWaits, std::vector<long long>{5000});
   ExpectInStep();
-  EXPECT_LT(watch.Elapsed(), 2000U) << "nothing more is due";
+  EXPECT_EQ(m_time.vainWaits.size(), 1U) << "nothing more is due";
 }
 
 TEST_F(FtpActive, TimesOutBetweenChunks) {
@@ -218,10 +232,8 @@ TEST_F(FtpActive, TimesOutBetweenChunks) {
                  Say("426")} +
           InStep());
   FakeSource source;
-  const Stopwatch watch;
   EXPECT_EQ(m_client.ReceiveFile(source, "x"), kNetTimedOut);
-  EXPECT_GE(watch.Elapsed(), 4900U);
-  EXPECT_LT(watch.Elapsed(), 7000U);
+  EXPECT_EQ(m_time.vainWaits, std::vector<long long>{5000});
   EXPECT_EQ(source.bytes, "a");
   EXPECT_EQ(source.openNow, 0);
   ExpectInStep();

@@ -65,7 +65,6 @@ TEST_F(FtpStrangers, DoNotReplaceAServerThatDoesNotCome) {
   const Stopwatch watch;
   EXPECT_EQ(m_client.SendFile(source, "x"), kNetDataConnectionFailed);
   EXPECT_GE(watch.Elapsed(), 4900U) << "the server had its time all the same";
-  EXPECT_LT(watch.Elapsed(), 15000U);
   ExpectInStep();
 }
 

@@ -80,10 +80,9 @@ TEST_F(FtpCommands, EndWhenTheServerGoes) {
   for (const CommandCase& command : AllCommands()) {
     for (const auto& end : {Close(), Reset()}) {
       LogInTo({Expect(command.sent), end});
-      const Stopwatch watch;
       EXPECT_EQ(command.run(m_client), kNetNoResponse) << command.sent;
       EXPECT_EQ(m_client.NoOp(), kNetNoResponse);
-      EXPECT_LT(watch.Elapsed(), 3000U);
+      EXPECT_EQ(m_time.vainWaits.size(), 0U) << "there was nothing to wait for";
       ExpectPlayed();
     }
   }
@@ -94,13 +93,11 @@ TEST_F(FtpCommands, EndWhenTheServerSaysNothing) {
   for (const CommandCase& command : AllCommands()) script.push_back(Expect(command.sent));
   LogInTo(script + InStep());
   m_client.SetDataTimeouts(7000, 1000);
-  m_client.isImpatient = true;
   for (const CommandCase& command : AllCommands()) {
     m_client.waits.clear();
     EXPECT_EQ(command.run(m_client), kNetNoResponse) << command.sent;
     EXPECT_EQ(m_client.waits, std::vector<long>{7}) << command.sent;
   }
-  m_client.isImpatient = false;
   ExpectInStep();
 }
 

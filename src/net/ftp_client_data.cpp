@@ -60,7 +60,7 @@ int CUT_FTPClient::AcceptData(long seconds) {
 // Anybody can come to an open port, and would get the file or choose what we receive. Whoever does not
 // come from the server's address is sent away, and the server waited for as long as before.
 bool CUT_FTPClient::AcceptServer(long seconds) {
-  const ULONGLONG start = TimeoutClock();
+  const std::uint64_t start = TimeoutClock();
   for (long left = seconds; left > 0; left = seconds - static_cast<long>((TimeoutClock() - start) / 1000)) {
     if (m_data.WaitForAccept(left) != 0 || m_data.AcceptConnection() != kNetSuccess) return false;
     if (m_data.RemoteIp() == RemoteIp()) return true;

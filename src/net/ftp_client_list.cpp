@@ -1,6 +1,7 @@
 // CUT_FTPClient: listings.
-#include <cstring>
+#include <ctime>
 #include <new>
+#include <string_view>
 
 #include "net/error_codes.h"
 #include "net/ftp_client.h"
@@ -9,18 +10,18 @@
 
 namespace {
 
+constexpr std::string_view kTotal = "total";
 constexpr char kListCommand[] = "LIST\r\n";
 constexpr long kListAcceptSeconds = 15;
 // A server could go on for ever.
 constexpr std::int32_t kMaxEntries = 1000000;
 // Nor is a line in more pieces than these a line.
 constexpr int kMaxLinePieces = 10000;
-constexpr ULONGLONG kSlowLineMilliseconds = 1000;
+constexpr std::uint64_t kSlowLineMilliseconds = 1000;
 
 int CurrentYear() {
-  SYSTEMTIME now;
-  GetLocalTime(&now);
-  return now.wYear;
+  const std::time_t now = std::time(nullptr);
+  return std::localtime(&now)->tm_year + 1900;
 }
 
 }  // namespace
@@ -58,7 +59,8 @@ int CUT_FTPClient::ReceiveListing() {
     if (pieces > kMaxLinePieces) return FinishListing(kNetListFailed);
     TrimLineEnd(m_szLine);
     if (!isRest) {
-      if (!isTotalSkipped && _strnicmp(m_szLine, "total", 5) == 0) {
+      if (!isTotalSkipped &&
+          IsSameIgnoringCase(std::string_view(m_szLine).substr(0, kTotal.size()), kTotal)) {
         isTotalSkipped = true;
       } else if (!AddEntry()) {
         return FinishListing(kNetListFailed);

@@ -64,41 +64,53 @@ TEST_F(FtpPassive, MovesFilesByName) {
   EXPECT_EQ(m_server->HeardOnData(), "upwardsupwards");
 }
 
-struct PasvCase {
-  std::string reply;
+// What comes of a file received, one sent, and a list.
+struct Outcome {
   int retr;
   int stor;
   int list;
 };
 
+constexpr Outcome kNoBracket = {kNetRetrFailed, kNetStorFailed, kNetListFailed};
+constexpr Outcome kBadAddress = {kNetDataConnectionFailed, kNetDataConnectionFailed,
+                                 kNetDataConnectionFailed};
+constexpr Outcome kBadPort = {kNetTerminated, kNetTerminated, kNetDataPortNotOpened};
+constexpr Outcome kRefused = {kNetPortFailed, kNetPortFailed, kNetPortFailed};
+constexpr Outcome kNoReply = {kNetNoResponse, kNetNoResponse, kNetNoResponse};
+
+struct PasvCase {
+  std::string reply;
+  Outcome outcome;
+};
+
 TEST_F(FtpPassive, UnderstandsOrRefusesTheAnswer) {
   const std::string padding(90, '.');
   const PasvCase cases[] = {
-      {"227 no numbers at all", 48, 51, 50},
-      {"227", 48, 51, 50},
-      {"227 127,0,0,1,4,210", 48, 51, 50},
-      {"227 " + padding + "........(127,0,0,1,4,210)", 48, 51, 50},  // beyond the text that is kept
-      {"227 " + padding + "(127,0,0,1,4,210)", 14, 14, 14},          // cut within the address
-      {"227 (", 14, 14, 14},
-      {"227 ()", 14, 14, 14},
-      {"227 (127,0,0)", 14, 14, 14},
-      {"227 (a,b,c,d,e,f)", 14, 14, 14},
-      {"227 (256,0,0,1,4,210)", 14, 14, 14},
-      {"227 (255,255,255,255,4,210)", 14, 14, 14},
-      {"227 (0,0,0,0,4,210)", 14, 14, 14},
-      {"227 (0,1,2,3,4,210)", 14, 14, 14},
-      {"227 (224,0,0,1,4,210)", 14, 14, 14},
-      {"227 (240,0,0,1,4,210)", 14, 14, 14},
-      {"227 (-1,0,0,1,4,210)", 14, 14, 14},
-      {"227 (127,0,0,1)", 4, 4, 8},
-      {"227 (127,0,0,1,0,0)", 4, 4, 8},
-      {"227 (127,0,0,1,273,112)", 4, 4, 8},
-      {"227 (127,0,0,1,99999999999,1)", 4, 4, 8},
-      {"150 not yet", 49, 49, 49},
-      {"350 what", 49, 49, 49},
-      {"425 cannot", 49, 49, 49},
-      {"502 no PASV", 49, 49, 49},
-      {"Entering (127,0,0,1,4,210)", 38, 38, 38},
+      {"227 no numbers at all", kNoBracket},
+      {"227", kNoBracket},
+      {"227 127,0,0,1,4,210", kNoBracket},
+      {"227 " + padding + "........(127,0,0,1,4,210)", kNoBracket},  // beyond the text that is kept
+      {"227 " + padding + "(127,0,0,1,4,210)", kBadAddress},         // cut within the address
+      {"227 (", kBadAddress},
+      {"227 ()", kBadAddress},
+      {"227 (127,0,0)", kBadAddress},
+      {"227 (a,b,c,d,e,f)", kBadAddress},
+      {"227 (256,0,0,1,4,210)", kBadAddress},
+      {"227 (255,255,255,255,4,210)", kBadAddress},
+      {"227 (0,0,0,0,4,210)", kBadAddress},
+      {"227 (0,1,2,3,4,210)", kBadAddress},
+      {"227 (224,0,0,1,4,210)", kBadAddress},
+      {"227 (240,0,0,1,4,210)", kBadAddress},
+      {"227 (-1,0,0,1,4,210)", kBadAddress},
+      {"227 (127,0,0,1)", kBadPort},
+      {"227 (127,0,0,1,0,0)", kBadPort},
+      {"227 (127,0,0,1,273,112)", kBadPort},
+      {"227 (127,0,0,1,99999999999,1)", kBadPort},
+      {"150 not yet", kRefused},
+      {"350 what", kRefused},
+      {"425 cannot", kRefused},
+      {"502 no PASV", kRefused},
+      {"Entering (127,0,0,1,4,210)", kNoReply},
   };
   Script script;
   for (const PasvCase& pasv : cases) {
@@ -107,21 +119,18 @@ TEST_F(FtpPassive, UnderstandsOrRefusesTheAnswer) {
   LogInTo(script + InStep());
   FakeSource source("x");
   for (const PasvCase& pasv : cases) {
-    EXPECT_EQ(m_client.ReceiveFile(source, "x"), pasv.retr) << pasv.reply;
-    EXPECT_EQ(m_client.SendFile(source, "x"), pasv.stor) << pasv.reply;
-    EXPECT_EQ(m_client.List(), pasv.list) << pasv.reply;
+    EXPECT_EQ(m_client.ReceiveFile(source, "x"), pasv.outcome.retr) << pasv.reply;
+    EXPECT_EQ(m_client.SendFile(source, "x"), pasv.outcome.stor) << pasv.reply;
+    EXPECT_EQ(m_client.List(), pasv.outcome.list) << pasv.reply;
   }
   EXPECT_TRUE(source.modes.empty());
   ExpectInStep();
 }
 
 TEST_F(FtpPassive, JudgesThePreliminaryReply) {
-  const struct {
-    const char* reply;
-    int retr;
-    int stor;
-    int list;
-  } cases[] = {{"350 x", 48, 51, 14}, {"425 x", 48, 51, 14}, {"550 x", 48, 51, 14}, {"x", 38, 38, 38}};
+  constexpr Outcome kNotBegun = {kNetRetrFailed, kNetStorFailed, kNetDataConnectionFailed};
+  const PasvCase cases[] = {
+      {"350 x", kNotBegun}, {"425 x", kNotBegun}, {"550 x", kNotBegun}, {"x", kNoReply}};
   Script script;
   for (const auto& preliminary : cases) {
     for (const char* command : {"RETR x", "STOR x", "LIST"}) {
@@ -132,9 +141,9 @@ TEST_F(FtpPassive, JudgesThePreliminaryReply) {
   LogInTo(script + InStep());
   FakeSource source("x");
   for (const auto& preliminary : cases) {
-    EXPECT_EQ(m_client.ReceiveFile(source, "x"), preliminary.retr) << preliminary.reply;
-    EXPECT_EQ(m_client.SendFile(source, "x"), preliminary.stor) << preliminary.reply;
-    EXPECT_EQ(m_client.List(), preliminary.list) << preliminary.reply;
+    EXPECT_EQ(m_client.ReceiveFile(source, "x"), preliminary.outcome.retr) << preliminary.reply;
+    EXPECT_EQ(m_client.SendFile(source, "x"), preliminary.outcome.stor) << preliminary.reply;
+    EXPECT_EQ(m_client.List(), preliminary.outcome.list) << preliminary.reply;
   }
   EXPECT_EQ(source.bytes, "x") << "not emptied for what does not come";
   EXPECT_EQ(source.openNow, 0);
@@ -145,7 +154,9 @@ TEST_F(FtpPassive, JudgesTheFinalReply) {
   const struct {
     const char* reply;
     int code;
-  } cases[] = {{"150 x", 4}, {"226 x", 0}, {"299 x", 0}, {"350 x", 4}, {"426 x", 4}, {"552 x", 4}, {"x", 38}};
+  } cases[] = {{"150 x", kNetTerminated}, {"226 x", kNetSuccess},    {"299 x", kNetSuccess},
+               {"350 x", kNetTerminated}, {"426 x", kNetTerminated}, {"552 x", kNetTerminated},
+               {"x", kNetNoResponse}};
   Script script;
   for (const auto& last : cases) {
     script =

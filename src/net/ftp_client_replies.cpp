@@ -1,6 +1,6 @@
 // CUT_FTPClient: commands go out, replies come in.
 #include <algorithm>
-#include <cstring>
+#include <string_view>
 
 #include "net/error_codes.h"
 #include "net/ftp_client.h"
@@ -16,8 +16,8 @@ constexpr int kMaxPreliminaryReplies = 16;
 constexpr int kReplyPatience = 4;
 
 // How long one line may take, which is never nothing.
-ULONGLONG LineMilliseconds(long seconds) {
-  return static_cast<ULONGLONG>(std::max(seconds, 1L)) * 1000;
+std::uint64_t LineMilliseconds(long seconds) {
+  return static_cast<std::uint64_t>(std::max(seconds, 1L)) * 1000;
 }
 
 // The lines of a connection. An abort does not end a reply that is on its way, or the next command
@@ -58,8 +58,8 @@ class ReplyLines : public ReplySource {
     return count > 0 && (buffer[count - 1] == '\n' || static_cast<size_t>(count) + 1 == size);
   }
   int ReceiveRest(char* buffer, size_t size) {
-    const ULONGLONG now = TimeoutClock();
-    const ULONGLONG deadline = m_nStart + m_nLineTime;
+    const std::uint64_t now = TimeoutClock();
+    const std::uint64_t deadline = m_nStart + m_nLineTime;
     if (now >= deadline) return 0;
     const auto seconds = static_cast<long>((deadline - now + 999) / 1000);
     return std::max(m_connection.ReceiveLineDespiteAbort(buffer, size, seconds, deadline), 0);
@@ -67,17 +67,14 @@ class ReplyLines : public ReplySource {
 
   CUT_WSClient& m_connection;
   long m_nSeconds;
-  ULONGLONG m_nLineTime;  // milliseconds
-  ULONGLONG m_nStart;
+  std::uint64_t m_nLineTime;  // milliseconds
+  std::uint64_t m_nStart;
   bool m_bWhole = true;
   bool m_bEmpty = true;
 };
 
-int CopyWhole(const char* text, char* buffer, int size) {
-  const size_t length = std::strlen(text);
-  if (size < 0 || length >= static_cast<size_t>(size)) return kNetBufferTooShort;
-  std::memcpy(buffer, text, length + 1);
-  return kNetSuccess;
+int CopyOrTell(std::string_view text, char* buffer, int size) {
+  return size >= 0 && CopyWhole(text, buffer, static_cast<size_t>(size)) ? kNetSuccess : kNetBufferTooShort;
 }
 
 }  // namespace
@@ -135,8 +132,8 @@ void CUT_FTPClient::ReadLateReplies() {
 
 // False when none came, each reply within seconds.
 bool CUT_FTPClient::SkipToFinalReply(long seconds) {
-  const ULONGLONG start = TimeoutClock();
-  const ULONGLONG patience = kReplyPatience * LineMilliseconds(m_data.GetReceiveTimeout() / 1000);
+  const std::uint64_t start = TimeoutClock();
+  const std::uint64_t patience = kReplyPatience * LineMilliseconds(m_data.GetReceiveTimeout() / 1000);
   for (int i = 0; i < kMaxPreliminaryReplies && TimeoutClock() - start < patience; ++i) {
     if (WaitForReceive(seconds, 0) != 0) return false;
     const int code = GetResponseCode(*this);
@@ -157,12 +154,12 @@ int CUT_FTPClient::GetReplyLine(int index, char* buffer, int size) {
   if (buffer == nullptr) return OnError(kNetNullBuffer);
   const char* const line = GetReplyLineText(index);
   if (line == nullptr) return OnError(kNetBadIndex);
-  return OnError(CopyWhole(line, buffer, size));
+  return OnError(CopyOrTell(line, buffer, size));
 }
 
 int CUT_FTPClient::GetLastReply(char* buffer, int size) {
   if (buffer == nullptr) return OnError(kNetNullBuffer);
-  return OnError(CopyWhole(m_szLastReply, buffer, size));
+  return OnError(CopyOrTell(m_szLastReply, buffer, size));
 }
 
 const char* CUT_FTPClient::GetLastReplyText() {

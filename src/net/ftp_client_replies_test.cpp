@@ -4,26 +4,39 @@ namespace {
 
 using FtpReplies = FtpTest;
 
+#ifdef _WIN32
+constexpr bool kIsUnderWine = true;
+#else
+constexpr bool kIsUnderWine = false;
+#endif
+
 TEST_F(FtpReplies, DoNotTakeALateReplyForTheirOwn) {
-  LogInTo(Script{Expect("CDUP"), Wait(1300), Say("250 late"), Expect("NOOP"), Say("200 own")} + InStep());
+  std::atomic<bool> isLate = false;
+  LogInTo(Script{Expect("CDUP"), Await(isLate), Say("250 late"), Expect("NOOP"), Say("200 own")} + InStep());
   m_client.SetDataTimeouts(1000, 1000);
   EXPECT_EQ(m_client.CdUp(), kNetNoResponse);
   m_client.SetDataTimeouts(5000, 1000);
-  Sleep(800);
+  isLate = true;
+  EXPECT_EQ(m_client.WaitForReceive(20, 0), 0);
   EXPECT_EQ(m_client.NoOp(), kNetSuccess);
   EXPECT_STREQ(m_client.GetLastReplyText(), "200 own");
   ExpectInStep();
 }
 
 TEST_F(FtpReplies, TakeHalfALineForWhatItSays) {
-  LogInTo(Script{Expect("CDUP"), SayRaw("250 ha"), Wait(1300), SayRaw("lf\r\n"), Expect("CDUP"), SayRaw("25"),
-                 Wait(1300), SayRaw("0\r\n"), Expect("CDUP"), SayRaw("550 no line end"), Close()});
+  std::atomic<bool> isFirstTaken = false;
+  std::atomic<bool> isSecondTaken = false;
+  LogInTo(Script{Expect("CDUP"), SayRaw("250 ha"), Await(isFirstTaken), SayRaw("lf\r\n"), Expect("CDUP"),
+                 SayRaw("25"), Await(isSecondTaken), SayRaw("0\r\n"), Expect("CDUP"),
+                 SayRaw("550 no line end"), Close()});
   m_client.SetDataTimeouts(1000, 1000);
   EXPECT_EQ(m_client.CdUp(), kNetSuccess);
   EXPECT_STREQ(m_client.GetLastReplyText(), "250 ha");
-  Sleep(800);
+  isFirstTaken = true;
+  EXPECT_EQ(m_client.WaitForReceive(20, 0), 0);
   EXPECT_EQ(m_client.CdUp(), kNetDenied) << "a code of 25";
-  Sleep(800);
+  isSecondTaken = true;
+  EXPECT_EQ(m_client.WaitForReceive(20, 0), 0);
   EXPECT_EQ(m_client.CdUp(), kNetDenied) << "and what followed was forgotten";
   EXPECT_STREQ(m_client.GetLastReplyText(), "550 no line end");
   ExpectPlayed();
@@ -43,7 +56,7 @@ TEST_F(FtpReplies, DoNotWaitForEverOnceAborted) {
   m_client.aborted = true;
   const Stopwatch watch;
   EXPECT_EQ(m_client.CdUp(), kNetSuccess) << "222, as far as it came";
-  EXPECT_LT(watch.Elapsed(), 2500U) << "one line's time, not that of a whole reply";
+  EXPECT_LT(watch.Elapsed(), 3500U) << "one line's time, not the four of a whole reply";
   ExpectPlayed();
 }
 
@@ -83,12 +96,14 @@ TEST_F(FtpReplies, AreNotWaitedForForEverOnceAnnounced) {
   EXPECT_EQ(m_client.CdUp(), kNetDenied);
   const Stopwatch watch;
   ExpectInStep();
+  EXPECT_EQ(m_time.vainWaits, std::vector<long long>{5000});
   EXPECT_GE(watch.Elapsed(), 4900U);
-  EXPECT_LT(watch.Elapsed(), 15000U);
 }
 
-TEST_F(FtpReplies, SurviveALineOfTenMegabytes) {
-  const std::string line = "250 " + std::string(10 << 20, 'x');
+TEST_F(FtpReplies, SurviveALineOfMegabytes) {
+  // Every piece of it takes three calls, for which Wine takes its time.
+  constexpr size_t kMegabytes = kIsUnderWine ? 1 : 10;
+  const std::string line = "250 " + std::string(kMegabytes << 20, 'x');
   LogInTo(Script{Expect("CDUP"), Say(line), Expect("CDUP"), Say("250-" + std::string(100000, '-')),
                  Say("250 end")} +
           InStep());
@@ -101,27 +116,30 @@ TEST_F(FtpReplies, SurviveALineOfTenMegabytes) {
 }
 
 TEST_F(FtpReplies, GiveUpAReplyWithoutEnd) {
+  m_time.RunAt(10);
   for (const char* endless : {"250-more\r\n", "x"}) {
     LogInTo({Expect("CDUP"), SayRaw("250-"), SayForEver(std::string(1000, '#') + endless)});
     m_client.SetDataTimeouts(1000, 5000);
     const Stopwatch watch;
     EXPECT_EQ(m_client.CdUp(), kNetNoResponse);
-    EXPECT_LT(watch.Elapsed(), 8000U);
+    EXPECT_GE(watch.Elapsed(), 4000U);
+    EXPECT_LT(watch.Elapsed(), 60000U) << "at this speed";
     ExpectPlayed();
   }
 }
 
 TEST_F(FtpReplies, GiveUpALineThatComesTooSlowly) {
   const auto trickle = [](ScriptedServer::Stage& stage) {
-    for (int i = 0; i < 150 && stage.control.Say("2"); ++i) Sleep(100);
+    for (int i = 0; i < 1500 && stage.control.Say("2"); ++i) SleepFor(10);
     return true;
   };
+  m_time.RunAt(10);
   LogInTo({Expect("CDUP"), trickle});
   m_client.SetDataTimeouts(1000, 5000);
   const Stopwatch watch;
   EXPECT_EQ(m_client.CdUp(), kNetNoResponse);
   EXPECT_GE(watch.Elapsed(), 3900U) << "no single wait was too long";
-  EXPECT_LT(watch.Elapsed(), 7000U);
+  EXPECT_LT(watch.Elapsed(), 60000U) << "at this speed";
   ExpectPlayed();
 }
 

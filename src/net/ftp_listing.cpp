@@ -17,9 +17,6 @@ constexpr size_t kLongestSize = 59;
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
-char LowerCase(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 std::int32_t CutToInt32(std::int64_t number) {
   using Limits = std::numeric_limits<std::int32_t>;
@@ -80,10 +77,7 @@ string_view After(string_view text, char separator) {
 std::int32_t MonthNumber(string_view month) {
   static constexpr string_view kMonths[] = {"jan", "feb", "mar", "apr", "may", "jun",
                                             "jul", "aug", "sep", "oct", "nov", "dec"};
-  const auto isSame = [month](string_view name) {
-    return std::equal(month.begin(), month.end(), name.begin(), name.end(),
-                      [](char a, char b) { return LowerCase(a) == b; });
-  };
+  const auto isSame = [month](string_view name) { return IsSameIgnoringCase(month, name); };
   const auto* const found = std::find_if(std::begin(kMonths), std::end(kMonths), isSame);
   return found == std::end(kMonths) ? 1 : static_cast<std::int32_t>(found - std::begin(kMonths)) + 1;
 }
@@ -132,7 +126,7 @@ void ParseDosListLine(const char* line, FtpDirEntry& entry) {
   SetName(FromField(text, 3), entry);
 
   const string_view sizeOrMark = Field(text, 2);
-  entry.directory = sizeOrMark.size() > 1 && LowerCase(sizeOrMark[1]) == 'd' ? 1 : 0;
+  entry.directory = sizeOrMark.size() > 1 && IsSameIgnoringCase(sizeOrMark.substr(1, 1), "d") ? 1 : 0;
   entry.size = Number(sizeOrMark);
 
   string_view month = Field(text, 0);

@@ -6,6 +6,14 @@
 #include <cstring>
 #include <string>
 
+namespace {
+
+char LowerCase(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+}  // namespace
+
 void TrimLineEnd(char* line) {
   if (line == nullptr) return;
   const size_t length = std::strlen(line);
@@ -21,6 +29,12 @@ void CopyCut(std::string_view text, char* field, size_t size) {
   field[length] = '\0';
 }
 
+bool CopyWhole(std::string_view text, char* field, size_t size) {
+  if (text.size() >= size) return false;
+  CopyCut(text, field, size);
+  return true;
+}
+
 int CountTokens(const char* text, const char* delimiters) {
   if (text == nullptr) return 0;
   if (delimiters == nullptr) delimiters = "";
@@ -30,6 +44,11 @@ int CountTokens(const char* text, const char* delimiters) {
     text += std::strcspn(text, delimiters);
   }
   return count;
+}
+
+bool IsSameIgnoringCase(std::string_view one, std::string_view other) {
+  return std::equal(one.begin(), one.end(), other.begin(), other.end(),
+                    [](char a, char b) { return LowerCase(a) == LowerCase(b); });
 }
 
 bool HasCommandBreak(const char* text) {

@@ -17,6 +17,8 @@ void TrimLineEnd(char* line);
 // Copies text into a field of size bytes, one at least, cut if need be, with a terminator. The two may
 // overlap.
 void CopyCut(std::string_view text, char* field, size_t size);
+// The same, but false and nothing copied when the text does not fit.
+bool CopyWhole(std::string_view text, char* field, size_t size);
 template <size_t Size>
 void CopyCut(std::string_view text, char (&field)[Size]) {
   CopyCut(text, field, Size);
@@ -24,6 +26,9 @@ void CopyCut(std::string_view text, char (&field)[Size]) {
 
 // The number of maximal runs of characters that are none of delimiters.
 int CountTokens(const char* text, const char* delimiters);
+
+// Whether the two are the same but for the case of the letters A to Z.
+bool IsSameIgnoringCase(std::string_view one, std::string_view other);
 
 // True when text holds a CR or LF. Put into a command, such a text would end it and begin another one;
 // it is refused with code 137.

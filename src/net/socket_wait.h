@@ -1,8 +1,8 @@
-// Waiting for a socket without neglecting everything else. Win32; any thread.
+// Waiting for a socket without neglecting everything else. Portable; any thread.
 #ifndef MOSAICON_NET_SOCKET_WAIT_H_
 #define MOSAICON_NET_SOCKET_WAIT_H_
 
-#include "net/winsock.h"
+#include "net/socket_system.h"
 
 // Who has other things to do while a connection is silent: a dialog that must stay alive.
 class WaitListener {
@@ -13,13 +13,8 @@ class WaitListener {
   virtual bool OnWait() = 0;
 };
 
-// True when bytes have arrived that nobody has received.
-bool HasPendingBytes(SOCKET socket);
-
-enum class SocketEvent { kReadable, kWritable };
-
-// True when it came within the time. False at once when it never can: there is no such socket, or the
-// connection that was to make it writable is refused. listener may be null.
-bool WaitForSocket(SOCKET socket, SocketEvent event, long seconds, long microseconds, WaitListener* listener);
+// True when the event came within the time. False at once when it never can. listener may be null.
+bool WaitForSocket(SocketHandle socket, SocketEvent event, long seconds, long microseconds,
+                   WaitListener* listener);
 
 #endif  // MOSAICON_NET_SOCKET_WAIT_H_

@@ -1,13 +1,15 @@
 #include "net/timeout_clock.h"
 
+#include "net/wait_time.h"
+
 namespace {
 
-thread_local ULONGLONG g_nPaused = 0;  // milliseconds
+thread_local std::uint64_t g_nPaused = 0;  // milliseconds
 
 }  // namespace
 
-ULONGLONG TimeoutClock() {
-  return GetTickCount64() - g_nPaused;
+std::uint64_t TimeoutClock() {
+  return CurrentWaitTime().Ticks() - g_nPaused;
 }
 
 TimeoutPause::TimeoutPause() : m_nStart(TimeoutClock()) {}

@@ -2,9 +2,9 @@
 // and whole data sources, and tells a subclass about errors, progress and the wish to abort.
 //
 // Owns at most two sockets, the connected one and the listening one; the destructor closes both. Text
-// is 8-bit. One thread at a time; IsAborted is how another thread stops a transfer, within one chunk or
-// one wait. Operations return an error code (0: success) unless they say otherwise, and every code goes
-// through OnError. Nothing throws.
+// is 8-bit. Portable. One thread at a time; IsAborted is how another thread stops a transfer, within one
+// chunk or one wait. Operations return an error code (0: success) unless they say otherwise, and every code
+// goes through OnError. Nothing throws.
 //
 // Waiting: seconds of 0 or less mean that the operation does not wait for data first; the receive that
 // follows then blocks for as long as the receive time-out.
@@ -28,30 +28,30 @@ class CUT_WSClient : public CUT_Socket {
   ~CUT_WSClient() override;
 
   // As for every socket, but with the turns of the listener.
-  int WaitReadable(SOCKET socket, long seconds, long microseconds) override;
+  int WaitReadable(SocketHandle socket, long seconds, long microseconds) override;
 
   // Connects to a dotted address or a name. timeout in seconds; negative blocks for as long as the
   // system tries. A port that is refused while there is a time-out counts as silent: 5, but
   // without the wait.
-  virtual int Connect(std::uint16_t port, const char* address, long timeout = -1, int family = AF_INET,
-                      int type = SOCK_STREAM);
+  virtual int Connect(std::uint16_t port, const char* address, long timeout = -1,
+                      int family = kInternetFamily, int type = kStreamSocket);
   // The same from a local address and port (null and 0: any). Dotted addresses only, no time-out.
   virtual int ConnectBound(std::uint16_t localPort, std::uint16_t remotePort, const char* localAddress,
-                           const char* remoteAddress, int family = AF_INET, int type = SOCK_STREAM);
+                           const char* remoteAddress, int family = kInternetFamily, int type = kStreamSocket);
   // A socket for datagrams to and from a remote dotted address (null: none yet, see ReceiveDatagram).
   virtual int OpenDatagram(std::uint16_t localPort, std::uint16_t remotePort, const char* remoteAddress,
                            const char* localAddress = nullptr);
   // 0 or 1.
-  virtual int CreateSocketHandle(SOCKET& socket, int family, int type, int protocol);
+  virtual int CreateSocketHandle(SocketHandle& socket, int family, int type, int protocol);
   // Closes both sockets. 0, or 1 when anything failed; they are closed all the same.
   virtual int CloseConnection();
   // Makes the hidden window that receives notifications for this client. Its thread must dispatch
-  // messages. 0 or 1.
-  virtual int CreateNotifyWindow(HINSTANCE module);
+  // messages. module is an HINSTANCE. 0, or 1, as on every system that has no such windows.
+  virtual int CreateNotifyWindow(void* module);
 
   // localAddress is in network order.
-  virtual int Listen(std::uint16_t port, int backlog = 1, int family = AF_INET,
-                     u_long localAddress = INADDR_ANY);
+  virtual int Listen(std::uint16_t port, int backlog = 1, int family = kInternetFamily,
+                     std::uint32_t localAddress = kAnyIp);
   // 0 when a connection is pending, 1 otherwise.
   virtual int WaitForAccept(long seconds);
   // Closes the connected socket and takes the next pending connection; blocks while there is none.
@@ -118,14 +118,14 @@ class CUT_WSClient : public CUT_Socket {
 
   // From this value of TimeoutClock on, ReceiveLine stops where it is, as after an abort, however fast
   // the bytes come. 0: never.
-  void SetLineDeadline(ULONGLONG deadline) { m_nLineDeadline = deadline; }
+  void SetLineDeadline(std::uint64_t deadline) { m_nLineDeadline = deadline; }
 
   // Every wait lets the listener have its turns. Borrowed; null (the default): nobody.
   void SetWaitListener(WaitListener* listener) { m_pWaitListener = listener; }
 
   // ReceiveLine for what must be read, abort or not: an abort ends it only when TimeoutClock has
   // passed deadline.
-  int ReceiveLineDespiteAbort(char* buffer, size_t size, long seconds, ULONGLONG deadline);
+  int ReceiveLineDespiteAbort(char* buffer, size_t size, long seconds, std::uint64_t deadline);
 
   std::uint16_t GetRemotePort() const { return m_nRemotePort; }
   std::uint16_t GetLocalPort() const { return m_nLocalPort; }
@@ -156,37 +156,36 @@ class CUT_WSClient : public CUT_Socket {
   class ReceivedChunks;
   class SentChunks;
 
-  bool FindRemoteAddress(const char* address, sockaddr_in& remote);
+  bool FindRemoteAddress(const char* address, SocketAddress& remote);
   int ConnectWithin(long timeout);
   int CloseAfter(int code);
-  int CloseSocket(SOCKET& socket, bool shutDown);
-  int ApplyTimeouts(SOCKET socket);
+  int CloseSocket(SocketHandle& socket, bool shutDown);
+  int ApplyTimeouts(SocketHandle socket);
   void StorePorts();
-  void SetRemote(const sockaddr_in& remote);
+  void SetRemote(const SocketAddress& remote);
   int SendBytes(ByteStream& bytes);
   int ReceiveBytes(ByteStream& bytes, long seconds, long maximum);
   bool WaitWithListener();
 
-  static LRESULT CALLBACK NotifyProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
+  void DestroyNotifyWindow();
 
   std::uint16_t m_nRemotePort = 0;  // ports in host order
   std::uint16_t m_nLocalPort = 0;
   std::uint16_t m_nListeningPort = 0;
   char m_szRemoteAddress[31] = "";
   std::int32_t m_nProtocol = 0;
-  std::int32_t m_nFamily = AF_INET;
-  std::int32_t m_nType = SOCK_STREAM;
-  WSADATA m_winsock = {};
-  SOCKET m_socket = INVALID_SOCKET;
-  sockaddr_in m_remote = {};
-  SOCKET m_listeningSocket = INVALID_SOCKET;
-  sockaddr_in m_listening = {};
+  std::int32_t m_nFamily = kInternetFamily;
+  std::int32_t m_nType = kStreamSocket;
+  SocketHandle m_socket = kNoSocket;
+  SocketAddress m_remote;
+  SocketHandle m_listeningSocket = kNoSocket;
+  SocketAddress m_listening;
   std::int32_t m_bNonBlocking = 0;
   std::int32_t m_bStarted = 1;
-  HWND m_hNotifyWindow = nullptr;
+  void* m_hNotifyWindow = nullptr;      // HWND
   std::int32_t m_nSendTimeout = 30000;  // milliseconds
   std::int32_t m_nReceiveTimeout = 30000;
-  ULONGLONG m_nLineDeadline = 0;
+  std::uint64_t m_nLineDeadline = 0;
   WaitListener* m_pWaitListener = nullptr;
 };
 

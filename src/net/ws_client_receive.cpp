@@ -26,7 +26,7 @@ class CUT_WSClient::Peeking : public Interface {
   bool WaitForData(long seconds) override { return m_client.WaitForReceive(seconds, 0) == 0; }
   int Peek(char* buffer, int count) override {
     if (!m_client.WaitWithListener()) return -1;
-    return m_client.RecvRaw(m_client.m_socket, buffer, count, MSG_PEEK);
+    return m_client.RecvRaw(m_client.m_socket, buffer, count, kPeekFlag);
   }
   int Take(char* buffer, int count) override { return m_client.RecvRaw(m_client.m_socket, buffer, count, 0); }
 
@@ -37,16 +37,16 @@ class CUT_WSClient::Peeking : public Interface {
 class CUT_WSClient::Lines : public Peeking<LineSocket> {
  public:
   // An abort counts once the deadline has passed.
-  Lines(CUT_WSClient& client, ULONGLONG deadline) : Peeking(client), m_nDeadline(deadline) {}
+  Lines(CUT_WSClient& client, std::uint64_t deadline) : Peeking(client), m_nDeadline(deadline) {}
 
   bool IsAborted() override {
-    const ULONGLONG lineDeadline = m_client.m_nLineDeadline;
+    const std::uint64_t lineDeadline = m_client.m_nLineDeadline;
     if (lineDeadline != 0 && TimeoutClock() >= lineDeadline) return true;
     return m_client.IsAborted() && TimeoutClock() >= m_nDeadline;
   }
 
  private:
-  ULONGLONG m_nDeadline;
+  std::uint64_t m_nDeadline;
 };
 
 class CUT_WSClient::ReceivedChunks : public Peeking<ReceiveSocket> {
@@ -64,12 +64,12 @@ int CUT_WSClient::ReceiveLine(char* buffer, size_t size, long seconds) {
   return ReadLineFrom(lines, buffer, size, seconds);
 }
 
-int CUT_WSClient::ReceiveLineDespiteAbort(char* buffer, size_t size, long seconds, ULONGLONG deadline) {
+int CUT_WSClient::ReceiveLineDespiteAbort(char* buffer, size_t size, long seconds, std::uint64_t deadline) {
   Lines lines(*this, deadline);
   return ReadLineFrom(lines, buffer, size, seconds);
 }
 
-int CUT_WSClient::WaitReadable(SOCKET socket, long seconds, long microseconds) {
+int CUT_WSClient::WaitReadable(SocketHandle socket, long seconds, long microseconds) {
   return WaitForSocket(socket, SocketEvent::kReadable, seconds, microseconds, m_pWaitListener) ? 0 : 1;
 }
 
@@ -87,7 +87,7 @@ int CUT_WSClient::Receive(char* buffer, int length, long seconds) {
 bool CUT_WSClient::WaitWithListener() {
   return GetWaitListener() == nullptr ||
          WaitForSocket(m_socket, SocketEvent::kReadable, m_nReceiveTimeout / 1000,
-                       m_nReceiveTimeout % 1000 * 1000, GetWaitListener());
+                       long{m_nReceiveTimeout} % 1000 * 1000, GetWaitListener());
 }
 
 int CUT_WSClient::ReceiveAll(char* buffer, int length, long seconds) {
@@ -107,12 +107,12 @@ int CUT_WSClient::ReceiveBytes(ByteStream& bytes, long seconds, long maximum) {
 }
 
 int CUT_WSClient::ReceiveToStream(ByteStream& stream, long seconds, long maximum) {
-  if (m_socket == INVALID_SOCKET) return OnError(kNetSocketNotOpen);
+  if (m_socket == kNoSocket) return OnError(kNetSocketNotOpen);
   return OnError(ReceiveBytes(stream, seconds, maximum > 0 ? maximum : stream.GetLength()));
 }
 
 int CUT_WSClient::ReceiveToSource(CUT_DataSource& source, int mode, long seconds, long maximum) {
-  if (m_socket == INVALID_SOCKET) return OnError(kNetSocketNotOpen);
+  if (m_socket == kNoSocket) return OnError(kNetSocketNotOpen);
   if (mode != kSourceWrite && mode != kSourceAppend) return OnError(kNetBadMode);
   SourceBytes bytes(source, mode);
   if (!bytes.IsOpen()) return OnError(kNetSourceNotOpened);
@@ -133,12 +133,11 @@ int CUT_WSClient::DrainInput() {
 }
 
 int CUT_WSClient::ReceiveDatagram(char* buffer, int& length, long seconds) {
-  if (m_socket == INVALID_SOCKET) return OnError(kNetSocketNotOpen);
+  if (m_socket == kNoSocket) return OnError(kNetSocketNotOpen);
   if (buffer == nullptr) return OnError(kNetNullBuffer);
   if (seconds > 0 && WaitForReceive(seconds, 0) != 0) return OnError(kNetTimedOut);
-  sockaddr_in sender = {};
-  int size = sizeof sender;
-  const int received = recvfrom(m_socket, buffer, length, 0, reinterpret_cast<sockaddr*>(&sender), &size);
+  SocketAddress sender;
+  const int received = ReceiveDatagramFrom(m_socket, buffer, length, sender);
   length = std::max(received, 0);
   if (received < 0) return OnError(kNetReceiveFailed);
   SetRemote(sender);

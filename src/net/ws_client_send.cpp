@@ -23,9 +23,9 @@ int CUT_WSClient::Send(const char* buffer, int length) {
   const int all = LengthOrTextLength(buffer, length);
   int sent = SendRaw(m_socket, buffer, all, 0);
   // A socket that would rather block than take more is waited for here, where the listener has its turns.
-  if (sent == SOCKET_ERROR && GetWaitListener() != nullptr && WSAGetLastError() == WSAEWOULDBLOCK &&
-      WaitForSocket(m_socket, SocketEvent::kWritable, m_nSendTimeout / 1000, m_nSendTimeout % 1000 * 1000,
-                    GetWaitListener())) {
+  if (sent < 0 && GetWaitListener() != nullptr && LastSocketError() == SocketError::kWouldBlock &&
+      WaitForSocket(m_socket, SocketEvent::kWritable, m_nSendTimeout / 1000,
+                    long{m_nSendTimeout} % 1000 * 1000, GetWaitListener())) {
     sent = SendRaw(m_socket, buffer, all, 0);
   }
   return std::max(sent, 0);
@@ -65,7 +65,7 @@ class CUT_WSClient::SentChunks : public SendSocket {
     return m_client.OnSendProgress(static_cast<long>(std::min<long long>(bytes, LONG_MAX))) != 0 &&
            !m_client.IsAborted();
   }
-  std::uint64_t Milliseconds() override { return GetTickCount64(); }
+  std::uint64_t Milliseconds() override { return SystemTicks(); }
 
  private:
   CUT_WSClient& m_client;
@@ -77,12 +77,12 @@ int CUT_WSClient::SendBytes(ByteStream& bytes) {
 }
 
 int CUT_WSClient::SendFromStream(ByteStream& stream) {
-  if (m_socket == INVALID_SOCKET) return OnError(kNetSocketNotOpen);
+  if (m_socket == kNoSocket) return OnError(kNetSocketNotOpen);
   return OnError(SendBytes(stream));
 }
 
 int CUT_WSClient::SendFromSource(CUT_DataSource& source) {
-  if (m_socket == INVALID_SOCKET) return OnError(kNetSocketNotOpen);
+  if (m_socket == kNoSocket) return OnError(kNetSocketNotOpen);
   SourceBytes bytes(source, kSourceRead);
   if (!bytes.IsOpen()) return OnError(kNetSourceNotOpened);
   return OnError(SendBytes(bytes));
@@ -94,10 +94,9 @@ int CUT_WSClient::SendFileByName(const char* fileName) {
 }
 
 int CUT_WSClient::SendDatagram(const char* buffer, int& length) {
-  if (m_socket == INVALID_SOCKET) return OnError(kNetSocketNotOpen);
+  if (m_socket == kNoSocket) return OnError(kNetSocketNotOpen);
   if (buffer == nullptr) return OnError(kNetNullBuffer);
-  const int sent =
-      sendto(m_socket, buffer, length, 0, reinterpret_cast<const sockaddr*>(&m_remote), sizeof m_remote);
+  const int sent = SendDatagramTo(m_socket, buffer, length, m_remote);
   length = std::max(sent, 0);
   return OnError(sent >= 0 ? kNetSuccess : kNetSendFailed);
 }

@@ -1,5 +1,5 @@
 // The data connection of another client: it reports its progress to that client, whose hooks decide
-// whether the transfer goes on. Win32; belongs to the owner and its thread.
+// whether the transfer goes on. Portable; belongs to the owner and its thread.
 #ifndef MOSAICON_NET_WS_DATA_CLIENT_H_
 #define MOSAICON_NET_WS_DATA_CLIENT_H_
 

@@ -4,11 +4,11 @@
 
 namespace {
 
-constexpr ULONGLONG kPumpMilliseconds = 20;
+constexpr std::uint64_t kPumpMilliseconds = 20;
 // Of silence after an abort. A transfer that was cut short is answered when the server has received what
 // was on its way, and the answer takes the way back.
-constexpr ULONGLONG kAnswerMilliseconds = 4000;
-constexpr ULONGLONG kGoodbyeMilliseconds = 1000;
+constexpr std::uint64_t kAnswerMilliseconds = 4000;
+constexpr std::uint64_t kGoodbyeMilliseconds = 1000;
 
 }  // namespace
 
@@ -47,10 +47,10 @@ void CFtpUploadClient::Reset() {
 }
 
 bool CFtpUploadClient::OnWait() {
-  m_nLastPump = GetTickCount64();
+  m_nLastPump = SystemTicks();
   m_host.PumpMessages();
   if (!IsStopAsked()) return true;
-  const ULONGLONG now = TimeoutClock();
+  const std::uint64_t now = TimeoutClock();
   if (m_nSilentSince == 0) m_nSilentSince = now;
   if (now - m_nSilentSince < (m_host.IsLeaving() ? kGoodbyeMilliseconds : kAnswerMilliseconds)) return true;
   m_bGivenUp = true;
@@ -58,7 +58,7 @@ bool CFtpUploadClient::OnWait() {
 }
 
 void CFtpUploadClient::PumpNowAndThen() {
-  const ULONGLONG now = GetTickCount64();
+  const std::uint64_t now = SystemTicks();
   if (now - m_nLastPump < kPumpMilliseconds) return;
   m_nLastPump = now;
   m_host.PumpMessages();

@@ -8,6 +8,8 @@
 #ifndef MOSAICON_PUBLISH_FTP_UPLOAD_CLIENT_H_
 #define MOSAICON_PUBLISH_FTP_UPLOAD_CLIENT_H_
 
+#include <cstdint>
+
 #include "net/ftp_client.h"
 #include "publish/publish_host.h"
 
@@ -30,8 +32,8 @@ class CFtpUploadClient : public CUT_FTPClient, private WaitListener {
   void PumpNowAndThen();
 
   PublishHost& m_host;
-  ULONGLONG m_nLastPump = 0;
-  ULONGLONG m_nSilentSince = 0;  // after an abort; 0: not silent
+  std::uint64_t m_nLastPump = 0;
+  std::uint64_t m_nSilentSince = 0;  // after an abort; 0: not silent
   bool m_bGivenUp = false;
 };
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "net/error_codes.h"
+#include "net/testing/hurried_time.h"
 #include "net/testing/scripted_server.h"
 #include "net/timeout_clock.h"
 #include "publish/testing/fake_publish_host.h"
@@ -22,6 +23,11 @@ class UploadClient : public testing::Test {
     ASSERT_EQ(m_client.FTPConnect("127.0.0.1", "ann", "secret"), kNetSuccess);
   }
 
+  UploadClient() { m_time.RunAt(2); }
+  std::uint64_t Elapsed() const { return TimeoutClock() - m_nStart; }
+
+  HurriedTime m_time;
+  std::uint64_t m_nStart = 0;
   FakePublishHost m_host;
   CFtpUploadClient m_client{m_host};
   std::unique_ptr<ScriptedServer> m_server;
@@ -30,23 +36,24 @@ class UploadClient : public testing::Test {
 TEST_F(UploadClient, GivesASilentServerSomeTimeAfterAnAbort) {
   LogInTo({Expect("CWD a"), ExpectEnd()});
   m_host.aborted = true;
-  const ULONGLONG start = GetTickCount64();
+  m_nStart = TimeoutClock();
   EXPECT_EQ(m_client.ChDir("a"), kNetNoResponse);
   EXPECT_TRUE(m_client.HasGivenUp());
-  EXPECT_GE(GetTickCount64() - start, 3900U);
-  EXPECT_LT(GetTickCount64() - start, 15000U) << "without an abort it is 30 s";
+  EXPECT_GE(Elapsed(), 3900U);
+  EXPECT_LT(Elapsed(), 25000U) << "without an abort it is 30 s";
   m_client.CloseConnection();
   EXPECT_EQ(m_server->Finish(), "");
 }
 
 TEST_F(UploadClient, GivesASilentServerLessTimeWhenItLeaves) {
   LogInTo({Expect("CWD a"), ExpectEnd()});
+  m_time.RunAt(1);
   m_host.leaving = true;
-  const ULONGLONG start = GetTickCount64();
+  m_nStart = TimeoutClock();
   EXPECT_EQ(m_client.ChDir("a"), kNetNoResponse);
   EXPECT_TRUE(m_client.HasGivenUp());
-  EXPECT_GE(GetTickCount64() - start, 900U);
-  EXPECT_LT(GetTickCount64() - start, 3900U) << "an abort gives it 4 s";
+  EXPECT_GE(Elapsed(), 900U);
+  EXPECT_LT(Elapsed(), 3900U) << "an abort gives it 4 s";
   m_client.CloseConnection();
   EXPECT_EQ(m_server->Finish(), "");
 }
@@ -66,7 +73,7 @@ TEST_F(UploadClient, WaitsAfterOneAbortForEveryAnswerAnew) {
   ScriptedServer::Script script;
   constexpr int kFolders = 6;
   for (int i = 0; i < kFolders; ++i)
-    script = script + ScriptedServer::Script{Expect("CDUP"), Wait(1000), Say("250")};
+    script = script + ScriptedServer::Script{Expect("CDUP"), Wait(500), Say("250")};
   LogInTo(script + ScriptedServer::Script{Expect("Quit"), ExpectEnd()});
   m_host.aborted = true;
   for (int i = 0; i < kFolders; ++i) EXPECT_EQ(m_client.CdUp(), kNetSuccess) << i;
@@ -82,7 +89,7 @@ TEST_F(UploadClient, GivesEveryAbortItsTime) {
   EXPECT_EQ(m_client.ChDir("a"), kNetSuccess);
   m_host.aborted = false;
   EXPECT_EQ(m_client.NoOp(), kNetSuccess);
-  Sleep(1500);
+  SleepFor(1500);
   m_host.aborted = true;
   EXPECT_EQ(m_client.ChDir("b"), kNetSuccess);
   EXPECT_FALSE(m_client.HasGivenUp());
@@ -93,11 +100,11 @@ TEST_F(UploadClient, GivesEveryAbortItsTime) {
 // The question whether to stop, answered with No after longer than a reply is waited for.
 class UploadClientWithAQuestion : public UploadClient {
  protected:
-  void AskOnceFor(DWORD milliseconds) {
+  void AskOnceFor(int milliseconds) {
     m_host.onPump = [this, milliseconds] {
       if (std::exchange(m_bAsked, true)) return;
       const TimeoutPause pause;
-      Sleep(milliseconds);
+      SleepFor(milliseconds);
     };
   }
 
@@ -105,9 +112,9 @@ class UploadClientWithAQuestion : public UploadClient {
 };
 
 TEST_F(UploadClientWithAQuestion, GoesOnWaitingAsLongAsItWouldHave) {
-  LogInTo({Expect("CWD a"), Wait(5000), Say("250"), Expect("Quit"), ExpectEnd()});
+  LogInTo({Expect("CWD a"), Wait(2500), Say("250"), Expect("Quit"), ExpectEnd()});
   m_client.SetDataTimeouts(3000, 3000);
-  AskOnceFor(4000);
+  AskOnceFor(2000);
   EXPECT_EQ(m_client.ChDir("a"), kNetSuccess);
   m_client.FTPClose();
   EXPECT_EQ(m_server->Finish(), "");
@@ -116,7 +123,7 @@ TEST_F(UploadClientWithAQuestion, GoesOnWaitingAsLongAsItWouldHave) {
 TEST_F(UploadClientWithAQuestion, TakesTheAnswerThatHasComeMeanwhile) {
   LogInTo({Expect("CWD a"), Wait(500), Say("250"), Expect("Quit"), ExpectEnd()});
   m_client.SetDataTimeouts(1000, 1000);
-  AskOnceFor(5000);
+  AskOnceFor(2500);
   EXPECT_EQ(m_client.ChDir("a"), kNetSuccess);
   m_client.FTPClose();
   EXPECT_EQ(m_server->Finish(), "");

@@ -73,6 +73,16 @@ class Layers(unittest.TestCase):
                 with self.subTest(file=str(path.relative_to(SOURCES)), include=f"{other}/{name}"):
                     self.assertFalse(other in FOR_TESTS or is_for_tests(name))
 
+    def test_net_knows_windows_at_its_edges_only(self):
+        """Everything else is portable, and Windows' macros change no name of it."""
+        for path in sorted((SOURCES / "net").glob("**/*")):
+            if path.suffix not in (".cpp", ".h") or re.search(r"_windows(_test)?\.cpp$", path.name):
+                continue
+            with self.subTest(file=str(path.relative_to(SOURCES))):
+                self.assertNotRegex(
+                    path.read_text(encoding="utf-8"), r"#\s*include <(windows|winsock2?|ws2\w+)\.h>"
+                )
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -1,6 +1,8 @@
-// Counts what this process has open, so that a test can show that nothing leaks. Win32.
+// Counts what this process has open, so that a test can show that nothing leaks.
 #ifndef MOSAICON_TESTS_SUPPORT_OPEN_HANDLES_H_
 #define MOSAICON_TESTS_SUPPORT_OPEN_HANDLES_H_
+
+#ifdef _WIN32
 
 #include <windows.h>
 
@@ -13,5 +15,19 @@ inline int CountOpenHandles() {
   }
   return count;
 }
+
+#else
+
+#include <fcntl.h>
+
+inline int CountOpenHandles() {
+  int count = 0;
+  for (int file = 0; file < 4096; ++file) {
+    if (fcntl(file, F_GETFD) != -1) ++count;
+  }
+  return count;
+}
+
+#endif
 
 #endif  // MOSAICON_TESTS_SUPPORT_OPEN_HANDLES_H_

@@ -194,8 +194,9 @@ TEST_F(Dialog, TellsOfAServerThatGoesAwayMeanwhile) {
 
 TEST_F(Dialog, TellsThatThereIsNoServer) {
   ASSERT_TRUE(OpenUpload(""));
+  const RefusingPort nobody;
   for (const std::string& host :
-       {"127.0.0.1:" + std::to_string(UnusedPort()), std::string("no.such.host.invalid"), std::string(),
+       {"127.0.0.1:" + std::to_string(nobody.Port()), std::string("no.such.host.invalid"), std::string(),
         std::string("127.0.0.1:ftp")}) {
     FillInLogin(Login{.host = host});
     FtpItem(IDC_FTP_CONNECT).Click();

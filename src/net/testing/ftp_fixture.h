@@ -1,10 +1,11 @@
-// A test of the FTP client against a scripted server. Test code.
+// A test of the FTP client against a scripted server, whose time is hurried. Test code.
 #ifndef MOSAICON_NET_TESTING_FTP_FIXTURE_H_
 #define MOSAICON_NET_TESTING_FTP_FIXTURE_H_
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <limits>
 #include <memory>
 #include <string>
@@ -12,18 +13,18 @@
 
 #include "net/ftp_client.h"
 #include "net/testing/clients.h"
+#include "net/testing/hurried_time.h"
 #include "net/testing/scripted_server.h"
+#include "net/timeout_clock.h"
 
 class FtpClient : public Watched<CUT_FTPClient> {
  public:
   int WaitForReceive(long seconds, long microseconds) override {
     waits.push_back(seconds);
-    if (isImpatient) return Watched::WaitForReceive(0, 200000);
     return Watched::WaitForReceive(seconds, microseconds);
   }
 
-  std::vector<long> waits;   // what the client meant to wait, in seconds
-  bool isImpatient = false;  // it waits a fifth of a second instead
+  std::vector<long> waits;  // for replies, in seconds
 };
 
 class FtpTest : public testing::Test {
@@ -40,7 +41,9 @@ class FtpTest : public testing::Test {
   static Script InStep() { return {Expect("NOOP"), Say("200 in step"), Expect("Quit"), ExpectEnd()}; }
 
   void Serve(const Script& script) {
+    m_time.server = nullptr;
     m_server = std::make_unique<ScriptedServer>(script);
+    m_time.server = m_server.get();
     m_client.SetControlPort(m_server->Port());
     m_client.SetConnectTimeout(1);
     m_client.SetDataTimeouts(5000, 5000);
@@ -63,17 +66,18 @@ class FtpTest : public testing::Test {
     EXPECT_EQ(m_server->Finish(), "");
   }
 
+  HurriedTime m_time;
   std::unique_ptr<ScriptedServer> m_server;
   FtpClient m_client;
 };
 
-// Milliseconds since it was made.
+// Milliseconds since it was made, as the client sees them.
 class Stopwatch {
  public:
-  ULONGLONG Elapsed() const { return GetTickCount64() - m_start; }
+  std::uint64_t Elapsed() const { return TimeoutClock() - m_start; }
 
  private:
-  ULONGLONG m_start = GetTickCount64();
+  std::uint64_t m_start = TimeoutClock();
 };
 
 #endif  // MOSAICON_NET_TESTING_FTP_FIXTURE_H_

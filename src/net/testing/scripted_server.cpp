@@ -8,6 +8,10 @@ namespace {
 using Stage = ScriptedServer::Stage;
 using Step = ScriptedServer::Step;
 
+// No socket, but something that is waited for.
+constexpr SocketHandle kAwaitsTest = -2;
+constexpr int kPatience = 20000;  // milliseconds
+
 bool Fail(Stage& stage, const std::string& problem) {
   if (stage.problem.empty()) stage.problem = problem;
   return false;
@@ -28,6 +32,8 @@ ScriptedServer::~ScriptedServer() {
 }
 
 void ScriptedServer::Play(const Script& script) {
+  SetHearingMark(&m_hearing);
+  m_stage.hearing = &m_hearing;
   m_stage.control = m_listener.Accept();
   bool goesOn = m_stage.control.IsOpen() || Fail(m_stage, "nobody connected");
   for (size_t i = 0; goesOn && i < script.size(); ++i) {
@@ -38,6 +44,13 @@ void ScriptedServer::Play(const Script& script) {
   m_stage.data.Close();
   m_stage.listener.reset();
   m_stage.control.Close();
+}
+
+bool ScriptedServer::IsIdle() const {
+  const SocketHandle socket = m_hearing;
+  if (socket == kNoSocket) return false;
+  return socket == kAwaitsTest ||
+         WaitForSystemSocket(socket, SocketEvent::kReadable, 0) == SocketWait::kNotYet;
 }
 
 const std::string& ScriptedServer::Finish() {
@@ -77,8 +90,17 @@ Step ExpectEnd() {
 
 Step Wait(int milliseconds) {
   return [milliseconds](Stage&) {
-    Sleep(static_cast<DWORD>(milliseconds));
+    SleepFor(milliseconds);
     return true;
+  };
+}
+
+Step Await(const std::atomic<bool>& isSet) {
+  return [&isSet](Stage& stage) {
+    *stage.hearing = kAwaitsTest;
+    for (int waited = 0; waited < kPatience && !isSet; waited += 5) SleepFor(5);
+    *stage.hearing = kNoSocket;
+    return isSet || Fail(stage, "the test did not go on");
   };
 }
 

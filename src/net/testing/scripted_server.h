@@ -1,7 +1,7 @@
 // A server that plays a script on 127.0.0.1: it says what it is told to say, checks what it hears byte
 // for byte, and opens, uses, breaks or forgets data connections as told. It plays in a thread of its
 // own, one client at a time; no step of it waits longer than 20 seconds. What went wrong, and what
-// arrived on the data connection, is asked for after Finish. Win32; test code.
+// arrived on the data connection, is asked for after Finish. Test code.
 #ifndef MOSAICON_NET_TESTING_SCRIPTED_SERVER_H_
 #define MOSAICON_NET_TESTING_SCRIPTED_SERVER_H_
 
@@ -17,6 +17,7 @@ class ScriptedServer {
  public:
   struct Stage {
     TestSocket control;
+    HearingMark* hearing = nullptr;
     std::unique_ptr<TestListener> listener;  // for data, passive
     TestSocket data;
     std::uint16_t offered = 0;  // the client's port of the last PORT
@@ -34,6 +35,9 @@ class ScriptedServer {
 
   std::uint16_t Port() const { return m_port; }
 
+  // True when it does nothing before the client has done something that has not been done yet. Any thread.
+  bool IsIdle() const;
+
   // Waits for the end of the script. Returns what went wrong, "" when everything was as expected.
   const std::string& Finish();
 
@@ -46,6 +50,7 @@ class ScriptedServer {
   TestListener m_listener;
   std::uint16_t m_port;
   Stage m_stage;
+  HearingMark m_hearing = kNoSocket;
   std::thread m_thread;  // the last one, for it uses the others
 };
 
@@ -61,6 +66,8 @@ ScriptedServer::Step ExpectEnd();
 ScriptedServer::Step Wait(int milliseconds);
 ScriptedServer::Step Close();
 ScriptedServer::Step Reset();
+// Until the test has set it.
+ScriptedServer::Step Await(const std::atomic<bool>& isSet);
 // Says so over and over until the client has gone.
 ScriptedServer::Step SayForEver(const std::string& bytes);
 

@@ -1,64 +1,94 @@
 #include "net/testing/sockets.h"
 
+#include <chrono>
+#include <thread>
+
+#include "net/testing/socket_options.h"
+
 namespace {
 
-constexpr DWORD kPatience = 20000;  // milliseconds
+constexpr std::int32_t kPatience = 20000;  // milliseconds
 
-sockaddr_in Loopback(std::uint16_t port, const std::string& name = "127.0.0.1") {
-  sockaddr_in address = {};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = inet_addr(name.c_str());
-  address.sin_port = htons(port);
-  return address;
+thread_local HearingMark* hearingMark = nullptr;
+
+class Hearing {
+ public:
+  explicit Hearing(SocketHandle socket) {
+    if (hearingMark != nullptr) *hearingMark = socket;
+  }
+  ~Hearing() {
+    if (hearingMark != nullptr) *hearingMark = kNoSocket;
+  }
+  Hearing(const Hearing&) = delete;
+  Hearing& operator=(const Hearing&) = delete;
+};
+
+SocketAddress Loopback(std::uint16_t port, const std::string& name = "127.0.0.1") {
+  return {kInternetFamily, ParseDottedAddress(name.c_str()), port};
 }
 
-SOCKET NewSocket() {
-  NeedWinsock();
-  return socket(AF_INET, SOCK_STREAM, 0);
+TestSocket BoundSocket(const std::string& address) {
+  NeedSockets();
+  TestSocket socket(OpenSystemSocket(kInternetFamily, kStreamSocket, 0));
+  BindSystemSocket(socket.Get(), Loopback(0, address));
+  return socket;
 }
 
 }  // namespace
 
-void NeedWinsock() {
-  static WSADATA record;
-  static const bool started = StartWinsock(record);
+void NeedSockets() {
+  static const int started = StartSockets();
   (void)started;
 }
 
-TestSocket::TestSocket(SOCKET socket) : m_socket(socket) {
-  setsockopt(m_socket, SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<const char*>(&kPatience), sizeof kPatience);
-  setsockopt(m_socket, SOL_SOCKET, SO_SNDTIMEO, reinterpret_cast<const char*>(&kPatience), sizeof kPatience);
+void SetHearingMark(HearingMark* mark) {
+  hearingMark = mark;
+}
+
+void SleepFor(int milliseconds) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+TestSocket::TestSocket(SocketHandle socket) : m_socket(socket) {
+  SetSystemSocketTimeout(m_socket, SocketDirection::kReceive, kPatience);
+  SetSystemSocketTimeout(m_socket, SocketDirection::kSend, kPatience);
+  SendAtOnce(m_socket);
 }
 
 void TestSocket::Close() {
-  if (IsOpen()) closesocket(std::exchange(m_socket, INVALID_SOCKET));
+  if (IsOpen()) CloseSystemSocket(std::exchange(m_socket, kNoSocket));
 }
 
 void TestSocket::Reset() {
-  const linger hard = {1, 0};
-  setsockopt(m_socket, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&hard), sizeof hard);
+  BreakOnClose(m_socket);
   Close();
 }
 
 void TestSocket::CloseForSending() {
-  shutdown(m_socket, SD_SEND);
+  ShutDownSystemSocket(m_socket, kShutDownSending);
 }
 
 bool TestSocket::Say(const std::string& bytes) const {
   size_t said = 0;
   while (said < bytes.size()) {
-    const int now = send(m_socket, bytes.data() + said, static_cast<int>(bytes.size() - said), 0);
+    const int now =
+        SendOnSystemSocket(m_socket, bytes.data() + said, static_cast<int>(bytes.size() - said), 0);
     if (now < 1) return false;
     said += static_cast<size_t>(now);
   }
   return true;
 }
 
+int TestSocket::Receive(char* buffer, size_t count) const {
+  const Hearing hearing(m_socket);
+  return ReceiveOnSystemSocket(m_socket, buffer, static_cast<int>(count), 0);
+}
+
 std::string TestSocket::Hear(size_t count) const {
   std::string bytes(count, '\0');
   size_t heard = 0;
   while (heard < count) {
-    const int now = recv(m_socket, bytes.data() + heard, static_cast<int>(count - heard), 0);
+    const int now = Receive(bytes.data() + heard, count - heard);
     if (now < 1) break;
     heard += static_cast<size_t>(now);
   }
@@ -78,54 +108,37 @@ std::string TestSocket::HearLine() const {
 
 std::string TestSocket::HearToEnd() const {
   std::string bytes;
-  char chunk[4096];
-  for (int now; (now = recv(m_socket, chunk, sizeof chunk, 0)) > 0;)
-    bytes.append(chunk, static_cast<size_t>(now));
+  char chunk[65536];
+  for (int now; (now = Receive(chunk, sizeof chunk)) > 0;) bytes.append(chunk, static_cast<size_t>(now));
   return bytes;
 }
 
 bool TestSocket::IsLeftByPeer() const {
-  char chunk[4096];
+  char chunk[65536];
   int now = 1;
-  while (now > 0) now = recv(m_socket, chunk, sizeof chunk, 0);
-  return now == 0 || WSAGetLastError() != WSAETIMEDOUT;
+  while (now > 0) now = Receive(chunk, sizeof chunk);
+  return now == 0 || LastSocketError() != SocketError::kTimedOut;
 }
 
 std::uint16_t TestSocket::LocalPort() const {
-  sockaddr_in address = {};
-  int size = sizeof address;
-  getsockname(m_socket, reinterpret_cast<sockaddr*>(&address), &size);
-  return ntohs(address.sin_port);
+  return LocalEndOfSystemSocket(m_socket).port;
 }
 
-TestListener::TestListener(int backlog, const std::string& address) : m_socket(NewSocket()) {
-  const sockaddr_in end = Loopback(0, address);
-  bind(m_socket.Get(), reinterpret_cast<const sockaddr*>(&end), sizeof end);
-  listen(m_socket.Get(), backlog);
-}
-
-bool TestListener::WaitForPeer(long milliseconds) const {
-  fd_set sockets;
-  FD_ZERO(&sockets);
-  FD_SET(m_socket.Get(), &sockets);
-  timeval time = {milliseconds / 1000, milliseconds % 1000 * 1000};
-  return select(0, &sockets, nullptr, nullptr, &time) == 1;
+TestListener::TestListener(int backlog, const std::string& address) : m_socket(BoundSocket(address)) {
+  ListenOnSystemSocket(m_socket.Get(), backlog);
 }
 
 TestSocket TestListener::Accept() const {
-  if (!WaitForPeer(kPatience)) return TestSocket();
-  return TestSocket(accept(m_socket.Get(), nullptr, nullptr));
+  const Hearing hearing(Get());
+  if (WaitForSystemSocket(Get(), SocketEvent::kReadable, kPatience * 1000LL) != SocketWait::kCame) return {};
+  SocketAddress peer;
+  return TestSocket(AcceptSystemSocket(Get(), peer));
 }
+
+RefusingPort::RefusingPort() : m_socket(BoundSocket("127.0.0.1")) {}
 
 TestSocket ConnectToLoopback(std::uint16_t port, const std::string& from) {
-  TestSocket client(NewSocket());
-  const sockaddr_in own = Loopback(0, from);
-  bind(client.Get(), reinterpret_cast<const sockaddr*>(&own), sizeof own);
-  const sockaddr_in address = Loopback(port);
-  if (connect(client.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) client.Close();
+  TestSocket client = BoundSocket(from);
+  if (ConnectSystemSocket(client.Get(), Loopback(port)) != 0) client.Close();
   return client;
-}
-
-std::uint16_t UnusedPort() {
-  return TestListener().Port();
 }

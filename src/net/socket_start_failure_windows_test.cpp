@@ -1,10 +1,10 @@
-// Where Windows Sockets do not start. This program brings a StartWinsock of its own, which fails; so does
+// Where Windows Sockets do not start. This program brings a StartSockets of its own, which fails; so does
 // every socket, for nobody else starts them here.
 #include <gtest/gtest.h>
 
 #include "net/error_codes.h"
 #include "net/ftp_client.h"
-#include "net/winsock.h"
+#include "net/socket_system.h"
 
 namespace {
 
@@ -36,10 +36,10 @@ TEST(WithoutWinsock, AnFtpClientFailsToo) {
 
 }  // namespace
 
-bool StartWinsock(WSADATA& /*record*/) {
-  return false;
+int StartSockets() {
+  return 0;
 }
 
-void StopWinsock() {
+void StopSockets() {
   ++stops;
 }
