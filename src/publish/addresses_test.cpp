@@ -18,6 +18,7 @@ TEST(HostAddress, IsAHostWithOrWithoutAPort) {
       {"ftp://host:990", "host", 990},
       {"FTP://Host", "Host", 21},
       {"Ftp://host/", "host", 21},
+      {"ftp://", "", 21},
       {"", "", 21},
       {"  ", "", 21},
       // These stay as they are, and are not found.

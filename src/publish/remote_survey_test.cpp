@@ -282,6 +282,17 @@ TEST_F(Survey, EntersNoFurtherFolderWhenThereIsNoWayBack) {
   EXPECT_EQ(m_host.positions.back(), 0);
 }
 
+TEST_F(Survey, FindsItsWayAgainTheNextTime) {
+  m_server.AddFolder("/a");
+  m_server.Fail("CDUP /a", kNetDenied, 1);
+  Collect({"a"});
+  ASSERT_TRUE(m_survey.HasLostItsWay());
+  ASSERT_EQ(m_server.GoToParent(), kNetSuccess);
+  EXPECT_EQ(Collect({"a"}), 1);
+  EXPECT_FALSE(m_survey.HasLostItsWay());
+  EXPECT_TRUE(m_survey.HasSucceeded());
+}
+
 // Whatever the step at which the user aborts: no further folder is entered, and the way back is gone.
 TEST_F(Survey, EndsAtAnyStepWhenAborted) {
   AddTiles("/a", 2);
