@@ -124,14 +124,16 @@ TEST(SentChunks, BecomeFewerWhenTheConnectionSlowsDown) {
 }
 
 TEST(SentChunks, DoNotWaitForOthersThatComeSlowly) {
-  Source source(40 * kSendChunk);
-  Peer peer;
-  peer.reportTakes = 60;
-  EXPECT_EQ(SendChunks(source, peer), kNetSuccess);
-  for (size_t i = 0; i < peer.reported.size(); ++i) {
-    EXPECT_GE(peer.heardAtReport[i] + kSendChunk, static_cast<size_t>(peer.reported[i])) << i;
+  for (const std::uint64_t milliseconds : {50U, 60U}) {
+    Source source(40 * kSendChunk);
+    Peer peer;
+    peer.reportTakes = milliseconds;
+    EXPECT_EQ(SendChunks(source, peer), kNetSuccess);
+    for (size_t i = 0; i < peer.reported.size(); ++i) {
+      EXPECT_EQ(peer.heardAtReport[i], static_cast<size_t>(peer.reported[i])) << i;
+    }
+    EXPECT_TRUE(peer.heard == source.bytes);
   }
-  EXPECT_TRUE(peer.heard == source.bytes);
 }
 
 TEST(SentChunks, AreSmallWhenTheSourceGivesLittle) {

@@ -1,10 +1,14 @@
 #include "net/cut_file.h"
 
 #include <gtest/gtest.h>
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
 
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <iterator>
 #include <string>
 
 #include "net/data_source.h"
@@ -84,8 +88,10 @@ TEST_F(CutFile, RefusesWhatItWasNotOpenedFor) {
 
 TEST_F(CutFile, RefusesNullBuffers) {
   ASSERT_EQ(m_file.Open(Make("a", "abc").c_str(), kReadWrite, kFileOpenExisting, 0), 0);
-  EXPECT_EQ(m_file.Read(nullptr, 1), -1);
-  EXPECT_EQ(m_file.Write(nullptr, 1), -1);
+  for (const std::uint32_t count : {0U, 1U}) {
+    EXPECT_EQ(m_file.Read(nullptr, count), -1);
+    EXPECT_EQ(m_file.Write(nullptr, count), -1);
+  }
 }
 
 TEST_F(CutFile, OpensTheNameWithoutTheBlanksAround) {
@@ -122,6 +128,17 @@ TEST_F(CutFile, ClosesTheOpenFileBeforeAnother) {
   EXPECT_TRUE(std::filesystem::remove(first));
 }
 
+TEST_F(CutFile, ClosesNoOthersFile) {
+  const std::string path = Make("a", "abc");
+  ASSERT_EQ(m_file.Open(path.c_str(), kFileReadAccess, kFileOpenExisting, 0), 0);
+  m_file.Close();
+  // It may have the handle that has just become free.
+  CUT_File other;
+  ASSERT_EQ(other.Open(path.c_str(), kFileReadAccess, kFileOpenExisting, 0), 0);
+  m_file.Close();
+  EXPECT_EQ(other.GetSize(), 3);
+}
+
 TEST_F(CutFile, CreatesTruncatesOrKeepsAsToldByTheDisposition) {
   const std::string path = m_folder.Path("a");
   ASSERT_EQ(m_file.Open(path.c_str(), kReadWrite, kFileOpenAlways, 0), 0);
@@ -152,6 +169,7 @@ TEST_F(CutFile, StaysWhereItIsWhenItCannotSeek) {
   EXPECT_EQ(m_file.Seek(-7, kSeekEnd), -1);
   EXPECT_EQ(m_file.Seek(INT32_MIN, kSeekEnd), -1);
   EXPECT_EQ(m_file.Seek(0, 3), -1);
+  EXPECT_EQ(m_file.Seek(5, 3), -1);
   EXPECT_EQ(m_file.Seek(0, 0xFFFFFFFF), -1);
   EXPECT_EQ(ReadText(1), "c");
 }
@@ -227,5 +245,41 @@ TEST_F(CutFile, ClosesItselfAtItsEnd) {
   EXPECT_TRUE(std::filesystem::remove(path));
   EXPECT_FALSE(FileExists(path));
 }
+
+#ifndef _WIN32
+// On Windows others can open, replace and remove the file only once it is closed.
+auto CountOpenFiles() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+TEST_F(CutFile, LeavesNothingOpen) {
+  const std::string path = Make("a", "abc");
+  const auto before = CountOpenFiles();
+  {
+    CUT_File file;
+    for (int i = 0; i < 2; ++i) {
+      ASSERT_EQ(file.Open(path.c_str(), kFileReadAccess, kFileOpenExisting, 0), 0);
+      EXPECT_EQ(CountOpenFiles(), before + 1);
+    }
+    EXPECT_EQ(file.Open(m_folder.Path("missing").c_str(), kFileReadAccess, kFileOpenExisting, 0), -1);
+    EXPECT_EQ(CountOpenFiles(), before);
+    ASSERT_EQ(file.Open(path.c_str(), kFileReadAccess, kFileOpenExisting, 0), 0);
+    file.Close();
+    EXPECT_EQ(CountOpenFiles(), before);
+    ASSERT_EQ(file.Open(path.c_str(), kFileReadAccess, kFileOpenExisting, 0), 0);
+  }
+  EXPECT_EQ(CountOpenFiles(), before);
+}
+
+TEST_F(CutFile, HasNeitherSizeNorPositionWhereTheSystemTellsNone) {
+  const std::string pipe = m_folder.Path("pipe");
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  ASSERT_EQ(m_file.Open(pipe.c_str(), kReadWrite, kFileOpenExisting, 0), 0);
+  EXPECT_EQ(m_file.GetSize(), -1);
+  for (const std::uint32_t origin : {kSeekBegin, kSeekCurrent, kSeekEnd}) {
+    EXPECT_EQ(m_file.Seek(0, origin), -1);
+  }
+}
+#endif
 
 }  // namespace

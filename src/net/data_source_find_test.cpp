@@ -65,6 +65,7 @@ TEST(Find, RespectsOrIgnoresLetterCase) {
   EXPECT_EQ(FindIn("xabcx", "ABC", 0, 0), 1);
   EXPECT_EQ(FindIn("xABCx", "aBc", 0, 0), 1);
   EXPECT_EQ(FindIn("xabcx", "ABC", 0, 1), -1);
+  EXPECT_EQ(FindIn("a-z.", "A-Z", 0, 0), 0);
   EXPECT_EQ(FindIn("x\xE9x.", "\xC9", 0, 0), -1);
 }
 
@@ -121,10 +122,27 @@ TEST(Find, RefusesTextsOfNothingOrTooMuch) {
 
 TEST(Find, RefusesStartsOutOfRange) {
   EXPECT_EQ(FindIn("abcd", "abc", -1), -1);
+  EXPECT_EQ(FindIn("abcd", "abc", -5), -1);
   EXPECT_EQ(FindIn("abcd", "abc", LONG_MIN), -1);
   EXPECT_EQ(FindIn("abcd", "abc", 4), -1);
   EXPECT_EQ(FindIn("abcd", "abc", 2147483647), -1);
   EXPECT_EQ(FindIn("abcd", "abc", LONG_MAX), -1);
+}
+
+// Holds the same text wherever it is read.
+class SameEverywhere : public TextSource {
+ public:
+  using TextSource::TextSource;
+  long Seek(long offset, int) override {
+    m_nPlace = 0;
+    return offset;
+  }
+};
+
+TEST(Find, FindsNothingAtAPositionWithoutANumber) {
+  SameEverywhere source("..abc.");
+  EXPECT_EQ(source.Find("abc", 2147483645, 1, 0), 2147483647);
+  EXPECT_EQ(source.Find("abc", 2147483646, 1, 0), -1);
 }
 
 TEST(Find, FailsWhenTheSourceDoes) {

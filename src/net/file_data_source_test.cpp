@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -156,8 +157,11 @@ TEST_F(FileDataSource, WritesALineEndUnlessThereIsOne) {
   EXPECT_EQ(source.WriteLine("abc\r\n"), 5);
   EXPECT_EQ(source.WriteLine(""), 0);
   EXPECT_EQ(source.WriteLine("a\nb"), 3);
+  EXPECT_EQ(source.WriteLine("\n"), 1);
+  const char* const justAfterALineEnd = "\n" + 1;
+  EXPECT_EQ(source.WriteLine(justAfterALineEnd), 0);
   source.Close();
-  EXPECT_EQ(ReadFile(m_strPath), "abc\r\nabc\nabc\rabc\r\n\r\na\nb\r\n");
+  EXPECT_EQ(ReadFile(m_strPath), "abc\r\nabc\nabc\rabc\r\n\r\na\nb\r\n\n\r\n");
 }
 
 TEST_F(FileDataSource, ReadsLinesWithTheirEnds) {
@@ -291,6 +295,15 @@ TEST_F(FileDataSource, SeeksFromWhatWasConsumed) {
   EXPECT_EQ(Line(source), "ird\r\n");
 }
 
+TEST_F(FileDataSource, SeeksFromASingleByteThatWasConsumedOrLeft) {
+  CUT_FileDataSource& oneLeft = Holding("ab\r\nc");
+  EXPECT_EQ(Line(oneLeft), "ab\r\n");
+  EXPECT_EQ(oneLeft.Seek(0, 1), 4);
+  CUT_FileDataSource& oneConsumed = Holding("abc");
+  EXPECT_EQ(Line(oneConsumed, 2), "a");
+  EXPECT_EQ(oneConsumed.Seek(0, 1), 1);
+}
+
 TEST_F(FileDataSource, SeeksFromBeginningAndEndWhateverWasConsumed) {
   CUT_FileDataSource& source = Holding("first\r\nsecond\r\nthird\r\n");
   EXPECT_EQ(Line(source), "first\r\n");
@@ -315,6 +328,9 @@ TEST_F(FileDataSource, RefusesToSeekWhereThereIsNothing) {
   EXPECT_EQ(source.Seek(-4, kSeekEnd), -1);
   EXPECT_EQ(source.Seek(0, 3), -1);
   EXPECT_EQ(source.Seek(0, -1), -1);
+  if (sizeof(long) > sizeof(std::int32_t)) {
+    EXPECT_EQ(source.Seek(LONG_MAX, 0), -1);
+  }
 }
 
 TEST_F(FileDataSource, HasNoNumberForPositionsBeyondTwoGiB) {

@@ -195,6 +195,13 @@ TEST(ReadReply, ToleratesAnythingBetweenTheLines) {
             Lines({"230-Hello", " 230 looks like the end", "", "331 other", "plain", "230-", "230", "230 "}));
 }
 
+TEST(ReadReply, TakesLinesThatEndWithALineFeedAlone) {
+  const Reply reply = Read("230-Hello\n\n230 in\n331 next");
+  EXPECT_EQ(reply.code, 230);
+  EXPECT_EQ(reply.lines, Lines({"230-Hello", "", "230 in"}));
+  EXPECT_EQ(reply.rest, "331 next");
+}
+
 TEST(ReadReply, IsZeroWhenNothingComes) {
   const Reply reply = Read("", {"earlier"});
   EXPECT_EQ(reply.code, 0);
@@ -205,6 +212,7 @@ TEST(ReadReply, IsZeroWhenNothingComes) {
 TEST(ReadReply, TakesWhatCameBeforeTheEnd) {
   EXPECT_EQ(Read("226").code, 226);
   EXPECT_EQ(Read("226 half a li").line, "226 half a li");
+  EXPECT_EQ(Read("226 " + std::string(300, 'x')).code, 226);
   const Reply reply = Read("230-Hello\r\nand nothing else\r\n");
   EXPECT_EQ(reply.code, 230);
   EXPECT_EQ(reply.line, "and nothing else");
@@ -212,7 +220,7 @@ TEST(ReadReply, TakesWhatCameBeforeTheEnd) {
 }
 
 TEST(ReadReply, KeepsTheBeginningOfALongLineAndStaysInStep) {
-  for (const size_t length : {250U, 253U, 254U, 255U, 256U, 257U, 258U, 600U, 10000000U}) {
+  for (const size_t length : {250U, 253U, 254U, 255U, 256U, 257U, 258U, 514U, 600U, 10000000U}) {
     const std::string line = "226 " + std::string(length, 'x');
     const Reply reply = Read(line + "\r\n331 next");
     EXPECT_EQ(reply.code, 226);
@@ -229,30 +237,54 @@ TEST(ReadReply, IsNotEndedByTheMiddleOfALongLine) {
   EXPECT_EQ(reply.rest, "331 next");
 }
 
-// Says the same line for ever.
-class EndlessSource : public ReplySource {
+constexpr int kForEver = -1;
+
+// Says one line, or piece of a line, some times before the next one.
+class RepeatingSource : public ReplySource {
  public:
-  explicit EndlessSource(std::string line) : m_strLine(std::move(line)) {}
+  using Said = std::pair<std::string, int>;
+  explicit RepeatingSource(std::vector<Said> says) : m_vSays(std::move(says)) {}
 
   int NextLine(char* buffer, size_t size) override {
-    const size_t count = std::min(m_strLine.size(), size - 1);
-    std::memcpy(buffer, m_strLine.data(), count);
+    while (m_nSaid < m_vSays.size() && m_vSays[m_nSaid].second == 0) ++m_nSaid;
+    if (m_nSaid == m_vSays.size()) return 0;
+    auto& [line, times] = m_vSays[m_nSaid];
+    if (times != kForEver) --times;
+    const size_t count = std::min(line.size(), size - 1);
+    std::memcpy(buffer, line.data(), count);
     buffer[count] = '\0';
     return static_cast<int>(count);
   }
 
  private:
-  std::string m_strLine;
+  std::vector<Said> m_vSays;
+  size_t m_nSaid = 0;
 };
 
-TEST(ReadReply, GivesUpAReplyWithoutEnd) {
-  for (const std::string& line : {std::string("220-again\r\n"), "220 " + std::string(256, 'x')}) {
-    EndlessSource source(line);
-    CUT_StringList lines;
-    char buffer[kFtpLineSize];
-    EXPECT_EQ(ReadReply(source, buffer, lines), 0);
-    EXPECT_LE(lines.GetCount(), kMaxReplyLines);
+int CodeOf(std::vector<RepeatingSource::Said> says) {
+  RepeatingSource source(std::move(says));
+  CUT_StringList lines;
+  char line[kFtpLineSize] = "what was there";
+  const int code = ReadReply(source, line, lines);
+  EXPECT_LE(lines.GetCount(), kMaxReplyLines);
+  if (lines.GetCount() == 0) {
+    EXPECT_STREQ(line, "");
   }
+  return code;
+}
+
+TEST(ReadReply, GivesUpAReplyOfTooManyLines) {
+  EXPECT_EQ(CodeOf({{"220-again\r\n", kForEver}}), 0);
+  EXPECT_EQ(CodeOf({{"220-again\r\n", kMaxReplyLines - 1}, {"220 now\r\n", 1}}), 220);
+  EXPECT_EQ(CodeOf({{"220-again\r\n", kMaxReplyLines}, {"220 now\r\n", 1}}), 0);
+}
+
+TEST(ReadReply, GivesUpALineOfTooManyPieces) {
+  const std::string piece = "220 " + std::string(256, 'x');
+  EXPECT_EQ(CodeOf({{piece, kForEver}}), 0);
+  EXPECT_EQ(CodeOf({{piece, kMaxReplyLines}, {"\r\n", 1}}), 220);
+  EXPECT_EQ(CodeOf({{piece, kMaxReplyLines + 1}, {"\r\n", 1}}), 0);
+  EXPECT_EQ(CodeOf({{"220-Hello\r\n", 1}, {piece, kForEver}}), 0);
 }
 
 TEST(ReadReply, EndsALineAtAZeroByte) {

@@ -27,7 +27,10 @@ class FakeSocket : public LineSocket {
     return !m_vPackets.empty();
   }
   int Peek(char* buffer, int count) override { return Move(buffer, count, false); }
-  int Take(char* buffer, int count) override { return Move(buffer, std::min(count, m_nMostTaken), true); }
+  int Take(char* buffer, int count) override {
+    if (m_nTakesLeft-- == 0) return -1;
+    return Move(buffer, std::min(count, m_nMostTaken), true);
+  }
 
   std::string Rest() const {
     std::string rest;
@@ -38,6 +41,7 @@ class FakeSocket : public LineSocket {
   int m_nAbortIn = -1;  // polls until the abort; negative: never
   int m_nAtEnd = 0;     // what reading tells when no packet is left
   int m_nMostTaken = 1 << 20;
+  int m_nTakesLeft = -1;  // negative: without limit
   std::vector<long> m_vWaits;
 
  private:
@@ -116,9 +120,11 @@ TEST(LineReader, KeepsZeroBytes) {
 }
 
 TEST(LineReader, WaitsBeforeEachPeekWhenSecondsAreGiven) {
-  FakeSocket socket{"ab", "c\n"};
-  EXPECT_EQ(Read(socket, 100, 30), "abc\n");
-  EXPECT_EQ(socket.m_vWaits, std::vector<long>({30, 30}));
+  for (const long seconds : {1L, 30L}) {
+    FakeSocket socket{"ab", "c\n"};
+    EXPECT_EQ(Read(socket, 100, seconds), "abc\n");
+    EXPECT_EQ(socket.m_vWaits, std::vector<long>({seconds, seconds}));
+  }
 }
 
 TEST(LineReader, DoesNotWaitOtherwise) {
@@ -143,6 +149,12 @@ TEST(LineReader, ReturnsWhatCameBeforeTheEndOrAFailure) {
     EXPECT_EQ(Read(socket), "half a li");
     EXPECT_EQ(Read(socket), "");
   }
+}
+
+TEST(LineReader, ReturnsWhatCameBeforeWhatCannotBeTaken) {
+  FakeSocket socket{"half a ", "line\n"};
+  socket.m_nTakesLeft = 1;
+  EXPECT_EQ(Read(socket), "half a ");
 }
 
 TEST(LineReader, IsAbortedBetweenPackets) {

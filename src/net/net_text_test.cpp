@@ -73,6 +73,9 @@ TEST(FormatCommand, RefusesMoreThan260Characters) {
   EXPECT_TRUE(FormatCommand(buffer, "PORT %s,%d,%d\r\n", "127,0,0,1", 39, 16));
   EXPECT_STREQ(buffer, "PORT 127,0,0,1,39,16\r\n");
 
+  EXPECT_TRUE(FormatCommand(buffer, "%s", ""));
+  EXPECT_STREQ(buffer, "");
+
   const std::string fits(260 - std::strlen("CWD \r\n"), 'n');
   EXPECT_TRUE(FormatCommand(buffer, "CWD %s\r\n", fits.c_str()));
   EXPECT_EQ(buffer, "CWD " + fits + "\r\n");
