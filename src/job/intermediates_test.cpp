@@ -1,6 +1,9 @@
 #include "job/intermediates.h"
 
+#include <cpl_error.h>
 #include <gtest/gtest.h>
+
+#include <tuple>
 
 namespace {
 
@@ -46,6 +49,12 @@ TEST(Translations, AreKnownWhateverTheLettersOfTheName) {
   EXPECT_TRUE(IsTranslationOf(MakeData(), Translation(FourPoints(), Source("B\xC3\xA4UME &amp; co.TIF"))));
 }
 
+TEST(Translations, AreKnownInWhicheverCodeTheNameIsWritten) {
+  CTifData data = MakeData();
+  data.m_strFileName = "D:\\in\\Az\x80.tif";
+  EXPECT_TRUE(IsTranslationOf(data, Translation(FourPoints(), Source("aZ\xE2\x82\xAC.TIF"))));
+}
+
 TEST(Translations, OfOtherFilesAreNotOurs) {
   for (const std::string& bands :
        {std::string(), Source("other.tif"), Source(kName) + Source("other.tif"), Source(kName, "0"),
@@ -60,8 +69,19 @@ TEST(Translations, AreTiedAtTheFourCornersOnly) {
        {std::string(), points + Point("5", "5"), Point("0", "0") + Point("0", "20") + Point("10", "0"),
         Point("0", "0") + Point("0", "20") + Point("10", "0") + Point("9", "20"),
         Point("0", "0") + Point("0", "20") + Point("10", "0") + Point("10", "x"),
-        Point("0", "0") + Point("0", "20") + Point("10", "0") + "<GCP/>"}) {
+        Point("0", "0") + Point("0", "20") + Point("10", "0") + "<GCP/>",
+        "<GCP Line=\"0\"/>" + Point("0", "20") + Point("10", "0") + Point("10", "20"),
+        "<GCP Pixel=\"0\"/>" + Point("0", "20") + Point("10", "0") + Point("10", "20"),
+        Point("9", "9") + Point("0", "20") + Point("10", "0") + Point("10", "20")}) {
     EXPECT_FALSE(IsTranslationOf(MakeData(), Translation(other, Source(kName)))) << other;
+  }
+}
+
+TEST(Translations, AreTiedWithinHalfAPixel) {
+  const std::string others = Point("0", "20") + Point("10", "0") + Point("10", "20");
+  for (const auto& [pixel, line, isOurs] :
+       {std::tuple("0.5", "0.5", true), std::tuple("0.51", "0", false), std::tuple("0", "0.51", false)}) {
+    EXPECT_EQ(IsTranslationOf(MakeData(), Translation(Point(pixel, line) + others, Source(kName))), isOurs);
   }
 }
 
@@ -70,6 +90,14 @@ TEST(Warps, AreKnownByTheirSource) {
   EXPECT_FALSE(IsWarpOf("D:\\in\\a.vrt", Warp("a2.vrt")));
   EXPECT_FALSE(IsWarpOf("D:\\in\\a.vrt", Warp("")));
   EXPECT_FALSE(IsWarpOf("D:\\in\\a.tif", Translation(FourPoints(), Source("a.tif"))));
+}
+
+TEST(Intermediates, ThatCannotBeReadAreNothingToTell) {
+  static int errors = 0;
+  CPLPushErrorHandler([](CPLErr, CPLErrorNum, const char*) { ++errors; });
+  EXPECT_FALSE(IsTranslationOf(MakeData(), "<VRTDataset><GCPList></VRTDataset>"));
+  CPLPopErrorHandler();
+  EXPECT_EQ(errors, 0);
 }
 
 TEST(Intermediates, AreVirtualRasters) {

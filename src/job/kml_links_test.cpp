@@ -10,6 +10,8 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <filesystem>
+#include <iterator>
 #endif
 
 #include "support/temporary_folder.h"
@@ -128,6 +130,14 @@ TEST_F(KmlLinks, LeavesTheTemporaryFileWhenTheInputIsMissing) {
   EXPECT_FALSE(FileExists(m_folder.Path("none.kml")));
 }
 
+TEST_F(KmlLinks, CountsTheTemporaryFilesThatAreThere) {
+  WriteFile(m_folder.Path("temp_web.kml"), "the user's own");
+  for (const char* name : {"temp_web2.kml", "temp_web3.kml"}) {
+    EXPECT_EQ(RewriteKmlLinks(m_folder.Path("none.kml"), "u", ""), 0);
+    EXPECT_TRUE(FileExists(m_folder.Path(name))) << name;
+  }
+}
+
 TEST_F(KmlLinks, RefusesWhenTheTemporaryFileCannotBeMade) {
   EXPECT_EQ(RewriteKmlLinks(m_folder.Path("no folder") + "/web.kml", "u", ""), 0);
 }
@@ -191,6 +201,18 @@ TEST_F(KmlLinks, KeepsTheFileWhenTheDiskIsFull) {
   }
   EXPECT_EQ(ReadFile(path), std::string(100000, 'x'));
   EXPECT_FALSE(FileExists(m_folder.Path("temp_web.kml")));
+}
+
+TEST_F(KmlLinks, LeavesNothingOpen) {
+  const auto countOpenFiles = [] {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+  };
+  WriteFile(m_folder.Path("temp_web.kml"), "the user's own");
+  WriteFile(m_folder.Path("web.kml"), kLink);
+  const auto before = countOpenFiles();
+  EXPECT_EQ(RewriteKmlLinks(m_folder.Path("web.kml"), "u", ""), 1);
+  EXPECT_EQ(RewriteKmlLinks(m_folder.Path("none.kml"), "u", ""), 0);
+  EXPECT_EQ(countOpenFiles(), before);
 }
 
 TEST_F(KmlLinks, LeavesWhatCannotBeRead) {

@@ -27,6 +27,7 @@ TEST(ProgressChunk, TakesTheSecondFieldAsAFraction) {
       {"Progress 0.25 done\nProgress 0.26 done\n", 25},
       {" 0.5 x", 50},
       {"x  0.5 y", 0},  // the second field is empty
+      {"Progress  0.5 y", 0},
       {"x 1.5 y", 150},
       {"x -0.5 y", -50},
       {"x abc y", 0},
