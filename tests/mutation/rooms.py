@@ -33,6 +33,7 @@ ROOMS = {
         "job_text_test": ["bounded_text.cpp", "command_lines.cpp", "kml_links.cpp", "progress_record.cpp"],
         "job_core_test": [
             "batch_driver.cpp",
+            "finishing_steps.cpp",
             "intermediates.cpp",
             "job_settings.cpp",
             "partial_files.cpp",
