@@ -24,6 +24,11 @@ bool IsSeparator(char c) {
   return c == '/' || c == '\\';
 }
 
+bool IsBelow(const std::string& path, const std::string& folder) {
+  if (path.size() <= folder.size() || !path.starts_with(folder)) return false;
+  return IsSeparator(folder.back()) || IsSeparator(path[folder.size()]);
+}
+
 }  // namespace
 
 void RemoteRemoval::RemoveContents(const std::string& name) {
@@ -94,7 +99,12 @@ void RemoteRemoval::EmptyFolder(const std::string& name, std::string& place) {
   if (m_nDepth == kDeepest) return GiveUp("too many folders in each other: " + name);
   if (place.empty() && (m_server.CurrentFolder(place) != kNetSuccess || place.empty())) return;
   if (m_server.ChangeFolder(name) != kNetSuccess) return;
-  if (!IsBelow(place)) {
+  std::string now;
+  const bool isTold = m_server.CurrentFolder(now) == kNetSuccess;
+  // Either this is a link to where it stood, or the server tells the same wherever it stands. Then the way
+  // to the place that it tells could lead out of the folder; where it stands now is in there.
+  if (isTold && now == place) return;
+  if (!isTold || !IsBelow(now, place)) {
     if (m_server.ChangeFolder(place) != kNetSuccess || !IsAt(place)) GiveUp("cannot go back to " + place);
     return;
   }
@@ -111,13 +121,6 @@ void RemoteRemoval::EmptyFolder(const std::string& name, std::string& place) {
 bool RemoteRemoval::IsAt(const std::string& place) {
   std::string now;
   return m_server.CurrentFolder(now) == kNetSuccess && now == place;
-}
-
-bool RemoteRemoval::IsBelow(const std::string& place) {
-  std::string now;
-  if (m_server.CurrentFolder(now) != kNetSuccess || now.size() <= place.size() || !now.starts_with(place))
-    return false;
-  return IsSeparator(place.back()) || IsSeparator(now[place.size()]);
 }
 
 void RemoteRemoval::PassOver(const std::string& path) {

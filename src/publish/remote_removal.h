@@ -48,7 +48,6 @@ class RemoteRemoval {
   bool RemoveFolder(const std::string& name, std::string& place);
   void EmptyFolder(const std::string& name, std::string& place);
   bool IsAt(const std::string& place);
-  bool IsBelow(const std::string& place);
   void PassOver(const std::string& path);
   void GiveUp(const std::string& status);
 

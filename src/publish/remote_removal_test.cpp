@@ -203,6 +203,21 @@ TEST_F(RemoteRemovalTest, GoesIntoNoCircleWhereFoldersAreWrittenWithASlash) {
   EXPECT_EQ(server.Paths(), (Lines{"/x/", "/x/link"}));
 }
 
+TEST_F(RemoteRemovalTest, TouchesNothingOutsideWhereTheServerTellsTheSamePlaceEverywhere) {
+  ServerWithOwnWords server;
+  server.inOwnWords = [](const std::string&) { return "/"; };
+  server.AddFile("/precious");
+  server.AddFolder("/other");
+  server.AddFile("/x/a/b");
+  server.AddFile("/x/c");
+  RemoteRemoval removal(server, m_host);
+  removal.RemoveContents("x");
+  const Lines left = server.Paths();
+  for (const char* path : {"/precious", "/other/"}) {
+    EXPECT_EQ(std::count(left.begin(), left.end(), path), 1) << path;
+  }
+}
+
 // --- What the server refuses -----------------------------------------------------------------
 
 TEST_F(RemoteRemovalTest, PassesOverWhatIsRefused) {
