@@ -3,6 +3,8 @@ add_library(mosaicon_options INTERFACE)
 target_compile_features(mosaicon_options INTERFACE cxx_std_20)
 target_include_directories(mosaicon_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(mosaicon_options INTERFACE -Wall -Wextra -Werror)
+# An index that is out of range ends the program there and then.
+target_compile_definitions(mosaicon_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # GCC 12 warns about every "literal" + std::string when it optimises (its bug 105651).
   target_compile_options(mosaicon_options INTERFACE -Wno-restrict)
