@@ -160,7 +160,7 @@ TEST_F(Server, LosesALinkButNotWhatItPointsTo) {
   ASSERT_TRUE(MakeLink("../../" + RemoteName("kept"), RemoteName() + "/sub/link"));
   ASSERT_TRUE(MakeLink("../" + RemoteName("kept") + "/file", RemoteName() + "/file_link"));
   for (const char* link : {"\\link\\file", "\\sub\\link\\file", "\\file_link"}) {
-    ASSERT_TRUE(PathExists(Remote(RemoteName() + link))) << link;
+    ASSERT_TRUE(WaitUntil([&] { return PathExists(Remote(RemoteName() + link)); })) << link;
   }
   ASSERT_TRUE(OpenUpload(Path()));
   ASSERT_TRUE(Connect(ServerLogin()));
