@@ -1,4 +1,4 @@
-"""Whether the rooms of the sources include one another only downwards, as docs/architecture.md has it."""
+"""Whether the sources hang together as docs/architecture.md has it: who includes whom."""
 
 import pathlib
 import re
@@ -6,6 +6,7 @@ import unittest
 
 SOURCES = pathlib.Path(__file__).resolve().parents[2] / "src"
 INCLUDE = re.compile(r'^\s*#\s*include "(\w+)/([^"]+)"', re.MULTILINE)
+FIRST_INCLUDE = re.compile(r'^\s*#\s*include ["<]([^">]+)[">]', re.MULTILINE)
 
 # What each room may include besides itself. Nothing stands in both directions.
 ROOMS = {
@@ -82,6 +83,15 @@ class Layers(unittest.TestCase):
                 self.assertNotRegex(
                     path.read_text(encoding="utf-8"), r"#\s*include <(windows|winsock2?|ws2\w+)\.h>"
                 )
+
+    def test_each_source_includes_its_own_header_first(self):
+        """So that a header that needs another one before it does not compile."""
+        for path in source_files():
+            if path.suffix != ".cpp" or not path.with_suffix(".h").exists():
+                continue
+            with self.subTest(file=str(path.relative_to(SOURCES))):
+                first = FIRST_INCLUDE.search(path.read_text(encoding="utf-8"))
+                self.assertEqual(pathlib.PurePath(first[1]).name, path.with_suffix(".h").name)
 
 
 if __name__ == "__main__":
