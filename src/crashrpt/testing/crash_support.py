@@ -64,8 +64,13 @@ def wait_until(condition, seconds=PATIENCE):
     return True
 
 
-def command(program, *arguments):
-    return [*(["wine"] if UNDER_WINE else []), windows_path(PROGRAMS / program), *map(str, arguments)]
+def command(program, *arguments, starter=()):
+    return [
+        *(["wine"] if UNDER_WINE else []),
+        *starter,
+        windows_path(PROGRAMS / program),
+        *map(str, arguments),
+    ]
 
 
 class Dump:
@@ -152,13 +157,13 @@ class CrashTest(unittest.TestCase):
 
     # Running
 
-    def start(self, program, *arguments):
+    def start(self, program, *arguments, starter=()):
         """Its output goes into files: a sender that outlives it would hold a pipe open."""
         output = self.folder / f"output-{len(self.started)}"
         errors = self.folder / f"errors-{len(self.started)}"
         with open(output, "wb") as output_file, open(errors, "wb") as errors_file:
             process = subprocess.Popen(
-                command(program, *arguments),
+                command(program, *arguments, starter=starter),
                 stdin=subprocess.DEVNULL,
                 stdout=output_file,
                 stderr=errors_file,
@@ -168,10 +173,11 @@ class CrashTest(unittest.TestCase):
         self.started.append(process)
         return process
 
-    def start_crasher(self, crash, *options):
+    def start_crasher(self, crash, *options, starter=()):
         if self.short_dumps:
             options = ("--debug-help=" + windows_path(PROGRAMS / "crashrpt_short_dump.dll"), *options)
-        return self.start("crashrpt_crasher.exe", crash, "--folder=" + windows_path(self.reports), *options)
+        folder = "--folder=" + windows_path(self.reports)
+        return self.start("crashrpt_crasher.exe", crash, folder, *options, starter=starter)
 
     def lines_of(self, process):
         return process.output.read_text("cp1252").splitlines()
