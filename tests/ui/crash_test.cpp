@@ -74,7 +74,8 @@ class CrashOfEveryKind : public Crash, public testing::WithParamInterface<int> {
   static void TearDownTestSuite() {
     Crash::TearDownTestSuite();
     Override("builtin");
-    EXPECT_TRUE(DeleteFileA(SystemDll().c_str()));
+    // The last program that has written a report may still be ending.
+    EXPECT_TRUE(WaitUntil([] { return DeleteFileA(SystemDll().c_str()) != FALSE; }));
     EXPECT_TRUE(MoveFileA((SystemDll() + ".own").c_str(), SystemDll().c_str()));
   }
 
