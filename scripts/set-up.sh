@@ -63,6 +63,8 @@ set_up_wine() {
       timeout 60 wineserver -w || true
       touch "$WINEPREFIX/complete"
     fi
+    # The signs on caption buttons are letters of this font, which Wine does not find by itself.
+    ln -sf /usr/share/wine/fonts/marlett.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
   ) 9> "$cache/wine.lock"
 }
 
