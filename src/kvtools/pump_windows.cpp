@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include "kvtools/dialog_message.h"
 #include "kvtools/kvtools.h"
 
 namespace {
@@ -26,7 +27,7 @@ bool IsDialog(HWND window) {
 void Dispatch(MSG& message) {
   // Tab, Enter, Escape and access keys work in a dialog while its thread is busy pumping.
   const HWND root = message.hwnd != nullptr ? GetAncestor(message.hwnd, GA_ROOT) : nullptr;
-  if (root != nullptr && IsDialog(root) && IsDialogMessageA(root, &message)) return;
+  if (root != nullptr && IsDialog(root) && TranslateDialogMessage(root, message)) return;
   TranslateMessage(&message);
   DispatchMessageA(&message);
 }

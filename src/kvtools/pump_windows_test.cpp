@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 #include "kvtools/kvtools.h"
+#include "kvtools/testing/key_taker.h"
 
 namespace {
 
@@ -88,9 +90,9 @@ DWORD WINAPI SendFromOtherThread(LPVOID window) {
 TEST_F(Pump, LetsMessagesSentByOtherThreadsThrough) {
   HANDLE thread = CreateThread(nullptr, 0, SendFromOtherThread, m_hWindow, 0, nullptr);
   ASSERT_NE(thread, nullptr);
-  for (int i = 0; i < 500 && g_nCounted == 0; ++i) KVT_PumpMessages();
+  for (int i = 0; i < 12000 && g_nCounted == 0; ++i) KVT_PumpMessages();
   EXPECT_EQ(g_nCounted, 1);
-  EXPECT_EQ(WaitForSingleObject(thread, 5000), WAIT_OBJECT_0);
+  EXPECT_EQ(WaitForSingleObject(thread, 120000), WAIT_OBJECT_0);
   CloseHandle(thread);
 }
 
@@ -128,6 +130,25 @@ int PumpDialog::g_nCancelled = 0;
 TEST_F(PumpDialog, LetsTheKeyboardWorkInADialog) {
   PostMessageA(m_hDialog, WM_KEYDOWN, VK_ESCAPE, 0);
   KVT_PumpMessages();
+  EXPECT_EQ(g_nCancelled, 1);
+}
+
+TEST_F(PumpDialog, LetsAControlTakeTheKeysThatItAsksFor) {
+  KeyTaker taker(m_hDialog);
+  ASSERT_NE(taker.Part(), nullptr);
+  taker.taken = VK_ESCAPE;
+  PostMessageA(taker.Part(), WM_KEYDOWN, VK_ESCAPE, 0);
+  KVT_PumpMessages();
+  EXPECT_EQ(taker.keys, std::vector<WPARAM>{VK_ESCAPE});
+  EXPECT_EQ(g_nCancelled, 0);
+}
+
+TEST_F(PumpDialog, HasTheKeysThatNoControlTakes) {
+  KeyTaker taker(m_hDialog);
+  taker.taken = VK_TAB;
+  PostMessageA(taker.Part(), WM_KEYDOWN, VK_ESCAPE, 0);
+  KVT_PumpMessages();
+  EXPECT_EQ(taker.keys, std::vector<WPARAM>{VK_ESCAPE});
   EXPECT_EQ(g_nCancelled, 1);
 }
 

@@ -1,5 +1,6 @@
 #include "mfc/dialog.h"
 
+#include "kvtools/dialog_message.h"
 #include "mfc/app.h"
 
 namespace {
@@ -76,7 +77,7 @@ void CDialog::RunModalLoop() {
       PostQuitMessage(static_cast<int>(message.wParam));
       return;
     }
-    if (m_hWnd != nullptr && IsDialogMessageA(m_hWnd, &message)) continue;
+    if (m_hWnd != nullptr && TranslateDialogMessage(m_hWnd, message)) continue;
     TranslateMessage(&message);
     DispatchMessageA(&message);
   }

@@ -4,8 +4,10 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <thread>
 
+#include "kvtools/testing/key_taker.h"
 #include "mfc/app.h"
 #include "mfc/testing/dialogs.h"
 #include "mfc/testing/ui_driver.h"
@@ -80,6 +82,19 @@ TEST_F(Dialog, ItsControlsReachItsMessageMap) {
   EXPECT_EQ(dialog.checks, 1);
 }
 
+TEST_F(Dialog, LetsAControlTakeTheKeysThatItAsksFor) {
+  std::unique_ptr<KeyTaker> taker;
+  UiDriver driver({[&] {
+                     if (!Shown()) return false;
+                     taker = std::make_unique<KeyTaker>(dialog.GetSafeHwnd());
+                     taker->taken = VK_ESCAPE;
+                     return PostKey(taker->Part(), VK_ESCAPE);
+                   },
+                   [&] { return !taker->keys.empty() && PostKey(taker->Part(), VK_RETURN); }});
+  EXPECT_EQ(dialog.DoModal(), IDOK);
+  EXPECT_EQ(taker->keys, (std::vector<WPARAM>{VK_ESCAPE, VK_RETURN}));
+}
+
 TEST_F(Dialog, AMissingTemplateGivesMinusOneAndEnablesTheOwner) {
   UiDriver driver({[&] {
     if (!Shown()) return false;
@@ -122,7 +137,7 @@ TEST_F(Dialog, EndsWhenAnotherThreadHasItDestroyed) {
       // Until the dialog has nothing left to do.
       Sleep(300);
       SendMessageA(window, kDestroyMessage, 0, 0);
-      for (int i = 0; i < 200 && !ended; ++i) Sleep(10);
+      for (int i = 0; i < 12000 && !ended; ++i) Sleep(10);
       hung = !ended;
       if (hung) PostThreadMessageA(thread, WM_NULL, 0, 0);
     });

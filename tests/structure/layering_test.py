@@ -12,7 +12,7 @@ FIRST_INCLUDE = re.compile(r'^\s*#\s*include ["<]([^">]+)[">]', re.MULTILINE)
 ROOMS = {
     "files": set(),
     "kvtools": {"files"},
-    "mfc": {"files"},
+    "mfc": {"files", "kvtools"},
     "net": set(),
     "crashrpt": {"files"},
     "progress": {"kvtools", "mfc"},
