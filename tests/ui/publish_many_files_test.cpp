@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "ui/publish_fixture.h"
+#include "ui/slowness.h"
 
 namespace {
 
@@ -18,7 +19,7 @@ constexpr size_t kLargest = 4096;          // bytes
 constexpr DWORD kUploadPatience = 240000;  // ms
 constexpr DWORD kInterval = 50;            // ms
 constexpr DWORD kLimit = 10000;            // ms
-constexpr double kPromptly = 100;          // ms
+constexpr double kPromptly = 100;          // ms, where nothing else runs
 // The server and other programs share the processors: a turn of the window may come late by the
 // scheduler's doing. What the window itself did for too long would come again and again.
 constexpr double kLateShare = 0.01;
@@ -70,11 +71,12 @@ TEST_F(ManyFiles, ArriveWhileTheWindowAnswers) {
   EXPECT_EQ(Differences(ReadTree(Remote("tiles")), tiles), Strings());
 
   const auto count = static_cast<double>(times.size());
-  const auto late = std::count_if(times.begin(), times.end(), [](double time) { return time > kPromptly; });
-  std::printf("%d files in %.1f s; answers: %.1f ms on average, %.1f ms at most, %d of %d late\n", kFiles,
-              seconds, std::accumulate(times.begin(), times.end(), 0.0) / count,
+  const double promptly = kPromptly * Slowness();
+  const auto late = std::count_if(times.begin(), times.end(), [&](double time) { return time > promptly; });
+  std::printf("%d files in %.1f s; answers: %.1f ms on average, %.1f ms at most, %d of %d above %.0f\n",
+              kFiles, seconds, std::accumulate(times.begin(), times.end(), 0.0) / count,
               *std::max_element(times.begin(), times.end()), static_cast<int>(late),
-              static_cast<int>(times.size()));
+              static_cast<int>(times.size()), promptly);
   EXPECT_GE(count, 100) << "too few to tell";
   EXPECT_LE(static_cast<double>(late), kLateShare * count);
 }

@@ -4,13 +4,14 @@
 #include <numeric>
 
 #include "ui/mosaicon_fixture.h"
+#include "ui/slowness.h"
 
 namespace {
 
 constexpr DWORD kInterval = 50;    // ms
 constexpr DWORD kLimit = 10000;    // ms
 constexpr int kQuestions = 60;     // per situation
-constexpr double kPromptly = 100;  // ms
+constexpr double kPromptly = 100;  // ms, where nothing else runs
 // The tiling script keeps every processor busy, and so may other programs: a turn of the window may come
 // late by the scheduler's doing. What the window itself did for too long would come again and again.
 constexpr int kLateOnes = 2;
@@ -44,11 +45,12 @@ class Responsiveness : public MosaiconTest {
       Sleep(kInterval);
     }
     EXPECT_TRUE(IsWorking()) << "the job was over too soon";
-    const auto late = std::count_if(times.begin(), times.end(), [](double time) { return time > kPromptly; });
+    const double promptly = kPromptly * Slowness();
+    const auto late = std::count_if(times.begin(), times.end(), [&](double time) { return time > promptly; });
     EXPECT_LE(late, kLateOnes);
-    std::printf("%s: %.1f ms on average, %.1f ms at most, %d of %d late\n", situation,
+    std::printf("%s: %.1f ms on average, %.1f ms at most, %d of %d above %.0f\n", situation,
                 std::accumulate(times.begin(), times.end(), 0.0) / kQuestions,
-                *std::max_element(times.begin(), times.end()), static_cast<int>(late), kQuestions);
+                *std::max_element(times.begin(), times.end()), static_cast<int>(late), kQuestions, promptly);
   }
 };
 

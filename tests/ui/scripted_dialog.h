@@ -14,8 +14,9 @@ using Script = ScriptedServer::Script;
 using Strings = std::vector<std::string>;
 
 inline constexpr UINT_PTR kKeepAliveTimer = 100;
-inline constexpr DWORD kPromptly = 2000;  // ms
-inline constexpr DWORD kSoon = 15000;     // ms; the timer, the gate and replies take longer
+// In ms. What is not to be waited for takes 30 seconds and more, or for ever.
+inline constexpr DWORD kPromptly = 10000;
+inline constexpr DWORD kSoon = 25000;
 
 inline Script LoggingIn(const std::string& type = "I") {
   return {Say("220 ready"),  Expect("USER ann"), Say("331 whose?"), Expect("PASS secret"),
@@ -66,7 +67,7 @@ class ScriptedDialog : public PublishTest {
   ScriptedServer::Step Gate() {
     return [this](ScriptedServer::Stage&) {
       m_bAtGate = true;
-      for (int i = 0; i < 2000 && !m_bGo; ++i) Sleep(10);
+      for (int i = 0; i < 12000 && !m_bGo; ++i) Sleep(10);
       return m_bGo.load();
     };
   }

@@ -3,7 +3,7 @@
 namespace {
 
 constexpr DWORD kInterval = 10;     // ms
-constexpr UINT kSendLimit = 10000;  // ms
+constexpr UINT kSendLimit = 60000;  // ms
 constexpr DWORD kKillLimit = 5000;  // ms
 constexpr UINT kKilledExitCode = 250;
 constexpr LPARAM kKeyDown = 1;

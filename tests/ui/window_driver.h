@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-inline constexpr DWORD kPatience = 30000;  // ms
+inline constexpr DWORD kPatience = 180000;  // ms
 
 // Whether condition came true within patience milliseconds.
 bool WaitUntil(const std::function<bool()>& condition, DWORD patience = kPatience);
