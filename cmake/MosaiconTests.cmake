@@ -61,7 +61,7 @@ function(mosaicon_add_test name label)
     set(command ${MOSAICON_IN_OWN_PREFIX} "$<TARGET_FILE:${name}>")
   endif()
   mosaicon_add_entries(${name} "${arg_SHARDS}" COMMAND ${command})
-  set_tests_properties(${mosaicon_entries} PROPERTIES LABELS ${label} TIMEOUT 300)
+  set_tests_properties(${mosaicon_entries} PROPERTIES LABELS ${label} TIMEOUT 1500)
 endfunction()
 
 # mosaicon_add_entries(NAME SHARDS COMMAND ...): the CTest entries of a GoogleTest program, with the
@@ -104,6 +104,6 @@ function(mosaicon_add_fuzz_target name)
   file(MAKE_DIRECTORY ${folder})
   add_test(NAME ${name}_fuzz COMMAND ${name}_fuzz ${PROJECT_SOURCE_DIR}/tests/fuzz/${name}
     WORKING_DIRECTORY ${folder})
-  set_tests_properties(${name}_fuzz PROPERTIES LABELS core TIMEOUT 300
+  set_tests_properties(${name}_fuzz PROPERTIES LABELS core TIMEOUT 1500
     ENVIRONMENT "${mosaicon_test_environment}")
 endfunction()

@@ -30,7 +30,7 @@ class Retry(CrashTest):
         """Starts it and sees it end: neither must wait for anything."""
         code, (milliseconds, _) = self.end_of(self.start_crasher("start", "--url=" + url, *options))
         self.assertEqual(code, 0)
-        self.assertLess(int(milliseconds), 1000)
+        self.assertLess(int(milliseconds), 10000, "the silent server is given more")
 
     def test_pending_reports_are_sent_oldest_first(self):
         server = Server(self)

@@ -14,7 +14,7 @@ class Child : public ToolFixture {
   }
   DWORD WaitForExitCode() {
     DWORD code = 0;
-    EXPECT_EQ(WaitForSingleObject(m_child.Process(), 20000), WAIT_OBJECT_0);
+    EXPECT_EQ(WaitForSingleObject(m_child.Process(), 120000), WAIT_OBJECT_0);
     GetExitCodeProcess(m_child.Process(), &code);
     return code;
   }
@@ -55,12 +55,12 @@ TEST_F(Child, RefusesACommandLineBeyondItsBuffer) {
 }
 
 TEST_F(Child, IsKilledWithExitCodeNine) {
-  ASSERT_TRUE(Start(" sleep:60000"));
+  ASSERT_TRUE(Start(" sleep:600000"));
   HANDLE process = nullptr;
   ASSERT_TRUE(DuplicateHandle(GetCurrentProcess(), m_child.Process(), GetCurrentProcess(), &process, 0, FALSE,
                               DUPLICATE_SAME_ACCESS));
   m_child.Terminate();
-  EXPECT_EQ(WaitForSingleObject(process, 10000), WAIT_OBJECT_0);
+  EXPECT_EQ(WaitForSingleObject(process, 120000), WAIT_OBJECT_0);
   DWORD code = 0;
   GetExitCodeProcess(process, &code);
   EXPECT_EQ(code, 9U);
@@ -69,8 +69,8 @@ TEST_F(Child, IsKilledWithExitCodeNine) {
 
 TEST_F(Child, TakesItsOwnChildrenAlong) {
   const std::string started = m_folder.Path("started");
-  ASSERT_TRUE(Start(" child:60000 touch:" + started + " sleep:60000"));
-  for (int i = 0; i < 1000 && !FileExists(started); ++i) Sleep(10);
+  ASSERT_TRUE(Start(" child:600000 touch:" + started + " sleep:600000"));
+  for (int i = 0; i < 12000 && !FileExists(started); ++i) Sleep(10);
   EXPECT_EQ(WaitForTools(2), 2);
   m_child.Terminate();
   EXPECT_EQ(WaitForTools(0), 0);

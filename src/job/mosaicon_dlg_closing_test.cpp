@@ -14,9 +14,9 @@
 
 namespace {
 
-constexpr ULONGLONG kPatience = 90000;  // ms
-constexpr DWORD kLongTool = 600000;     // ms
-constexpr DWORD kShortTool = 1000;      // ms
+constexpr ULONGLONG kPatience = 400000;  // ms
+constexpr DWORD kLongTool = 600000;      // ms
+constexpr DWORD kShortTool = 1000;       // ms
 constexpr UINT kBusyMessage = WM_APP + 100;
 
 // Of a job. Some are a box that waits for its answer, others work that takes its time.

@@ -59,7 +59,7 @@ class ToolItems : public ToolFixture {
   void RunTiles(const std::string& commandLine, CWnd* progress, DWORD turn = kTurn) {
     Insert(commandLine, progress, turn);
     Wait(g_pTilesJob);
-    for (int i = 0; i < 1000 && m_trace.destroyed == 0; ++i) Sleep(10);
+    for (int i = 0; i < 12000 && m_trace.destroyed == 0; ++i) Sleep(10);
     EXPECT_EQ(m_trace.destroyed, 1);
   }
 
@@ -97,7 +97,7 @@ TEST_F(ToolItems, ReadNothingWithoutAProgressBar) {
   std::string commandLine = " touch:" + m_folder.Path("begun");
   for (int i = 0; i < 12; ++i) commandLine += " say:" + std::string(1000, 'x');
   Insert(commandLine + " touch:" + m_folder.Path("ended"), nullptr);
-  for (int i = 0; i < 1000 && !FileExists(m_folder.Path("begun")); ++i) Sleep(10);
+  for (int i = 0; i < 12000 && !FileExists(m_folder.Path("begun")); ++i) Sleep(10);
   Sleep(1000);
   EXPECT_TRUE(FileExists(m_folder.Path("begun")));
   EXPECT_FALSE(FileExists(m_folder.Path("ended")));
@@ -135,7 +135,7 @@ TEST_F(ToolItems, EndAtOnceWithoutAnInterpreter) {
 }
 
 TEST_F(ToolItems, KillATalkingScriptWithinOneTurn) {
-  Insert(" say:x_0.1_y sleep:3000 say:x_0.2_y sleep:3000 say:x_0.3_y sleep:3000 say:x_0.4_y sleep:60000",
+  Insert(" say:x_0.1_y sleep:3000 say:x_0.2_y sleep:3000 say:x_0.3_y sleep:3000 say:x_0.4_y sleep:600000",
          &m_window);
   ASSERT_EQ(WaitForTools(1), 1);
   AbortItem(g_pTilesJob);
@@ -144,7 +144,7 @@ TEST_F(ToolItems, KillATalkingScriptWithinOneTurn) {
 }
 
 TEST_F(ToolItems, WaitForTheNextOutputOfASilentScript) {
-  Insert(" sleep:4000 say:x_0.5_y sleep:60000", &m_window);
+  Insert(" sleep:4000 say:x_0.5_y sleep:600000", &m_window);
   ASSERT_EQ(WaitForTools(1), 1);
   AbortItem(g_pTilesJob);
   const ULONGLONG waited = Wait(g_pTilesJob);
@@ -154,12 +154,12 @@ TEST_F(ToolItems, WaitForTheNextOutputOfASilentScript) {
 }
 
 TEST_F(ToolItems, KillAScriptThatNobodyReadsWithinOneTurn) {
-  Insert(" sleep:60000", nullptr);
+  Insert(" sleep:600000", nullptr);
   ASSERT_EQ(WaitForTools(1), 1);
   AbortItem(g_pTilesJob);
   EXPECT_LT(Wait(g_pTilesJob), kOneTurn);
   EXPECT_EQ(WaitForTools(0), 0);
-  for (int i = 0; i < 500 && m_trace.destroyed == 0; ++i) Sleep(10);
+  for (int i = 0; i < 12000 && m_trace.destroyed == 0; ++i) Sleep(10);
   EXPECT_EQ(m_trace.status, kTilesNone) << "aborted, not ended by itself";
 }
 
@@ -184,7 +184,7 @@ TEST_F(ToolItems, RunTheTranslatorByItsPath) {
 }
 
 TEST_F(ToolItems, KillTheWarperWithinOneTurn) {
-  auto* item = new CGDALWarpThread(m_folder.Path("gdalwarp.exe"), " sleep:60000", {kTurn, nullptr});
+  auto* item = new CGDALWarpThread(m_folder.Path("gdalwarp.exe"), " sleep:600000", {kTurn, nullptr});
   g_pWarpJob = item;
   m_queue.InsertWorkItem(item);
   ASSERT_EQ(WaitForTools(1), 1);

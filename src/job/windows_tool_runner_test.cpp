@@ -56,7 +56,7 @@ VOID CALLBACK AbortAndDestroyQueue(HWND window, UINT, UINT_PTR timer, DWORD) {
 TEST_F(Runner, BearsAHandlerThatAbortsAndDestroysTheQueueMeanwhile) {
   WindowsToolRunner runner(nullptr, "", kTurn);
   ASSERT_NE(SetTimer(m_window.GetSafeHwnd(), 1, 300, AbortAndDestroyQueue), 0U);
-  EXPECT_EQ(runner.Run({Tool::kTiler, m_folder.Path("python.exe"), " sleep:60000", "", "", ""}).exitCode,
+  EXPECT_EQ(runner.Run({Tool::kTiler, m_folder.Path("python.exe"), " sleep:600000", "", "", ""}).exitCode,
             std::nullopt);
   EXPECT_EQ(g_pWorkQueue, nullptr);
   EXPECT_EQ(WaitForTools(0), 0);

@@ -41,7 +41,7 @@ class WorkQueue : public testing::Test {
     ASSERT_TRUE(m_queue.Create());
   }
   void WaitForEvents(size_t count) {
-    for (int i = 0; i < 500 && g_nEvents < count; ++i) Sleep(10);
+    for (int i = 0; i < 12000 && g_nEvents < count; ++i) Sleep(10);
     ASSERT_EQ(g_nEvents, count);
   }
   CWorkQueue m_queue;

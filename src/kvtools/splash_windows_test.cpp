@@ -145,7 +145,7 @@ class Splash : public testing::Test {
     ASSERT_NE(s_hBackdrop, nullptr) << "no screen: under Wine, DISPLAY must name an X server";
     SetForegroundWindow(s_hBackdrop);
     SetFocus(s_hBackdrop);
-    for (int i = 0; i < 50 && ScreenColour(Inside(0.25, 0.25)) != kBackdrop; ++i) DispatchFor(100);
+    for (int i = 0; i < 600 && ScreenColour(Inside(0.25, 0.25)) != kBackdrop; ++i) DispatchFor(100);
     ASSERT_EQ(ScreenColour(Inside(0.25, 0.25)), kBackdrop);
     ASSERT_EQ(GetForegroundWindow(), s_hBackdrop);
     ASSERT_EQ(GetFocus(), s_hBackdrop);

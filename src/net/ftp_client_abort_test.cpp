@@ -60,7 +60,7 @@ TEST_F(FtpAborts, EndAnUploadToAServerThatDoesNotReceive) {
   m_source.bytes.assign(64 << 20, 'x');
   LogInAndListen({AnswerPasv(), Expect("STOR x"), AcceptData(), Say("150"),
                   [this](ScriptedServer::Stage&) {
-                    for (int i = 0; i < 1000 && !m_listener.HasAborted(); ++i) SleepFor(10);
+                    for (int i = 0; i < 12000 && !m_listener.HasAborted(); ++i) SleepFor(10);
                     return m_listener.HasAborted();
                   },
                   CloseData(), Say("426")});

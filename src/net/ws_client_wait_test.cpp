@@ -144,7 +144,7 @@ TEST_F(FtpWaits, AreStoppedForAListing) {
 TEST_F(FtpWaits, HaveTurnsWhileAServerDoesNotReceive) {
   CountingListener turns;
   const auto waitForTurns = [&turns](ScriptedServer::Stage&) {
-    for (int i = 0; i < 1500 && turns.turns < 5; ++i) SleepFor(10);
+    for (int i = 0; i < 12000 && turns.turns < 5; ++i) SleepFor(10);
     return turns.turns >= 5;
   };
   LogInTo({AnswerPasv(), Expect("STOR a"), AcceptData(), Say("150 go on"), waitForTurns, HearData(),

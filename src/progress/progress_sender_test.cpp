@@ -35,7 +35,7 @@ class SentByAnotherThread : public BarTest {
   }
   void PostToOwner() { PostMessageA(m_owner.GetSafeHwnd(), kOwnerMessage, 0, 0); }
   static bool WaitFor(const std::function<bool()>& condition) {
-    const ULONGLONG end = GetTickCount64() + 10000;
+    const ULONGLONG end = GetTickCount64() + 120000;
     while (!condition() && GetTickCount64() < end) Sleep(1);
     return condition();
   }

@@ -5,11 +5,11 @@ import signal
 import time
 import unittest
 
-from batch_support import BatchTest, start_wine, wait_until, windows_path
+from batch_support import PATIENCE, BatchTest, start_wine, wait_until, windows_path
 from rasters import NATIONAL_GRID, OWN_ZONE, make_raster, noise, read_pixels
 from results import ResultChecks
 
-SOON = 20  # seconds; a tool is looked at every five
+SOON = 100  # seconds; a tool is looked at every five
 ENDLESS = "600000"
 
 
@@ -43,7 +43,7 @@ class AbortTest(BatchTest, ResultChecks):
         return [line.split("\t")[0] for line in self.call_list.read_text("cp1252").splitlines()]
 
     def await_that(self, condition, what):
-        self.assertTrue(wait_until(condition, 60), f"{what} did not come about")
+        self.assertTrue(wait_until(condition, PATIENCE), f"{what} did not come about")
 
     def interrupt(self, started):
         """Wine takes the signal for Ctrl+C."""

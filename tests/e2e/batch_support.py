@@ -21,7 +21,7 @@ import uuid
 sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "support"))
 from wine_prefix import WinePrefix, link_or_copy  # noqa: E402
 
-PATIENCE = 120  # seconds until a test calls a run hung
+PATIENCE = 600  # seconds until a test calls a run hung
 MARK = "MOSAICON_E2E_RUN"
 
 
@@ -234,12 +234,12 @@ class BatchTest(unittest.TestCase):
         return found
 
     def check_that_nothing_is_left(self):
-        if not wait_until(lambda: not self.processes(), 5):
+        if not wait_until(lambda: not self.processes(), 20):
             left = self.processes()
             for pid in left:
                 os.kill(pid, signal.SIGKILL)
             self.fail(f"processes left over: {left}")
-        if not wait_until(lambda: not self.new_folders(), 5):
+        if not wait_until(lambda: not self.new_folders(), 20):
             self.fail(f"temporary folders left over: {self.new_folders()}")
 
     def new_folders(self):

@@ -14,7 +14,7 @@ import urllib.error
 import urllib.parse
 import urllib.request
 
-PATIENCE = 30  # seconds until the server counts as hung
+PATIENCE = 180  # seconds until the server counts as hung
 
 
 def fetch(address):

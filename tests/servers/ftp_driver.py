@@ -10,6 +10,10 @@ import subprocess
 
 WINE = os.environ.get("WINE", "wine")
 LISTENING = "0A"
+PATIENCE = 900  # seconds until the client counts as hung
+# How long the client itself waits for a server, in seconds. What goes as it is to go never takes as long, on
+# however busy a machine; what takes longer has waited for an answer that nobody gave.
+CLIENT_PATIENCE = 600
 
 
 def windows_path(path):
@@ -33,18 +37,20 @@ class Driver:
             [WINE, program], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL
         )
         self._unread = b""
+        milliseconds = CLIENT_PATIENCE * 1000
+        self.ask("timeouts", milliseconds, milliseconds)
 
     def close(self):
         """False when it does not end by itself."""
         try:
-            self._process.communicate(timeout=20)
+            self._process.communicate(timeout=PATIENCE)
             return self._process.returncode == 0
         except subprocess.TimeoutExpired:
             self._process.kill()
             self._process.communicate()
             return False
 
-    def ask(self, *words, patience=30):
+    def ask(self, *words, patience=PATIENCE):
         self.begin(*words)
         return self.end(patience)
 
@@ -55,7 +61,7 @@ class Driver:
         self._process.stdin.write(line.encode("cp1252") + b"\n")
         self._process.stdin.flush()
 
-    def end(self, patience=30):
+    def end(self, patience=PATIENCE):
         """The answer to what was begun. TimeoutError: the client hangs, and can be asked no more."""
         while b"\n" not in self._unread:
             if not select.select([self._process.stdout], [], [], patience)[0]:

@@ -43,9 +43,9 @@ HERE = pathlib.Path(__file__).resolve().parent
 CACHE = pathlib.Path(os.environ.get("XDG_CACHE_HOME") or pathlib.Path.home() / ".cache") / "mosaicon"
 INSTALLED = CACHE / "ftp-servers"
 HOST = "127.0.0.1"
-PATIENCE = 20  # seconds until a server counts as hung
+PATIENCE = 180  # seconds until a server counts as hung
 # Some disks need ten seconds and more to remove ten thousand files.
-REMOVAL_PATIENCE = 180
+REMOVAL_PATIENCE = 600
 TRIES = 5  # another program may take the port that was free
 UMASK = "022"
 PYTHON = "/usr/bin/python3"  # has what is installed as packages

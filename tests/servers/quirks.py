@@ -3,6 +3,7 @@
 import time
 
 import ftp_servers
+from ftp_driver import CLIENT_PATIENCE
 
 QUIRKS = []
 
@@ -34,7 +35,7 @@ def try_all(driver, kinds):
             if driver.sockets() != (0, 0):
                 found = f"{found}, and sockets left"
         print(f"{kind}: {function.__doc__}: {found}")
-        if found != expected or seconds > 20:
+        if found != expected or seconds > CLIENT_PATIENCE:
             failures.append(
                 f"{kind}: {function.__doc__}: {found!r} after {seconds:.1f} s, " f"expected {expected!r}"
             )

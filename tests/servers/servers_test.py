@@ -22,7 +22,7 @@ HERE = pathlib.Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parent / "support")]
 import ftp_servers  # noqa: E402
 import quirks  # noqa: E402
-from ftp_driver import Driver  # noqa: E402
+from ftp_driver import CLIENT_PATIENCE, Driver  # noqa: E402
 from operations import FILE_LIMIT, OPERATIONS, Trial, Wrong  # noqa: E402
 from wine_prefix import WinePrefix  # noqa: E402
 
@@ -55,7 +55,7 @@ for exception_kind in ("proftpd", "proftpd-no-links"):
     EXCEPTIONS["upload into a missing folder", exception_kind, "passive"] = ([51, 5], CLOSES_PORT)
 
 
-def try_operation(trial, function, seconds):
+def try_operation(trial, function):
     start = time.monotonic()
     try:
         cell = function(trial)
@@ -63,7 +63,7 @@ def try_operation(trial, function, seconds):
         trial.is_in_step()
     except Wrong as wrong:
         return f"FAILED: {wrong}"
-    return cell if duration <= seconds else f"FAILED: {duration:.0f} s"
+    return cell if duration < CLIENT_PATIENCE else f"FAILED: {duration:.0f} s"
 
 
 def try_server(kind, mode, driver):
@@ -72,8 +72,8 @@ def try_server(kind, mode, driver):
     with tempfile.TemporaryDirectory(prefix="mosaicon-ftp-") as folder:
         with ftp_servers.start(kind, file_limit=FILE_LIMIT) as server:
             trial = Trial(server, driver, mode, pathlib.Path(folder))
-            for name, function, _, seconds in OPERATIONS:
-                cells[name] = try_operation(trial, function, seconds)
+            for name, function, _ in OPERATIONS:
+                cells[name] = try_operation(trial, function)
                 if cells[name].__class__ is str and cells[name].startswith("FAILED"):
                     print(f"{kind}, {mode}, {name}: {cells[name]}", file=sys.stderr)
                     trial.ask("close")
@@ -103,7 +103,7 @@ def show(cell):
 
 def unexpected(columns):
     for (kind, mode), cells in columns.items():
-        for name, _, usual, _ in OPERATIONS:
+        for name, _, usual in OPERATIONS:
             expected, _ = EXCEPTIONS.get((name, kind, mode), ([usual], ""))
             if cells[name] not in expected:
                 yield f"{kind}, {mode}, {name}: {cells[name]!r}, expected {expected!r}"

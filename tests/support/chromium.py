@@ -13,7 +13,7 @@ import tempfile
 import time
 
 PROGRAMS = ("chromium-headless-shell", "chromium")
-PATIENCE = 60  # seconds until a test calls the browser hung
+PATIENCE = 300  # seconds until a test calls the browser hung
 QUIET = 0.5  # seconds without any event after which a page counts as settled
 
 
@@ -71,7 +71,7 @@ class Chromium:
         os.close(self.answers)
         try:
             # It ends when its pipe does.
-            self.process.wait(timeout=10)
+            self.process.wait(timeout=60)
         except subprocess.TimeoutExpired:
             pass
         # Its session is its own, so that helpers which outlive it are ended with it.

@@ -21,7 +21,7 @@ from xml.etree import ElementTree
 
 from chromium import Chromium
 
-PATIENCE = 30  # seconds until the server counts as hung
+PATIENCE = 180  # seconds until the server counts as hung
 
 
 @dataclasses.dataclass(frozen=True)

@@ -9,7 +9,7 @@ import shutil
 import subprocess
 import time
 
-PATIENCE = 120  # seconds until Wine counts as hung
+PATIENCE = 600  # seconds until Wine counts as hung
 PLACES = 16  # at most so many copies for one kind of tests at once
 
 

@@ -208,7 +208,7 @@ class KilledProcesses(TilerTestCase):
         return process
 
     def assert_ends(self, pids):
-        deadline = time.monotonic() + 10
+        deadline = time.monotonic() + 300
         while any(map(has_own_process, pids)):
             self.assertLess(time.monotonic(), deadline, "a process lives on")
             time.sleep(0.05)
@@ -249,7 +249,7 @@ class KilledProcesses(TilerTestCase):
     def test_killed_worker_fails_the_run(self):
         process = self.start_and_wait_for_tiles("2")
         os.kill(self.workers[0], signal.SIGKILL)
-        self.collect(process, timeout=15)
+        self.collect(process, timeout=300)
         self.assert_failed(r"a worker process ended unexpectedly \(exit code -9\)")
         self.assert_ends(self.workers)
 
@@ -258,7 +258,7 @@ class KilledProcesses(TilerTestCase):
             with self.subTest(processes):
                 process = self.start_and_wait_for_tiles(processes)
                 process.terminate()
-                self.collect(process, timeout=10)
+                self.collect(process, timeout=300)
                 self.assert_failed("the run was stopped", code=143)
                 self.assert_ends(self.workers)
 

@@ -278,7 +278,7 @@ class Pool(unittest.TestCase):
             with WorkerPool(2, prepare) as pool:
                 return len(list(pool.imap_unordered(function, range(100), 5)))
         finally:
-            self.assertLess(time.monotonic() - begin, 10)
+            self.assertLess(time.monotonic() - begin, 120)
 
     def test_every_item_is_done(self):
         with tempfile.TemporaryDirectory() as folder:

@@ -15,7 +15,7 @@ import unittest
 BRIDGE = pathlib.Path(os.environ["MOSAICON_BRIDGE"]).resolve()
 WINEPREFIX = pathlib.Path(os.environ["WINEPREFIX"]).resolve(strict=True)
 WINE = os.environ.get("WINE", "wine")
-PATIENCE = 60  # seconds until a test calls a run hung
+PATIENCE = 300  # seconds until a test calls a run hung
 
 # Prints what the script got, for Bridge.told.
 TELL_ARGUMENTS = "import json, sys; print(json.dumps(sys.argv[1:]))"
@@ -96,7 +96,7 @@ class BridgeTest(unittest.TestCase):
         return (first, second) if parent_of(second) == first else (second, first)
 
     def check_that_nothing_is_left(self):
-        if wait_until(lambda: not self.processes(), 3) is None:
+        if wait_until(lambda: not self.processes(), 20) is None:
             left = {pid: command_line_of(pid) for pid in self.processes()}
             for pid in left:
                 os.kill(pid, signal.SIGKILL)

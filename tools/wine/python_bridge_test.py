@@ -271,7 +271,7 @@ class EndOfProcesses(BridgeTest):
         start = time.monotonic()
         output, code = self.finish(self.launch(" script.py"))
         self.assertEqual(code, 5)
-        self.assertLess(time.monotonic() - start, 20)
+        self.assertLess(time.monotonic() - start, 100)
         self.assertFalse(is_alive(int(output)))
 
     def test_finished_workers_leave_the_exit_code_alone(self):
@@ -361,7 +361,7 @@ class Start(BridgeTest):
         start = time.monotonic()
         result = self.run_bridge("-V", MOSAICON_HOST_PYTHON="/bin/true")
         self.check_refusal(result, b"does not answer")
-        self.assertLess(time.monotonic() - start, 30)
+        self.assertLess(time.monotonic() - start, 100)
 
     def test_interpreter_that_hangs_up_is_reported(self):
         hang_up = (

@@ -26,7 +26,7 @@ PROGRAMS = pathlib.Path(
     os.environ.get("CRASHRPT_PROGRAMS") or sys.exit("CRASHRPT_PROGRAMS is not set")
 ).resolve()
 UNDER_WINE = os.name != "nt"
-PATIENCE = 100  # seconds until a test calls something hung
+PATIENCE = 600  # seconds until a test calls something hung
 REPORTED, UNREPORTED = 201, 202
 REPORT_NAME = re.compile(r"\d{8}T\d{6}Z-[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}")
 MADE_UP_CODE = 0xE0435200

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int kPatience = 900;  // times 100 ms
+constexpr int kPatience = 6000;  // times 100 ms
 
 bool Await(const std::function<bool()>& condition) {
   for (int i = 0; i < kPatience; ++i) {

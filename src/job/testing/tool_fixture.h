@@ -41,9 +41,9 @@ class ToolFixture : public testing::Test {
     return count;
   }
 
-  // Waits up to ten seconds for the number of tools; returns what it was last.
+  // Waits up to two minutes for the number of tools; returns what it was last.
   int WaitForTools(int count) const {
-    for (int i = 0; i < 1000 && CountTools() != count; ++i) Sleep(10);
+    for (int i = 0; i < 12000 && CountTools() != count; ++i) Sleep(10);
     return CountTools();
   }
 

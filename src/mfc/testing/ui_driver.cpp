@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr UINT kInterval = 10;         // ms
-constexpr ULONGLONG kPatience = 8000;  // ms
+constexpr UINT kInterval = 10;           // ms
+constexpr ULONGLONG kPatience = 120000;  // ms
 
 UiDriver* g_pDriver = nullptr;
 

@@ -10,7 +10,7 @@ using Step = ScriptedServer::Step;
 
 // No socket, but something that is waited for.
 constexpr SocketHandle kAwaitsTest = -2;
-constexpr int kPatience = 20000;  // milliseconds
+constexpr int kPatience = 180000;  // milliseconds
 
 bool Fail(Stage& stage, const std::string& problem) {
   if (stage.problem.empty()) stage.problem = problem;

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::int32_t kPatience = 20000;  // milliseconds
+constexpr std::int32_t kPatience = 180000;  // milliseconds
 
 thread_local HearingMark* hearingMark = nullptr;
 

@@ -119,7 +119,7 @@ class TilerTestCase(unittest.TestCase):
 
     def run_script(self, arguments, **more):
         """Runs to the end; sets self.code, self.records, self.log."""
-        self.collect(self.start(arguments, **more), timeout=60)
+        self.collect(self.start(arguments, **more), timeout=600)
 
     def collect(self, process, timeout):
         try:
