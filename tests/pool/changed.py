@@ -18,7 +18,7 @@ from pool import costs, properties_of, tests_of
 TOP = pathlib.Path(__file__).resolve().parents[2]
 UNKNOWN = 10.0  # seconds, of a test that never ran
 # Changes of these can show anywhere.
-EVERYWHERE = re.compile(r"(^|/)CMake|^cmake/|^tests/support/|^scripts/set-up\.sh$|^\.clang|^test$")
+EVERYWHERE = re.compile(r"(^|/)CMake|^cmake/|^tests/support/|^scripts/set-up\.sh$|^\.clang-tidy$|^test$")
 IMPORT = re.compile(r"^\s*(?:from|import) ([\w.]+)", re.MULTILINE)
 
 

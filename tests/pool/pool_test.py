@@ -6,7 +6,7 @@ import subprocess
 import tempfile
 import unittest
 
-from changed import that_fit
+from changed import EVERYWHERE, that_fit
 from pool import costs, write_pool
 from summary import lines_of, results_of
 
@@ -78,6 +78,22 @@ class Summary(unittest.TestCase):
         )
         self.assertEqual([line.split()[-1] for line in lines[5:15]], [f"t{11 - i}" for i in range(10)])
         self.assertEqual(lines[15:], ["seconds by stage:", "       7 s  building host"])
+
+
+class Everywhere(unittest.TestCase):
+    def test_a_change_shows_of_what_builds_and_starts_everything(self):
+        for path in (
+            "CMakePresets.json",
+            "src/job/CMakeLists.txt",
+            ".clang-tidy",
+            "tests/support/rasters.h",
+            "test",
+        ):
+            self.assertRegex(path, EVERYWHERE)
+
+    def test_a_change_does_not_show_of_one_source_or_of_its_looks(self):
+        for path in (".clang-format", "src/job/batch_driver.cpp", "tests/e2e/jobs_test.py", "docs/test"):
+            self.assertNotRegex(path, EVERYWHERE)
 
 
 class Fitting(unittest.TestCase):
