@@ -14,14 +14,15 @@ who works by hand is printed.
 
 import argparse
 import contextlib
-import functools
-import http.server
 import os
+import pathlib
 import subprocess
 import sys
-import threading
 
 from ftp_servers import CLASSES, KINDS
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+from web_server import WebServer, files_in  # noqa: E402
 
 
 def options_from(arguments):
@@ -42,30 +43,6 @@ def options_from(arguments):
     parser.add_argument("--keep-umask", action="store_true", default=None)
     given = vars(parser.parse_args(arguments))
     return {name: value for name, value in given.items() if value is not None}
-
-
-class QuietHandler(http.server.SimpleHTTPRequestHandler):
-    extensions_map = {
-        **http.server.SimpleHTTPRequestHandler.extensions_map,
-        ".kml": "application/vnd.google-earth.kml+xml",
-    }
-
-    def log_message(self, *_):
-        pass
-
-
-@contextlib.contextmanager
-def web_server(folder):
-    """Yields its address."""
-    handler = functools.partial(QuietHandler, directory=str(folder))
-    with http.server.ThreadingHTTPServer(("127.0.0.1", 0), handler) as server:
-        thread = threading.Thread(target=server.serve_forever)
-        thread.start()
-        try:
-            yield f"http://127.0.0.1:{server.server_port}"
-        finally:
-            server.shutdown()
-            thread.join()
 
 
 def tell(server, web):
@@ -92,7 +69,7 @@ def main():
     with contextlib.ExitStack() as stack:
         server = stack.enter_context(CLASSES[options.pop("kind")](**options))
         environment = {**os.environ, **server.environment()}
-        web = stack.enter_context(web_server(server.root)) if wants_web else ""
+        web = stack.enter_context(WebServer(files_in(server.root))).url if wants_web else ""
         if web:
             environment["MOSAICON_WEB_URL"] = web
         if wants_to_know:

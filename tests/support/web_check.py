@@ -10,16 +10,13 @@ A page may use scripts and pictures of other hosts. None of them can be reached,
 make an error in the page itself."""
 
 import dataclasses
-import functools
-import http.server
-import os
-import threading
 import urllib.error
 import urllib.parse
 import urllib.request
 from xml.etree import ElementTree
 
 from chromium import Chromium
+from web_server import FileHandler, WebServer, files_in
 
 PATIENCE = 180  # seconds until the server counts as hung
 
@@ -63,45 +60,31 @@ class PageVisit:
         return address.startswith(("http:", "https:")) and not address.startswith(self.origin + "/")
 
 
-class Handler(http.server.SimpleHTTPRequestHandler):
+class NotingHandler(FileHandler):
     def __init__(self, *arguments, requests, **options):
         self.requests = requests
         super().__init__(*arguments, **options)
-
-    def translate_path(self, path):
-        # Names are bytes, as on most web servers; Python's own would want UTF-8.
-        names = urllib.parse.unquote_to_bytes(path.partition("?")[0]).split(b"/")
-        if b".." in names:
-            return os.path.join(self.directory, "there is no such file")
-        return os.path.join(self.directory, *map(os.fsdecode, names[1:]))
 
     def send_response(self, code, message=None):
         super().send_response(code, message)
         self.requests.append(Request(self.command, self.path, int(code)))
 
-    def log_message(self, *_):
-        pass
-
 
 class WebCheck:
     def __init__(self, root):
         self.requests = []
-        handler = functools.partial(Handler, directory=str(root), requests=self.requests)
-        self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), handler)
-        self.origin = f"http://127.0.0.1:{self.server.server_port}"
+        self.server = WebServer(files_in(root, NotingHandler, requests=self.requests))
+        self.origin = self.server.url
         self.browser = None
 
     def __enter__(self):
-        self.thread = threading.Thread(target=self.server.serve_forever)
-        self.thread.start()
+        self.server.__enter__()
         return self
 
     def __exit__(self, *_):
         if self.browser:
             self.browser.__exit__()
-        self.server.shutdown()
-        self.server.server_close()
-        self.thread.join()
+        self.server.__exit__()
 
     def open_page(self, path, expression="null", stand_ins=None):
         """Visits a page of the folder; path is relative to it, as in an address. The JavaScript expression

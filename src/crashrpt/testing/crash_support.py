@@ -6,7 +6,6 @@ prefix in WINEPREFIX.
 
 import email.parser
 import email.policy
-import http.server
 import os
 import pathlib
 import re
@@ -21,6 +20,9 @@ import time
 import unittest
 import xml.etree.ElementTree
 import zlib
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[3] / "tests" / "support"))
+from web_server import Quiet, WebServer  # noqa: E402
 
 PROGRAMS = pathlib.Path(
     os.environ.get("CRASHRPT_PROGRAMS") or sys.exit("CRASHRPT_PROGRAMS is not set")
@@ -264,7 +266,7 @@ class Server:
         self.closed = threading.Event()
         outer = self
 
-        class Handler(http.server.BaseHTTPRequestHandler):
+        class Handler(Quiet):
             def do_POST(self):
                 body = self.rfile.read(int(self.headers["Content-Length"]))
                 outer.requests.append((self.path, self.headers, body))
@@ -281,19 +283,9 @@ class Server:
                 outer.requests.append((self.path, self.headers, None))
                 self.send_error(200)
 
-            def log_message(self, *_):
-                pass
-
-        self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
-        self.server.daemon_threads = True
-        self.url = f"http://127.0.0.1:{self.server.server_port}/crash?from=test"
-        threading.Thread(target=self.server.serve_forever, daemon=True).start()
-        test.addCleanup(self.close)
-
-    def close(self):
-        self.closed.set()
-        self.server.shutdown()
-        self.server.server_close()
+        web = test.enterContext(WebServer(Handler))
+        self.url = f"{web.url}/crash?from=test"
+        test.addCleanup(self.closed.set)
 
 
 def refusing_url(test):
