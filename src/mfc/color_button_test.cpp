@@ -7,6 +7,7 @@
 #include "mfc/dialog.h"
 #include "mfc/testing/dialogs.h"
 #include "mfc/testing/ui_driver.h"
+#include "support/open_handles.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "kvtools/kvtools.h"
 #include "mfc/dpi.h"
 #include "progress/testing/bar_fixture.h"
-#include "progress/testing/count_gdi_objects.h"
+#include "support/open_handles.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "mfc/testing/canvas.h"
-#include "progress/testing/count_gdi_objects.h"
+#include "support/open_handles.h"
 
 namespace {
 

@@ -137,14 +137,3 @@ bool MessageBoxSays(HWND box, const char* part) {
   EnumChildWindows(box, CompareText, reinterpret_cast<LPARAM>(&search));
   return search.bFound;
 }
-
-int CountGdiObjects() {
-  const DWORD count = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-  if (count != 0) return static_cast<int>(count);
-  // Wine does not count; but it finds an object by the lower half of its handle.
-  int found = 0;
-  for (ULONG_PTR handle = 1; handle < 0x10000; ++handle) {
-    if (GetObjectType(reinterpret_cast<HGDIOBJ>(handle)) != 0) ++found;
-  }
-  return found;
-}

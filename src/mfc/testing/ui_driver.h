@@ -49,7 +49,5 @@ bool PostClick(HWND button);
 bool PostCommand(HWND dialog, int id);
 // The text of all statics of a message box.
 bool MessageBoxSays(HWND box, const char* part);
-// How many drawing objects this process has.
-int CountGdiObjects();
 
 #endif  // MOSAICON_MFC_TESTING_UI_DRIVER_H_
