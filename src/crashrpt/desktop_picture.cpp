@@ -13,7 +13,7 @@ using std::min;
 }  // namespace Gdiplus
 #include <gdiplus.h>
 
-#include "crashrpt/ansi_text.h"
+#include "files/wide_text.h"
 
 namespace {
 
@@ -71,7 +71,7 @@ class GdiPlus {
     Gdiplus::GpBitmap* image = nullptr;
     if (!m_bStarted || flat::GdipCreateBitmapFromHBITMAP(bitmap, nullptr, &image) != Gdiplus::Ok)
       return false;
-    const auto status = flat::GdipSaveImageToFile(image, WideOfAnsi(path).c_str(), &kPngEncoder, nullptr);
+    const auto status = flat::GdipSaveImageToFile(image, WideFromAnsi(path).c_str(), &kPngEncoder, nullptr);
     flat::GdipDisposeImage(image);
     return status == Gdiplus::Ok;
   }

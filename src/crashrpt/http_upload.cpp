@@ -8,9 +8,9 @@
 #include <optional>
 #include <vector>
 
-#include "crashrpt/ansi_text.h"
 #include "crashrpt/unique_handle.h"
 #include "crashrpt/upload_url.h"
+#include "files/wide_text.h"
 
 namespace {
 
@@ -34,7 +34,7 @@ struct Address {
 };
 
 std::optional<Address> ParseUrl(const std::string& url) {
-  const std::wstring wide = WideOfAnsi(url);
+  const std::wstring wide = WideFromAnsi(url);
   URL_COMPONENTS parts = {};
   parts.dwStructSize = sizeof parts;
   parts.dwSchemeLength = parts.dwHostNameLength = parts.dwUrlPathLength = parts.dwExtraInfoLength =
@@ -105,7 +105,7 @@ std::string Post(HINTERNET request, const MultipartBody& body) {
   const std::vector<BodyPiece> pieces = body.Pieces();
   const uint64_t size = SizeOf(pieces);
   if (size > MAXDWORD) return "The report is too large to be sent.";
-  const std::wstring header = L"Content-Type: " + WideOfAnsi(body.ContentType());
+  const std::wstring header = L"Content-Type: " + WideFromAnsi(body.ContentType());
   if (!WinHttpSendRequest(request, header.c_str(), static_cast<DWORD>(-1), WINHTTP_NO_REQUEST_DATA, 0,
                           static_cast<DWORD>(size), 0)) {
     return ErrorText(GetLastError());

@@ -6,10 +6,10 @@
 #include <array>
 #include <cstdio>
 
-#include "crashrpt/ansi_text.h"
 #include "crashrpt/desktop_picture.h"
 #include "crashrpt/report_name.h"
 #include "crashrpt/report_xml.h"
+#include "files/utf8_text.h"
 
 namespace {
 
@@ -55,14 +55,14 @@ std::string WriteDump(const HandOver& handOver, HANDLE process, const std::strin
 ReportContents ContentsOf(const HandOver& handOver) {
   ReportContents report;
   report.guid = NewGuid();
-  report.applicationName = Utf8OfAnsi(handOver.applicationName);
-  report.applicationVersion = Utf8OfAnsi(handOver.applicationVersion);
-  report.emailTo = Utf8OfAnsi(handOver.emailTo);
-  report.emailSubject = Utf8OfAnsi(handOver.emailSubject);
-  report.emailText = Utf8OfAnsi(handOver.emailText);
+  report.applicationName = Utf8FromAnsi(handOver.applicationName);
+  report.applicationVersion = Utf8FromAnsi(handOver.applicationVersion);
+  report.emailTo = Utf8FromAnsi(handOver.emailTo);
+  report.emailSubject = Utf8FromAnsi(handOver.emailSubject);
+  report.emailText = Utf8FromAnsi(handOver.emailText);
   report.crash = handOver.crash;
   for (const Property& property : GetProperties(handOver.properties)) {
-    report.properties.push_back({Utf8OfAnsi(property.name), Utf8OfAnsi(property.value)});
+    report.properties.push_back({Utf8FromAnsi(property.name), Utf8FromAnsi(property.value)});
   }
   return report;
 }

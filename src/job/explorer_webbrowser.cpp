@@ -2,8 +2,7 @@
 
 #include <oleauto.h>
 
-#include <vector>
-
+#include "files/wide_text.h"
 #include "mfc/app.h"
 #include "mfc/com_pointer.h"
 
@@ -18,9 +17,7 @@ using GetControlFunction = HRESULT(WINAPI*)(HWND, IUnknown**);
 using afx::ComPointer;
 
 BSTR MakeWideText(const std::string& text) {
-  std::vector<wchar_t> wide(text.size() + 1);
-  MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, wide.data(), static_cast<int>(wide.size()));
-  return SysAllocString(wide.data());
+  return SysAllocString(WideFromAnsi(text).c_str());
 }
 
 // The automation interface of the control in a host window; null when there is none.

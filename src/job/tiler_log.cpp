@@ -4,7 +4,7 @@
 #include <iterator>
 #include <sstream>
 
-#include "job/utf8_text.h"
+#include "files/utf8_text.h"
 
 namespace {
 

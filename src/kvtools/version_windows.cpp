@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "files/wide_text.h"
 #include "kvtools/copy_bounded.h"
 #include "kvtools/kvtools.h"
 #include "kvtools/system_text.h"
@@ -32,15 +33,6 @@ std::vector<char> LoadVersionResource() {
   return resource;
 }
 
-std::string ToAnsi(const std::wstring& text) {
-  if (text.empty()) return {};
-  const int length = static_cast<int>(text.size());
-  std::string result(WideCharToMultiByte(CP_ACP, 0, text.data(), length, nullptr, 0, nullptr, nullptr), '\0');
-  WideCharToMultiByte(CP_ACP, 0, text.data(), length, result.data(), static_cast<int>(result.size()), nullptr,
-                      nullptr);
-  return result;
-}
-
 std::string FileVersion(const std::vector<char>& resource) {
   void* found = nullptr;
   UINT size = 0;
@@ -55,7 +47,7 @@ std::string FileVersion(const std::vector<char>& resource) {
   }
   // Not every resource compiler counts or writes the terminator.
   const wchar_t* text = static_cast<const wchar_t*>(found);
-  return ToAnsi(std::wstring(text, wcsnlen(text, size)));
+  return AnsiFromWide(std::wstring(text, wcsnlen(text, size)));
 }
 
 }  // namespace

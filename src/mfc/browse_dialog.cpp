@@ -6,26 +6,12 @@
 
 #include <vector>
 
+#include "files/wide_text.h"
 #include "mfc/com_pointer.h"
 
 namespace {
 
 using afx::ComPointer;
-
-std::wstring Widen(const std::string& text) {
-  const int length = MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
-  std::wstring wide(static_cast<size_t>(length), L'\0');
-  MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), wide.data(), length);
-  return wide;
-}
-
-std::string Narrow(const std::wstring& wide) {
-  const int size = static_cast<int>(wide.size());
-  const int length = WideCharToMultiByte(CP_ACP, 0, wide.data(), size, nullptr, 0, nullptr, nullptr);
-  std::string text(static_cast<size_t>(length), '\0');
-  WideCharToMultiByte(CP_ACP, 0, wide.data(), size, text.data(), length, nullptr, nullptr);
-  return text;
-}
 
 // "A|*.a|B|*.b||" as the pairs of names and patterns that the shell takes. Points into parts.
 std::vector<COMDLG_FILTERSPEC> FilterPairs(const std::vector<std::wstring>& parts) {
@@ -61,18 +47,18 @@ HRESULT SetOptions(IFileOpenDialog& dialog, bool folder) {
 void Prepare(IFileOpenDialog& dialog, const BrowseRequest& request) {
   IShellItem* folder = nullptr;
   if (!request.strFolder.empty() &&
-      SUCCEEDED(SHCreateItemFromParsingName(Widen(request.strFolder).c_str(), nullptr, IID_IShellItem,
+      SUCCEEDED(SHCreateItemFromParsingName(WideFromAnsi(request.strFolder).c_str(), nullptr, IID_IShellItem,
                                             reinterpret_cast<void**>(&folder)))) {
     const ComPointer<IShellItem> owned(folder);
     dialog.SetFolder(folder);
   }
   if (request.bFolder) return;
-  const std::vector<std::wstring> parts = Split(Widen(request.strFilter));
+  const std::vector<std::wstring> parts = Split(WideFromAnsi(request.strFilter));
   const std::vector<COMDLG_FILTERSPEC> pairs = FilterPairs(parts);
   if (!pairs.empty()) dialog.SetFileTypes(static_cast<UINT>(pairs.size()), pairs.data());
   if (!request.strDefaultExtension.empty())
-    dialog.SetDefaultExtension(Widen(request.strDefaultExtension).c_str());
-  if (!request.strFile.empty()) dialog.SetFileName(Widen(request.strFile).c_str());
+    dialog.SetDefaultExtension(WideFromAnsi(request.strDefaultExtension).c_str());
+  if (!request.strFile.empty()) dialog.SetFileName(WideFromAnsi(request.strFile).c_str());
 }
 
 BrowseOutcome TakeResult(IFileOpenDialog& dialog, std::string* path) {
@@ -84,8 +70,8 @@ BrowseOutcome TakeResult(IFileOpenDialog& dialog, std::string* path) {
   const std::wstring wide = name;
   CoTaskMemFree(name);
   // There and back: that holds for every code page.
-  const std::string text = Narrow(wide);
-  if (Widen(text) != wide) return BrowseOutcome::kNotInCodePage;
+  const std::string text = AnsiFromWide(wide);
+  if (WideFromAnsi(text) != wide) return BrowseOutcome::kNotInCodePage;
   *path = text;
   return BrowseOutcome::kChosen;
 }

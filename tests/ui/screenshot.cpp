@@ -11,6 +11,7 @@ using std::min;
 }  // namespace Gdiplus
 #include <gdiplus.h>
 
+#include "files/wide_text.h"
 #include "ui/window_driver.h"
 
 namespace {
@@ -81,12 +82,6 @@ class GdiplusSession {
   bool m_bStarted = false;
 };
 
-std::wstring Widen(const std::string& text) {
-  std::vector<wchar_t> wide(text.size() + 1);
-  MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, wide.data(), static_cast<int>(wide.size()));
-  return wide.data();
-}
-
 }  // namespace
 
 Picture TakePicture(const RECT& whole) {
@@ -135,5 +130,5 @@ bool SavePng(const Picture& picture, const std::string& path) {
   std::vector<uint32_t> pixels = picture.pixels;
   Gdiplus::Bitmap bitmap(picture.width, picture.height, picture.width * static_cast<int>(sizeof pixels[0]),
                          PixelFormat32bppRGB, reinterpret_cast<BYTE*>(pixels.data()));
-  return bitmap.Save(Widen(path).c_str(), &kPngEncoder, nullptr) == Gdiplus::Ok;
+  return bitmap.Save(WideFromAnsi(path).c_str(), &kPngEncoder, nullptr) == Gdiplus::Ok;
 }

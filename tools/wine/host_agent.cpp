@@ -8,6 +8,8 @@
 #include <array>
 #include <random>
 
+#include "files/wide_text.h"
+
 namespace bridge {
 namespace {
 
@@ -28,14 +30,6 @@ std::wstring WindowsNameOf(std::wstring unix_path) {
   return L"\\\\?\\unix" + unix_path;
 }
 
-std::wstring Wide(const std::string& utf8) {
-  const int length = static_cast<int>(utf8.size());
-  std::wstring wide(
-      static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, nullptr, 0)), L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, wide.data(), static_cast<int>(wide.size()));
-  return wide;
-}
-
 }  // namespace
 
 std::string RandomToken() {
@@ -52,23 +46,23 @@ std::string StartAgent(unsigned short port, const std::string& token) {
   const std::wstring agent = AgentPath();
   const auto agent_unix = ToUnixPath(agent);
   if (!agent_unix || GetFileAttributesW(agent.c_str()) == INVALID_FILE_ATTRIBUTES) {
-    return "cannot find " + Utf8(agent);
+    return "cannot find " + Utf8FromWide(agent);
   }
   const std::wstring interpreter = EnvironmentValue(L"MOSAICON_HOST_PYTHON").value_or(kDefaultInterpreter);
   if (!interpreter.starts_with(L'/')) {
-    return "MOSAICON_HOST_PYTHON is no absolute Unix path: " + Utf8(interpreter);
+    return "MOSAICON_HOST_PYTHON is no absolute Unix path: " + Utf8FromWide(interpreter);
   }
 
   // The full path as the first word: Python finds its own files from there. Isolated, so that
   // variables meant for the script do not change the agent.
-  std::wstring command_line = L"\"" + interpreter + L"\" -I \"" + Wide(*agent_unix) + L"\" " +
-                              std::to_wstring(port) + L" " + Wide(token);
+  std::wstring command_line = L"\"" + interpreter + L"\" -I \"" + WideFromUtf8(*agent_unix) + L"\" " +
+                              std::to_wstring(port) + L" " + WideFromUtf8(token);
   STARTUPINFOW startup{};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION process{};
   if (!CreateProcessW(WindowsNameOf(interpreter).c_str(), command_line.data(), nullptr, nullptr, FALSE,
                       CREATE_NO_WINDOW, nullptr, nullptr, &startup, &process)) {
-    return "cannot start " + Utf8(interpreter) + " (error " + std::to_string(GetLastError()) + ")";
+    return "cannot start " + Utf8FromWide(interpreter) + " (error " + std::to_string(GetLastError()) + ")";
   }
   for (const HANDLE handle : {process.hProcess, process.hThread}) {
     if (handle != nullptr) {

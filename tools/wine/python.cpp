@@ -24,6 +24,8 @@
 #include <string>
 #include <string_view>
 
+#include "files/wide_text.h"
+
 namespace {
 
 using bridge::Frame;
@@ -67,7 +69,7 @@ bool SendRequest(HostChannel& channel) {
   for (const wchar_t* name : {L"MOSAICON_TILER_LOG", L"LOCALAPPDATA", L"TEMP", L"TMP"}) {
     if (const auto value = bridge::EnvironmentValue(name)) {
       sent = sent && channel.Send(FrameKind::kVariable,
-                                  bridge::Utf8(name) + "=" + bridge::ToUnixPath(*value).value_or(""));
+                                  Utf8FromWide(name) + "=" + bridge::ToUnixPath(*value).value_or(""));
     }
   }
   return sent && channel.Send(FrameKind::kGo);

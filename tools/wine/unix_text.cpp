@@ -7,6 +7,8 @@
 #include <memory>
 #include <string_view>
 
+#include "files/wide_text.h"
+
 namespace bridge {
 namespace {
 
@@ -57,16 +59,6 @@ bool RunsUnderWine() {
   return WineUnixFileName() != nullptr;
 }
 
-std::string Utf8(const std::wstring& text) {
-  const int length = static_cast<int>(text.size());
-  std::string utf8(static_cast<std::size_t>(
-                       WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr)),
-                   '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text.data(), length, utf8.data(), static_cast<int>(utf8.size()), nullptr,
-                      nullptr);
-  return utf8;
-}
-
 std::vector<Argument> ScriptArguments(const std::wstring& command_line) {
   std::vector<Argument> arguments;
   int count = 0;
@@ -76,7 +68,7 @@ std::vector<Argument> ScriptArguments(const std::wstring& command_line) {
   for (int i = 1; words && i < count; ++i) {
     const std::wstring word = words.get()[i];
     const auto path = IsAbsolutePath(word) ? ToUnixPath(word) : std::nullopt;
-    arguments.push_back({path ? *path : Utf8(word), path.has_value()});
+    arguments.push_back({path ? *path : Utf8FromWide(word), path.has_value()});
   }
   return arguments;
 }
@@ -109,7 +101,7 @@ std::optional<std::string> ToUnixPath(const std::wstring& path) {
   if (result.ends_with('/') && !missing.empty()) {
     result.pop_back();
   }
-  return result + Utf8(missing);
+  return result + Utf8FromWide(missing);
 }
 
 std::optional<std::wstring> EnvironmentValue(const wchar_t* name) {

@@ -18,9 +18,6 @@ struct Argument {
 
 bool RunsUnderWine();
 
-// Text that is no valid UTF-16 comes back with replacement characters.
-std::string Utf8(const std::wstring& text);
-
 // Arguments behind the program name of a raw command line. A line that begins with a blank has the
 // empty text as its program name. Absolute Windows paths come as Unix paths, everything else as is.
 std::vector<Argument> ScriptArguments(const std::wstring& command_line);
