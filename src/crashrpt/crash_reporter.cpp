@@ -2,9 +2,15 @@
 
 #include <shlobj.h>
 
+#include <utility>
+#include <vector>
+
 #include "crashrpt/crashrpt.h"
 #include "crashrpt/report_name.h"
 #include "crashrpt/sender_process.h"
+#include "files/system_files.h"
+#include "handles/mapped_view.h"
+#include "handles/unique_handle.h"
 
 namespace {
 
@@ -38,26 +44,21 @@ Reporter g_reporter;
 }
 
 bool HasUndelivered() {
-  WIN32_FIND_DATAA data;
-  const std::string pattern = std::string(g_reporter.handOver->reportFolder) + "\\pending\\*Z-*";
-  const HANDLE search = FindFirstFileA(pattern.c_str(), &data);
-  if (search == INVALID_HANDLE_VALUE) return false;
-  FindClose(search);
-  return true;
+  std::vector<FoundFile> found;
+  SystemFiles().Find(std::string(g_reporter.handOver->reportFolder) + "\\pending\\*Z-*", found);
+  return !found.empty();
 }
 
 void DeliverUndelivered() {
   if (g_reporter.handOver->uploadUrl[0] == '\0' || !HasUndelivered()) return;
-  const HANDLE process = g_reporter.sender.StartForRetry();
-  if (process != nullptr) CloseHandle(process);
+  (void)g_reporter.sender.StartForRetry();
 }
 
 // Returns at the crash, with the sender that waits for it; null when there is none.
-HANDLE KeepSenderUntilCrash(HANDLE sender) {
+UniqueHandle KeepSenderUntilCrash(UniqueHandle sender) {
   for (int replacements = 0; sender != nullptr; ++replacements) {
-    const HANDLE either[] = {g_reporter.crashed, sender};
+    const HANDLE either[] = {g_reporter.crashed, sender.get()};
     if (WaitForMultipleObjects(2, either, FALSE, INFINITE) == WAIT_OBJECT_0) return sender;
-    CloseHandle(sender);
     sender = replacements < kMaxReplacements ? g_reporter.sender.StartToWait() : nullptr;
   }
   WaitForSingleObject(g_reporter.crashed, INFINITE);
@@ -72,13 +73,13 @@ bool IsReportTaken(HANDLE sender) {
 }
 
 DWORD WINAPI RunReporter(void*) {
-  HANDLE sender = g_reporter.sender.StartToWait();
+  UniqueHandle started = g_reporter.sender.StartToWait();
   SetEvent(g_reporter.ready);
   DeliverUndelivered();
-  sender = KeepSenderUntilCrash(sender);
+  const UniqueHandle sender = KeepSenderUntilCrash(std::move(started));
   const bool wanted = g_reporter.callback == nullptr || g_reporter.callback(nullptr) != 0;
-  EndProcess(wanted && sender != nullptr && IsReportTaken(sender) ? CRASH_EXIT_REPORTED
-                                                                  : CRASH_EXIT_UNREPORTED);
+  EndProcess(wanted && sender != nullptr && IsReportTaken(sender.get()) ? CRASH_EXIT_REPORTED
+                                                                        : CRASH_EXIT_UNREPORTED);
 }
 
 // The user's folder for data of this computer. Its variable may be missing where a service or a script
@@ -107,45 +108,47 @@ bool FillFolder(HandOver& handOver, std::string& error) {
   return true;
 }
 
-// Handles that are opened together and stay open when all went well.
+// What is opened together, and stays open when all went well.
 class Resources {
  public:
-  Resources() = default;
-  Resources(const Resources&) = delete;
-  Resources& operator=(const Resources&) = delete;
-  ~Resources() {
-    if (m_bKept) return;
-    if (m_view != nullptr) UnmapViewOfFile(m_view);
-    for (HANDLE handle : {m_handles.handOver, m_handles.crashed, m_handles.reportTaken, m_handles.program,
-                          m_ready, m_crashed}) {
-      if (handle != nullptr) CloseHandle(handle);
-    }
-  }
   bool Open() {
-    m_handles.handOver =
-        CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(HandOver), nullptr);
-    if (m_handles.handOver == nullptr) return false;
-    m_view = MapViewOfFile(m_handles.handOver, FILE_MAP_ALL_ACCESS, 0, 0, 0);
-    for (HANDLE* event : {&m_handles.crashed, &m_handles.reportTaken, &m_ready, &m_crashed}) {
-      *event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    m_handOver.reset(
+        CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(HandOver), nullptr));
+    if (m_handOver == nullptr) return false;
+    m_view.reset(static_cast<HandOver*>(MapViewOfFile(m_handOver.get(), FILE_MAP_ALL_ACCESS, 0, 0, 0)));
+    for (UniqueHandle* event : {&m_crashedForSender, &m_reportTaken, &m_ready, &m_crashed}) {
+      event->reset(CreateEventA(nullptr, TRUE, FALSE, nullptr));
       if (*event == nullptr) return false;
     }
+    HANDLE program = nullptr;
     const BOOL duplicated = DuplicateHandle(GetCurrentProcess(), GetCurrentProcess(), GetCurrentProcess(),
-                                            &m_handles.program, 0, FALSE, DUPLICATE_SAME_ACCESS);
+                                            &program, 0, FALSE, DUPLICATE_SAME_ACCESS);
+    m_program.reset(program);
     return m_view != nullptr && duplicated;
   }
-  const SenderHandles& ForSender() const { return m_handles; }
-  HANDLE Ready() const { return m_ready; }
-  HANDLE Crashed() const { return m_crashed; }
-  HandOver* View() const { return static_cast<HandOver*>(m_view); }
-  void Keep() { m_bKept = true; }
+  SenderHandles ForSender() const {
+    return {m_handOver.get(), m_crashedForSender.get(), m_reportTaken.get(), m_program.get()};
+  }
+  HANDLE Ready() const { return m_ready.get(); }
+  HANDLE Crashed() const { return m_crashed.get(); }
+  HandOver* View() const { return m_view.get(); }
+  // From here on nothing is closed before the process ends.
+  void Keep() {
+    (void)m_view.release();
+    for (UniqueHandle* handle :
+         {&m_handOver, &m_crashedForSender, &m_reportTaken, &m_program, &m_ready, &m_crashed}) {
+      (void)handle->release();
+    }
+  }
 
  private:
-  SenderHandles m_handles = {};
-  HANDLE m_ready = nullptr;
-  HANDLE m_crashed = nullptr;
-  void* m_view = nullptr;
-  bool m_bKept = false;
+  UniqueHandle m_handOver;
+  UniqueHandle m_crashedForSender;
+  UniqueHandle m_reportTaken;
+  UniqueHandle m_program;
+  UniqueHandle m_ready;
+  UniqueHandle m_crashed;
+  MappedView<HandOver> m_view;
 };
 
 EXCEPTION_POINTERS* PointersOfThisPlace(CrashKind kind) {
@@ -188,14 +191,13 @@ bool StartCrashReporter(const CrashInstallInfo& info, const std::string& senderP
   g_reporter.forSender = resources.ForSender();
   g_reporter.ready = resources.Ready();
   g_reporter.crashed = resources.Crashed();
-  const HANDLE thread = CreateThread(nullptr, kReporterStack, RunReporter, nullptr,
-                                     STACK_SIZE_PARAM_IS_A_RESERVATION, &g_reporter.threadId);
+  const UniqueHandle thread(CreateThread(nullptr, kReporterStack, RunReporter, nullptr,
+                                         STACK_SIZE_PARAM_IS_A_RESERVATION, &g_reporter.threadId));
   if (thread == nullptr) {
     g_reporter.handOver = nullptr;
     error = "No thread for crash reports could be started, error " + std::to_string(GetLastError()) + ".";
     return false;
   }
-  CloseHandle(thread);
   resources.Keep();
   // From the first moment on: a crash may come soon, and with the locks that starting takes.
   WaitForSingleObject(g_reporter.ready, kReadyBound);

@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <exception>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -24,7 +23,9 @@
 #include "crashrpt/report_store.h"
 #include "crashrpt/report_writer.h"
 #include "crashrpt/send_dialog.h"
-#include "crashrpt/unique_handle.h"
+#include "files/system_files.h"
+#include "handles/mapped_view.h"
+#include "handles/unique_handle.h"
 
 namespace {
 
@@ -40,10 +41,7 @@ UniqueHandle InheritedHandle(const char* number) {
   return UniqueHandle(reinterpret_cast<HANDLE>(std::strtoull(number, nullptr, 10)));
 }
 
-struct ViewCloser {
-  void operator()(const HandOver* view) const { UnmapViewOfFile(view); }
-};
-using View = std::unique_ptr<const HandOver, ViewCloser>;
+using View = MappedView<const HandOver>;
 
 // Null when the handle is not what it should be.
 View OpenHandOver(HANDLE mapping) {
@@ -65,7 +63,7 @@ std::string Send(const std::string& application, const ReportStore& store, const
                  bool withPicture, const std::string& url) {
   const std::string error = DeliverAgreed(store, name, withPicture, url);
   if (error.empty()) return "The report was sent. Thank you.";
-  if (!PathExists(store.PendingPath(name))) return error + " The report is kept.";
+  if (!SystemFiles().Exists(store.PendingPath(name))) return error + " The report is kept.";
   return error + " The report is kept, and sending it is tried again when " + application +
          " starts the next time.";
 }
@@ -121,7 +119,7 @@ DWORD WINAPI EndAfterBound(void*) {
 int Retry(HANDLE mapping) {
   const View handOver = OpenHandOver(mapping);
   if (handOver == nullptr) return kWrongArguments;
-  CloseHandle(CreateThread(nullptr, 0, EndAfterBound, nullptr, 0, nullptr));
+  const UniqueHandle bound(CreateThread(nullptr, 0, EndAfterBound, nullptr, 0, nullptr));
   DeliverPending(ReportStore(handOver->reportFolder), handOver->uploadUrl);
   return kDone;
 }

@@ -8,6 +8,7 @@
 #include "crashrpt/multipart.h"
 #include "crashrpt/report_name.h"
 #include "crashrpt/report_xml.h"
+#include "files/system_files.h"
 
 namespace {
 
@@ -91,6 +92,6 @@ void DeliverPending(const ReportStore& store, const std::string& url) {
     const UniqueHandle lock = store.LockDelivery(name);
     if (lock.get() == INVALID_HANDLE_VALUE) continue;
     // Another process may have delivered it before the lock was ours.
-    if (PathExists(store.PendingPath(name))) DeliverLocked(store, name, url);
+    if (SystemFiles().Exists(store.PendingPath(name))) DeliverLocked(store, name, url);
   }
 }

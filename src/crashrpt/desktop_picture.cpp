@@ -5,7 +5,7 @@
 #include <objidl.h>
 
 #include <algorithm>
-#include <memory>
+#include <utility>
 
 namespace Gdiplus {
 using std::max;
@@ -14,6 +14,7 @@ using std::min;
 #include <gdiplus.h>
 
 #include "files/wide_text.h"
+#include "handles/drawing_handles.h"
 
 namespace {
 
@@ -21,39 +22,23 @@ namespace flat = Gdiplus::DllExports;
 
 constexpr CLSID kPngEncoder = {0x557CF406, 0x1A04, 0x11D3, {0x9A, 0x73, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
 
-struct BitmapDeleter {
-  void operator()(HBITMAP bitmap) const { DeleteObject(bitmap); }
-};
-using Bitmap = std::unique_ptr<std::remove_pointer_t<HBITMAP>, BitmapDeleter>;
+using Bitmap = GdiObject<HBITMAP>;
 
-class ScreenContext {
- public:
-  ScreenContext() : m_hScreen(GetDC(nullptr)), m_hMemory(CreateCompatibleDC(m_hScreen)) {}
-  ~ScreenContext() {
-    DeleteDC(m_hMemory);
-    ReleaseDC(nullptr, m_hScreen);
-  }
-  ScreenContext(const ScreenContext&) = delete;
-  ScreenContext& operator=(const ScreenContext&) = delete;
-
-  // Null when it failed.
-  Bitmap CopyDesktop() const {
-    const int left = GetSystemMetrics(SM_XVIRTUALSCREEN);
-    const int top = GetSystemMetrics(SM_YVIRTUALSCREEN);
-    const int width = GetSystemMetrics(SM_CXVIRTUALSCREEN);
-    const int height = GetSystemMetrics(SM_CYVIRTUALSCREEN);
-    Bitmap bitmap(CreateCompatibleBitmap(m_hScreen, width, height));
-    if (bitmap == nullptr) return nullptr;
-    const HGDIOBJ before = SelectObject(m_hMemory, bitmap.get());
-    const BOOL copied = BitBlt(m_hMemory, 0, 0, width, height, m_hScreen, left, top, SRCCOPY | CAPTUREBLT);
-    SelectObject(m_hMemory, before);
-    return copied ? std::move(bitmap) : nullptr;
-  }
-
- private:
-  HDC m_hScreen;
-  HDC m_hMemory;
-};
+// Null when it failed.
+Bitmap CopyDesktop() {
+  const WindowContext screen(nullptr);
+  const MemoryContext memory(screen.Get());
+  const int left = GetSystemMetrics(SM_XVIRTUALSCREEN);
+  const int top = GetSystemMetrics(SM_YVIRTUALSCREEN);
+  const int width = GetSystemMetrics(SM_CXVIRTUALSCREEN);
+  const int height = GetSystemMetrics(SM_CYVIRTUALSCREEN);
+  Bitmap bitmap(CreateCompatibleBitmap(screen.Get(), width, height));
+  if (bitmap == nullptr) return nullptr;
+  const Selected selected(memory.Get(), bitmap.get());
+  const BOOL copied =
+      BitBlt(memory.Get(), 0, 0, width, height, screen.Get(), left, top, SRCCOPY | CAPTUREBLT);
+  return copied ? std::move(bitmap) : nullptr;
+}
 
 class GdiPlus {
  public:
@@ -84,8 +69,7 @@ class GdiPlus {
 }  // namespace
 
 std::string WriteDesktopPicture(const std::string& path) {
-  const ScreenContext screen;
-  const Bitmap bitmap = screen.CopyDesktop();
+  const Bitmap bitmap = CopyDesktop();
   if (bitmap == nullptr) return "The screen could not be copied.";
   const GdiPlus gdiPlus;
   return gdiPlus.SavePng(bitmap.get(), path) ? "" : "The picture could not be written.";

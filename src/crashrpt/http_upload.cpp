@@ -8,9 +8,9 @@
 #include <optional>
 #include <vector>
 
-#include "crashrpt/unique_handle.h"
 #include "crashrpt/upload_url.h"
 #include "files/wide_text.h"
+#include "handles/unique_handle.h"
 
 namespace {
 

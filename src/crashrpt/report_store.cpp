@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "crashrpt/report_name.h"
+#include "files/system_files.h"
 
 namespace {
 
@@ -19,14 +20,12 @@ bool MakeFolders(const std::string& path) {
 
 // Names of the folders in a folder, sorted.
 std::vector<std::string> FoldersIn(const std::string& folder) {
+  std::vector<FoundFile> found;
+  SystemFiles().Find(folder + "\\*", found);
   std::vector<std::string> names;
-  WIN32_FIND_DATAA data;
-  const HANDLE search = FindFirstFileA((folder + "\\*").c_str(), &data);
-  if (search == INVALID_HANDLE_VALUE) return names;
-  do {
-    if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) names.emplace_back(data.cFileName);
-  } while (FindNextFileA(search, &data));
-  FindClose(search);
+  for (const FoundFile& each : found) {
+    if (each.isDirectory) names.push_back(each.name);
+  }
   std::sort(names.begin(), names.end());
   return names;
 }
@@ -103,8 +102,4 @@ bool ReplaceFileBytes(const std::string& path, const std::string& bytes) {
   if (file.good() && MoveFileExA(newPath.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
   DeleteFileA(newPath.c_str());
   return false;
-}
-
-bool PathExists(const std::string& path) {
-  return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "crashrpt/unique_handle.h"
+#include "handles/unique_handle.h"
 
 inline constexpr size_t kKeptReports = 20;
 
@@ -47,8 +47,5 @@ class ReportStore {
 
 // Makes the file, or puts it in the place of the one that is there. False when it stays as it was.
 bool ReplaceFileBytes(const std::string& path, const std::string& bytes);
-
-// Whether there is anything at path.
-bool PathExists(const std::string& path);
 
 #endif  // MOSAICON_CRASHRPT_REPORT_STORE_H_

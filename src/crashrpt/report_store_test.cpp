@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "files/system_files.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -26,10 +27,10 @@ class Store : public testing::Test {
 
 TEST_F(Store, KeepsReportsByHowFarTheyAre) {
   ASSERT_TRUE(m_store.Begin(kOld));
-  EXPECT_FALSE(PathExists(m_store.Path(kOld))) << "not complete yet";
+  EXPECT_FALSE(SystemFiles().Exists(m_store.Path(kOld))) << "not complete yet";
   WriteFile(m_store.UnfinishedPath(kOld) + "\\report.xml", "xml");
   ASSERT_TRUE(m_store.Complete(kOld));
-  EXPECT_FALSE(PathExists(m_store.UnfinishedPath(kOld)));
+  EXPECT_FALSE(SystemFiles().Exists(m_store.UnfinishedPath(kOld)));
   EXPECT_TRUE(m_store.Pending().empty()) << "the user was not asked";
   ASSERT_TRUE(m_store.MarkAgreed(kOld));
   EXPECT_EQ(m_store.Pending(), std::vector<std::string>{kOld});
@@ -60,17 +61,18 @@ TEST_F(Store, KeepsTheNewestReports) {
   CreateDirectoryA(m_store.Path("20260101T000000Z-not-ours").c_str(), nullptr);
 
   m_store.KeepNewest(6);
-  EXPECT_TRUE(PathExists(m_store.SentPath(sent))) << "they are no more than six";
+  EXPECT_TRUE(SystemFiles().Exists(m_store.SentPath(sent))) << "they are no more than six";
   const UniqueHandle lock = m_store.LockDelivery(delivered);
   m_store.KeepNewest(2);
-  EXPECT_FALSE(PathExists(m_store.SentPath(sent)));
-  EXPECT_FALSE(PathExists(m_store.PendingPath(pending)));
-  EXPECT_TRUE(PathExists(m_store.PendingPath(delivered) + "\\report.xml")) << "it is being delivered";
-  EXPECT_FALSE(PathExists(m_store.UnfinishedPath(unfinished)));
-  EXPECT_TRUE(PathExists(m_store.Path(declined) + "\\report.xml"));
-  EXPECT_TRUE(PathExists(m_store.Path(last) + "\\report.xml"));
-  EXPECT_TRUE(PathExists(m_store.Path("notes.txt")));
-  EXPECT_TRUE(PathExists(m_store.Path("20260101T000000Z-not-ours")));
+  EXPECT_FALSE(SystemFiles().Exists(m_store.SentPath(sent)));
+  EXPECT_FALSE(SystemFiles().Exists(m_store.PendingPath(pending)));
+  EXPECT_TRUE(SystemFiles().Exists(m_store.PendingPath(delivered) + "\\report.xml"))
+      << "it is being delivered";
+  EXPECT_FALSE(SystemFiles().Exists(m_store.UnfinishedPath(unfinished)));
+  EXPECT_TRUE(SystemFiles().Exists(m_store.Path(declined) + "\\report.xml"));
+  EXPECT_TRUE(SystemFiles().Exists(m_store.Path(last) + "\\report.xml"));
+  EXPECT_TRUE(SystemFiles().Exists(m_store.Path("notes.txt")));
+  EXPECT_TRUE(SystemFiles().Exists(m_store.Path("20260101T000000Z-not-ours")));
 }
 
 TEST_F(Store, DeletesNothingOfTheUsersInAReport) {
@@ -78,7 +80,7 @@ TEST_F(Store, DeletesNothingOfTheUsersInAReport) {
   WriteFile(m_store.Path(kOld) + "\\notes.txt", "of the user");
   m_store.KeepNewest(0);
   EXPECT_EQ(ReadFile(m_store.Path(kOld) + "\\notes.txt"), "of the user");
-  EXPECT_FALSE(PathExists(m_store.Path(kOld) + "\\report.xml"));
+  EXPECT_FALSE(SystemFiles().Exists(m_store.Path(kOld) + "\\report.xml"));
 }
 
 TEST_F(Store, LocksADeliveryUntilItEnds) {
@@ -90,7 +92,7 @@ TEST_F(Store, LocksADeliveryUntilItEnds) {
   EXPECT_TRUE(m_store.MarkAgreed(kOld)) << "the lock does not hold the report";
   EXPECT_TRUE(m_store.MarkSent(kOld));
   lock.reset();
-  EXPECT_FALSE(PathExists(m_store.PendingPath(kOld) + ".lock"));
+  EXPECT_FALSE(SystemFiles().Exists(m_store.PendingPath(kOld) + ".lock"));
   EXPECT_NE(m_store.LockDelivery(kOld).get(), INVALID_HANDLE_VALUE);
 }
 

@@ -44,17 +44,17 @@ bool SenderProcess::PrepareAttributes() {
                                    nullptr, nullptr);
 }
 
-HANDLE SenderProcess::StartToWait() {
+UniqueHandle SenderProcess::StartToWait() {
   const PROCESS_INFORMATION started = Start(m_waitCommand);
   m_waitingId = started.dwProcessId;
   // Here for its side effect: the first call of a thread into user32.dll needs the heap and the loader,
   // the next one does not.
   AllowToComeForward();
-  return started.hProcess;
+  return UniqueHandle(started.hProcess);
 }
 
-HANDLE SenderProcess::StartForRetry() {
-  return Start(m_retryCommand).hProcess;
+UniqueHandle SenderProcess::StartForRetry() {
+  return UniqueHandle(Start(m_retryCommand).hProcess);
 }
 
 void SenderProcess::AllowToComeForward() const {
@@ -74,7 +74,7 @@ PROCESS_INFORMATION SenderProcess::Start(char* commandLine) {
                                  &startup.StartupInfo, &started);
   SetInheritable(false);
   if (!ok) return {};
-  CloseHandle(started.hThread);
+  const UniqueHandle thread(started.hThread);
   return started;
 }
 

@@ -7,6 +7,8 @@
 
 #include <string>
 
+#include "handles/unique_handle.h"
+
 // What the sender gets, and nothing else that the program has open.
 struct SenderHandles {
   HANDLE handOver;     // file mapping with a HandOver
@@ -26,9 +28,9 @@ class SenderProcess {
   bool Prepare(const std::string& program, const SenderHandles& handles, std::string& error);
 
   // Starts one that waits for the crash or the end of this process, or one that delivers what was left
-  // over. Returns the process, for the caller to close, or null. One thread, always the same.
-  HANDLE StartToWait();
-  HANDLE StartForRetry();
+  // over. Returns the process, or null. One thread, always the same.
+  UniqueHandle StartToWait();
+  UniqueHandle StartForRetry();
 
   // Otherwise the window of the one that waits would open behind those of other programs. On that thread.
   void AllowToComeForward() const;

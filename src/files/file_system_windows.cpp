@@ -4,6 +4,7 @@
 
 #include "files/read_file.h"
 #include "files/system_files.h"
+#include "handles/unique_handle.h"
 
 namespace {
 
@@ -13,11 +14,6 @@ struct FindCloser {
   void operator()(HANDLE search) const { FindClose(search); }
 };
 using Search = std::unique_ptr<void, FindCloser>;
-
-struct HandleCloser {
-  void operator()(HANDLE file) const { CloseHandle(file); }
-};
-using File = std::unique_ptr<void, HandleCloser>;
 
 // Without regard to case, as the file system sees names.
 std::string Fold(std::string path) {
@@ -92,12 +88,11 @@ std::string SystemFiles::FullPath(const std::string& path) {
 }
 
 std::string SystemFiles::Identity(const std::string& path) {
-  const HANDLE handle = CreateFileA(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-  if (handle == INVALID_HANDLE_VALUE) return Exists(path) ? Fold(FullPath(path)) : std::string();
-  const File file(handle);
-  std::string identity = NumberOf(handle);
-  if (identity.empty()) identity = FinalPathOf(handle);
+  const UniqueHandle file(CreateFileA(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+  if (file.get() == INVALID_HANDLE_VALUE) return Exists(path) ? Fold(FullPath(path)) : std::string();
+  std::string identity = NumberOf(file.get());
+  if (identity.empty()) identity = FinalPathOf(file.get());
   return identity.empty() ? Fold(FullPath(path)) : identity;
 }
 

@@ -27,12 +27,12 @@ class CurrentDirectory {
   bool m_bSaved;
 };
 
-HANDLE MakeProcessTree() {
-  HANDLE tree = CreateJobObjectA(nullptr, nullptr);
+UniqueHandle MakeProcessTree() {
+  UniqueHandle tree(CreateJobObjectA(nullptr, nullptr));
   if (tree == nullptr) return nullptr;
   JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
   limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
-  SetInformationJobObject(tree, JobObjectExtendedLimitInformation, &limits, sizeof limits);
+  SetInformationJobObject(tree.get(), JobObjectExtendedLimitInformation, &limits, sizeof limits);
   return tree;
 }
 
@@ -46,20 +46,14 @@ bool ChildProcess::Start(const char* application, const std::string& commandLine
                          STARTUPINFOA& startup, bool inheritHandles) {
   if (commandLine.size() >= kCommandLineBuffer) return false;
   // Made first: what the process starts before it is assigned does not belong to the tree.
-  m_hTree = MakeProcessTree();
+  m_tree = MakeProcessTree();
   const bool started = CreateThere(application, commandLine, folder, startup, inheritHandles);
   if (started) {
-    AssignProcessToJobObject(m_hTree, m_process.hProcess);
+    AssignProcessToJobObject(m_tree.get(), m_process.get());
   } else {
-    m_process = {};
-    CloseTree();
+    m_tree.reset();
   }
   return started;
-}
-
-void ChildProcess::CloseTree() {
-  if (m_hTree != nullptr) CloseHandle(m_hTree);
-  m_hTree = nullptr;
 }
 
 bool ChildProcess::CreateThere(const char* application, const std::string& commandLine,
@@ -68,15 +62,19 @@ bool ChildProcess::CreateThere(const char* application, const std::string& comma
   char buffer[kCommandLineBuffer] = {};
   std::memcpy(buffer, commandLine.c_str(), commandLine.size());
   const CurrentDirectory there(folder);
-  return CreateProcessA(application, buffer, nullptr, nullptr, inheritHandles, CREATE_NO_WINDOW, nullptr,
-                        nullptr, &startup, &m_process) != FALSE;
+  PROCESS_INFORMATION made = {};
+  if (!CreateProcessA(application, buffer, nullptr, nullptr, inheritHandles, CREATE_NO_WINDOW, nullptr,
+                      nullptr, &startup, &made)) {
+    return false;
+  }
+  m_process.reset(made.hProcess);
+  const UniqueHandle thread(made.hThread);
+  return true;
 }
 
 void ChildProcess::Terminate() {
-  if (m_process.hProcess == nullptr) return;
-  TerminateProcess(m_process.hProcess, kKilledExitCode);
-  CloseHandle(m_process.hProcess);
-  CloseHandle(m_process.hThread);
-  m_process = {};
-  CloseTree();
+  if (m_process == nullptr) return;
+  TerminateProcess(m_process.get(), kKilledExitCode);
+  m_process.reset();
+  m_tree.reset();
 }

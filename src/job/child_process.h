@@ -7,6 +7,8 @@
 
 #include <string>
 
+#include "handles/unique_handle.h"
+
 class ChildProcess {
  public:
   ChildProcess() = default;
@@ -22,7 +24,7 @@ class ChildProcess {
              STARTUPINFOA& startup, bool inheritHandles);
 
   // Null when nothing was started.
-  HANDLE Process() const { return m_process.hProcess; }
+  HANDLE Process() const { return m_process.get(); }
 
   // Ends the process with exit code 9, also one that has ended already, and closes its handles.
   // What it started itself ends with it.
@@ -31,10 +33,9 @@ class ChildProcess {
  private:
   bool CreateThere(const char* application, const std::string& commandLine, const std::string& folder,
                    STARTUPINFOA& startup, bool inheritHandles);
-  void CloseTree();
 
-  PROCESS_INFORMATION m_process = {};
-  HANDLE m_hTree = nullptr;  // job object: closing it ends the whole process tree
+  UniqueHandle m_process;
+  UniqueHandle m_tree;  // job object: closing it ends the whole process tree
 };
 
 #endif  // MOSAICON_JOB_CHILD_PROCESS_H_

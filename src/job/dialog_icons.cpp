@@ -29,17 +29,10 @@ void DialogIcons::ShowInCaption(HWND window, const char* name) {
 HICON DialogIcons::Find(const char* name, int size, HWND window) {
   const int pixels = afx::Scale(size, afx::GetWindowDpi(window));
   const std::string text = IS_INTRESOURCE(name) ? "#" + std::to_string(LOWORD(name)) : name;
-  HICON& icon = m_icons[{text, pixels}];
+  Icon& icon = m_icons[{text, pixels}];
   if (icon == nullptr) {
-    icon = static_cast<HICON>(
-        LoadImageA(AfxGetInstanceHandle(), name, IMAGE_ICON, pixels, pixels, LR_DEFAULTCOLOR));
+    icon.reset(static_cast<HICON>(
+        LoadImageA(AfxGetInstanceHandle(), name, IMAGE_ICON, pixels, pixels, LR_DEFAULTCOLOR)));
   }
-  return icon;
-}
-
-void DialogIcons::DestroyAll() {
-  for (const auto& [key, icon] : m_icons) {
-    if (icon != nullptr) DestroyIcon(icon);
-  }
-  m_icons.clear();
+  return icon.get();
 }

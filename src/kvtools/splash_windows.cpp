@@ -1,8 +1,6 @@
 #include <windows.h>
 
-#include <memory>
-#include <type_traits>
-
+#include "handles/drawing_handles.h"
 #include "kvtools/kvtools.h"
 #include "kvtools/screen_geometry.h"
 #include "kvtools/system_function.h"
@@ -12,46 +10,18 @@ namespace {
 constexpr char kClassName[] = "KVToolsSplashScreen";
 constexpr UINT_PTR kEndTimer = 1;
 
-struct BitmapDeleter {
-  void operator()(HBITMAP bitmap) const { DeleteObject(bitmap); }
-};
-using UniqueBitmap = std::unique_ptr<std::remove_pointer_t<HBITMAP>, BitmapDeleter>;
-
 PixelSize SizeOf(HBITMAP bitmap) {
   BITMAP facts = {};
   GetObjectA(bitmap, sizeof facts, &facts);
   return {facts.bmWidth, facts.bmHeight};
 }
 
-// A device context in memory with a bitmap in it, to copy from.
-class BitmapSource {
- public:
-  BitmapSource(HDC target, HBITMAP bitmap) : m_hDc(CreateCompatibleDC(target)) {
-    m_hPrevious = SelectObject(m_hDc, bitmap);
-  }
-  ~BitmapSource() {
-    SelectObject(m_hDc, m_hPrevious);
-    DeleteDC(m_hDc);
-  }
-  BitmapSource(const BitmapSource&) = delete;
-  BitmapSource& operator=(const BitmapSource&) = delete;
-
-  HDC Get() const { return m_hDc; }
-
- private:
-  HDC m_hDc;
-  HGDIOBJ m_hPrevious;
-};
-
 // In pixels as the process sees them: 96 when the system scales its windows for it.
 int DotsPerInch(HWND window) {
   using GetDpiForWindowFunction = UINT(WINAPI*)(HWND);
   const auto getDpi = FindSystemFunction<GetDpiForWindowFunction>("user32.dll", "GetDpiForWindow");
   if (getDpi != nullptr) return static_cast<int>(getDpi(window));
-  HDC screen = GetDC(nullptr);
-  const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
-  ReleaseDC(nullptr, screen);
-  return dpi;
+  return GetDeviceCaps(WindowContext(nullptr).Get(), LOGPIXELSX);
 }
 
 PixelRect PrimaryWorkArea() {
@@ -183,7 +153,8 @@ void SplashWindow::Paint() {
   HDC target = BeginPaint(m_hWindow, &paint);
   if (target == nullptr) return;
   {
-    const BitmapSource source(target, m_hBitmap);
+    const MemoryContext source(target);
+    const Selected picture(source.Get(), m_hBitmap);
     const PixelSize bitmap = SizeOf(m_hBitmap);
     RECT client = {};
     GetClientRect(m_hWindow, &client);
@@ -199,7 +170,7 @@ void SplashWindow::Paint() {
 
 int KVT_ShowSplashScreen(int bitmapId, int milliseconds) {
   if (milliseconds <= 0) return 0;
-  const UniqueBitmap bitmap(static_cast<HBITMAP>(LoadImageA(
+  const GdiObject<HBITMAP> bitmap(static_cast<HBITMAP>(LoadImageA(
       GetModuleHandleA(nullptr), MAKEINTRESOURCEA(bitmapId), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION)));
   if (bitmap == nullptr) return 0;
   SplashWindow splash(bitmap.get());

@@ -43,6 +43,8 @@ constexpr std::array<NamedColor, 16> kColors = {{
 // Of the menu's entries: a colour has its place in kColors and one; 0 is no choice.
 constexpr UINT kOtherCommand = kColors.size() + 1;
 
+using Bitmap = GdiObject<HBITMAP>;
+
 struct MenuDeleter {
   void operator()(HMENU menu) const { DestroyMenu(menu); }
 };
@@ -55,16 +57,13 @@ const NamedColor* FindNamed(COLORREF color) {
 }
 
 Bitmap MakeSwatch(COLORREF color, UINT dpi) {
-  const WindowContext screen(nullptr, WindowContext::Area::kClient);
+  const WindowContext screen(nullptr);
   const RECT all = {0, 0, Scale(24, dpi), Scale(14, dpi)};
   Bitmap bitmap(CreateCompatibleBitmap(screen.Get(), all.right, all.bottom));
-  const HDC context = CreateCompatibleDC(screen.Get());
-  {
-    const Selected selected(context, bitmap.get());
-    FillWith(context, all, color);
-    FrameWith(context, all, RGB(128, 128, 128), 1);
-  }
-  DeleteDC(context);
+  const MemoryContext context(screen.Get());
+  const Selected selected(context.Get(), bitmap.get());
+  FillWith(context.Get(), all, color);
+  FrameWith(context.Get(), all, RGB(128, 128, 128), 1);
   return bitmap;
 }
 

@@ -3,9 +3,13 @@
 // After windows.h.
 #include <vssym32.h>
 
+#include <memory>
+
 namespace mfc_detail {
 
 namespace {
+
+using Brush = GdiObject<HBRUSH>;
 
 struct ThemeDeleter {
   void operator()(void* theme) const { CloseThemeData(theme); }

@@ -1,5 +1,5 @@
-// What the controls of this folder that draw themselves have in common: owners of drawing objects, and
-// themed drawing with the classic look where there is no theme.
+// What the controls of this folder that draw themselves have in common: themed drawing with the classic look
+// where there is no theme.
 //
 // User-interface thread. Sizes are in pixels.
 #ifndef MOSAICON_MFC_CONTROL_DRAWING_H_
@@ -9,52 +9,10 @@
 // After windows.h.
 #include <uxtheme.h>
 
-#include <memory>
-#include <type_traits>
-
+#include "handles/drawing_handles.h"
 #include "mfc/dpi.h"
 
 namespace mfc_detail {
-
-struct GdiDeleter {
-  void operator()(void* object) const { DeleteObject(object); }
-};
-template <class Handle>
-using GdiObject = std::unique_ptr<std::remove_pointer_t<Handle>, GdiDeleter>;
-using Brush = GdiObject<HBRUSH>;
-using Pen = GdiObject<HPEN>;
-using Font = GdiObject<HFONT>;
-using Bitmap = GdiObject<HBITMAP>;
-
-// An object in a device context, until the end of the block.
-class Selected {
- public:
-  Selected(HDC context, HGDIOBJ object) : m_hContext(context), m_hBefore(SelectObject(context, object)) {}
-  ~Selected() { SelectObject(m_hContext, m_hBefore); }
-  Selected(const Selected&) = delete;
-  Selected& operator=(const Selected&) = delete;
-
- private:
-  const HDC m_hContext;
-  const HGDIOBJ m_hBefore;
-};
-
-// Of a whole window with its frame, of a client area, or (window null) of the screen.
-class WindowContext {
- public:
-  enum class Area { kClient, kWithFrame };
-  WindowContext(HWND window, Area area)
-      : m_hWindow(window), m_hContext(area == Area::kClient ? GetDC(window) : GetWindowDC(window)) {}
-  ~WindowContext() { ReleaseDC(m_hWindow, m_hContext); }
-  WindowContext(const WindowContext&) = delete;
-  WindowContext& operator=(const WindowContext&) = delete;
-
-  HDC Get() const { return m_hContext; }
-
- private:
-  const HWND m_hWindow;
-  const HDC m_hContext;
-};
 
 using afx::GetWindowDpi;
 using afx::kDpiChangedAfterParent;

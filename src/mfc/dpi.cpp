@@ -1,5 +1,7 @@
 #include "mfc/dpi.h"
 
+#include "handles/drawing_handles.h"
+
 namespace {
 
 using GetDpiForWindowFunction = UINT(WINAPI*)(HWND);
@@ -20,10 +22,7 @@ UINT GetWindowDpi(HWND window) {
   static const GetDpiForWindowFunction getDpiForWindow = FindGetDpiForWindow();
   const UINT dpi = getDpiForWindow != nullptr && window != nullptr ? getDpiForWindow(window) : 0;
   if (dpi != 0) return dpi;
-  const HDC screen = GetDC(nullptr);
-  const int screenDpi = GetDeviceCaps(screen, LOGPIXELSX);
-  ReleaseDC(nullptr, screen);
-  return static_cast<UINT>(screenDpi);
+  return static_cast<UINT>(GetDeviceCaps(WindowContext(nullptr).Get(), LOGPIXELSX));
 }
 
 int Scale(int pixels, UINT dpi) {

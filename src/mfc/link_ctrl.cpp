@@ -8,6 +8,8 @@ using namespace mfc_detail;
 
 namespace {
 
+using Font = GdiObject<HFONT>;
+
 constexpr int kMargin = 2;  // around the text, for the focus rectangle; at 96 dpi
 
 // Anything else could start a program.
@@ -70,7 +72,7 @@ void CMFCLinkCtrl::SetTooltip(const std::string& text) {
 }
 
 SIZE CMFCLinkCtrl::SizeToContent() {
-  const WindowContext context(m_hWnd, WindowContext::Area::kClient);
+  const WindowContext context(m_hWnd);
   const Font font = UnderlinedFont(m_hWnd);
   const Selected selected(context.Get(), font.get());
   RECT text = {};

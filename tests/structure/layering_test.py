@@ -10,13 +10,14 @@ FIRST_INCLUDE = re.compile(r'^\s*#\s*include ["<]([^">]+)[">]', re.MULTILINE)
 
 # What each room may include besides itself. Nothing stands in both directions.
 ROOMS = {
-    "files": set(),
-    "kvtools": {"files"},
-    "mfc": {"files", "kvtools"},
+    "handles": set(),
+    "files": {"handles"},
+    "kvtools": {"files", "handles"},
+    "mfc": {"files", "handles", "kvtools"},
     "net": set(),
-    "crashrpt": {"files"},
+    "crashrpt": {"files", "handles"},
     "progress": {"kvtools", "mfc"},
-    "job": {"files", "kvtools", "mfc", "progress"},
+    "job": {"files", "handles", "kvtools", "mfc", "progress"},
     "publish": {"files", "kvtools", "mfc", "net", "progress"},
     "batch": {"files", "job", "kvtools", "mfc", "progress"},
     "app": {"crashrpt", "job", "kvtools", "mfc", "publish"},

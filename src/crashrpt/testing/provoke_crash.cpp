@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "crashrpt/crash_kind.h"
-#include "crashrpt/unique_handle.h"
+#include "handles/unique_handle.h"
 
 namespace {
 

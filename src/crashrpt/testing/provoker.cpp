@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 #include "crashrpt/testing/provoke_crash.h"
-#include "crashrpt/unique_handle.h"
+#include "handles/unique_handle.h"
 
 int main(int argc, char** argv) {
   if (argc != 3) return 2;

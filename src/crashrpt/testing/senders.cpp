@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "crashrpt/unique_handle.h"
+#include "handles/unique_handle.h"
 
 int main(int argc, char** argv) {
   if (argc < 2) return 2;

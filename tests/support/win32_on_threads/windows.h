@@ -27,6 +27,7 @@ using WPARAM = uintptr_t;
 using LPARAM = intptr_t;
 using LRESULT = intptr_t;
 using HANDLE = void*;
+#define INVALID_HANDLE_VALUE reinterpret_cast<HANDLE>(intptr_t{-1})
 using HWND = struct ThreadWindow*;
 
 struct CRITICAL_SECTION {

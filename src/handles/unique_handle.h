@@ -1,6 +1,6 @@
-// A Windows handle that closes itself. Win32.
-#ifndef MOSAICON_CRASHRPT_UNIQUE_HANDLE_H_
-#define MOSAICON_CRASHRPT_UNIQUE_HANDLE_H_
+// A handle of Windows' kernel (file, process, thread, event, mapping, snapshot) that closes itself. Win32.
+#ifndef MOSAICON_HANDLES_UNIQUE_HANDLE_H_
+#define MOSAICON_HANDLES_UNIQUE_HANDLE_H_
 
 #include <windows.h>
 
@@ -14,4 +14,4 @@ struct HandleCloser {
 // Null or INVALID_HANDLE_VALUE when there is none, as the function tells that made it.
 using UniqueHandle = std::unique_ptr<void, HandleCloser>;
 
-#endif  // MOSAICON_CRASHRPT_UNIQUE_HANDLE_H_
+#endif  // MOSAICON_HANDLES_UNIQUE_HANDLE_H_
