@@ -61,7 +61,6 @@ class CMosaiconDlg : public CDialogEx, private JobHost {
   void AddAboutToSystemMenu();
   void SubclassControls();
   void CreatePreview();
-  void AddToolTips();
   void RestoreForm();
   void RestorePlace();
   void SavePlace() const;

@@ -6,6 +6,7 @@
 
 #include "job/process_report_dlg.h"
 #include "kvtools/kvtools.h"
+#include "mfc/dialog_controls.h"
 #include "resources/resource.h"
 
 void CMosaiconDlg::ShowMessage(MessageIcon icon, const std::string& text) {
@@ -53,10 +54,7 @@ void CMosaiconDlg::SetBusy(bool busy) {
   } else {
     m_taskbar.End();
   }
-  // A control that was disabled keeps the focus and swallows the keyboard.
-  if (focus != nullptr && IsChild(m_hWnd, focus) && !IsWindowEnabled(focus)) {
-    SendMessage(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(busy ? IDC_CANCEL_JOB : IDC_START)), TRUE);
-  }
+  afx::LeaveDisabledControl(*this, focus, busy ? IDC_CANCEL_JOB : IDC_START);
 }
 
 // Three buttons look otherwise while a job runs.

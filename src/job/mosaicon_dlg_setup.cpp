@@ -4,6 +4,7 @@
 #include "job/window_place.h"
 #include "maker.h"
 #include "mfc/app.h"
+#include "mfc/dialog_controls.h"
 #include "resources/resource.h"
 
 namespace {
@@ -12,12 +13,7 @@ constexpr char kGoogleKeyPage[] = "https://console.cloud.google.com/google/maps-
 constexpr char kImageFilter[] = "GeoTIFF (*.tif;*.tiff)|*.tif;*.tiff|All files (*.*)|*.*||";
 constexpr int kTextBuffer = 256;
 
-struct ToolTip {
-  int id;
-  const char* text;
-};
-
-constexpr ToolTip kToolTips[] = {
+constexpr afx::ControlTip kToolTips[] = {
     {IDC_ORTHOPHOTO, "The orthophoto, or the folder with the orthophotos. You may also drop them here."},
     {IDC_PICK_FOLDER, "Take every *.tif orthophoto of a folder instead of one file"},
     {IDC_MAP_TITLE, "The title of the maps; blanks become \"_\""},
@@ -44,7 +40,7 @@ BOOL CMosaiconDlg::OnInitDialog() {
   AddAboutToSystemMenu();
   SubclassControls();
   CreatePreview();
-  AddToolTips();
+  afx::CreateToolTips(m_toolTips, *this, kToolTips);
   // Those of a running job too: that is no time to find out that one is missing.
   for (const int icon : {IDI_START_BUSY, IDI_EXIT_BUSY, IDI_CANCELSMALL}) {
     m_icons.Load(m_hWnd, MAKEINTRESOURCEA(icon));
@@ -95,11 +91,6 @@ void CMosaiconDlg::CreatePreview() {
   if (!m_preview.CreateControl(kWebBrowserClass, rectangle, this, IDC_PREVIEW)) return;
   SetWindowPos(m_preview.GetSafeHwnd(), placeholder, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
   ::DestroyWindow(placeholder);
-}
-
-void CMosaiconDlg::AddToolTips() {
-  m_toolTips.Create(this);
-  for (const ToolTip& tip : kToolTips) m_toolTips.AddTool(GetDlgItem(tip.id), tip.text);
 }
 
 void CMosaiconDlg::RestoreForm() {

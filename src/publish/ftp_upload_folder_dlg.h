@@ -115,12 +115,10 @@ class CFtpUploadFolderDlg : public CDialogEx, private PublishHost {
   // The controls: ftp_upload_folder_dlg_setup.cpp
   void SubclassControls();
   void AddColumns();
-  void AddToolTips();
   void RestoreSettings();
   void ShowConnected(bool connected);
   void ShowState();
   void EnableControls(std::span<const int> ids, bool enable);
-  void KeepFocus(HWND focusBefore, int fallback);
   int Ask(const std::string& text, UINT type);
   void Tell(const std::string& text, UINT icon);
 

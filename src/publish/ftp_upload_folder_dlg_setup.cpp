@@ -5,6 +5,7 @@
 #include <commctrl.h>
 
 #include "kvtools/flag_guard.h"
+#include "mfc/dialog_controls.h"
 #include "net/timeout_clock.h"
 #include "publish/addresses.h"
 #include "publish/ftp_settings.h"
@@ -12,12 +13,7 @@
 
 namespace {
 
-struct ToolTip {
-  int id;
-  const char* text;
-};
-
-constexpr ToolTip kToolTips[] = {
+constexpr afx::ControlTip kToolTips[] = {
     {IDC_FTP_HOST, "The name or address of the FTP server; with a port as in ftp.example.com:2121"},
     {IDC_FTP_FIREWALL_MODE,
      "The server opens the ports (passive mode). Needed behind most firewalls and routers."},
@@ -47,7 +43,7 @@ BOOL CFtpUploadFolderDlg::OnInitDialog() {
   m_webUrl = WithoutScheme(m_webUrl);
   SubclassControls();
   AddColumns();
-  AddToolTips();
+  afx::CreateToolTips(m_toolTips, *this, kToolTips);
   RestoreSettings();
   m_dataFolder.SetWindowText(m_localFolder);
   m_progress.m_bShowTime = FALSE;
@@ -69,11 +65,6 @@ void CFtpUploadFolderDlg::AddColumns() {
   m_list.InsertColumn(1, "Date", static_cast<int>(client.right * 0.4) - 5);
   m_list.SendMessage(LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT);
   EnableWindow(m_list.GetSafeHwnd(), FALSE);
-}
-
-void CFtpUploadFolderDlg::AddToolTips() {
-  m_toolTips.Create(this);
-  for (const ToolTip& tip : kToolTips) m_toolTips.AddTool(GetDlgItem(tip.id), tip.text);
 }
 
 void CFtpUploadFolderDlg::RestoreSettings() {
@@ -100,17 +91,14 @@ void CFtpUploadFolderDlg::ShowState() {
   EnableControls(kRemoteControls, m_bConnected && !m_bOperation);
   EnableControls(kIdleControls, !m_bOperation);
   EnableWindow(GetDlgItem(IDC_FTP_ABORT), m_bOperation);
-  KeepFocus(focus, m_bOperation ? IDC_FTP_ABORT : m_bConnected ? IDC_FTP_UPLOAD : IDC_FTP_CONNECT);
+  afx::LeaveDisabledControl(*this, focus,
+                            m_bOperation   ? IDC_FTP_ABORT
+                            : m_bConnected ? IDC_FTP_UPLOAD
+                                           : IDC_FTP_CONNECT);
 }
 
 void CFtpUploadFolderDlg::EnableControls(std::span<const int> ids, bool enable) {
   for (const int id : ids) EnableWindow(GetDlgItem(id), enable);
-}
-
-// A control that was disabled keeps the focus and swallows the keyboard.
-void CFtpUploadFolderDlg::KeepFocus(HWND focusBefore, int fallback) {
-  if (focusBefore == nullptr || !IsChild(m_hWnd, focusBefore) || IsWindowEnabled(focusBefore)) return;
-  SendMessage(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(fallback)), TRUE);
 }
 
 // A window that is gone has nothing to ask or to say.
