@@ -22,7 +22,6 @@ class CDC {
   CDC(const CDC&) = delete;
   CDC& operator=(const CDC&) = delete;
 
-  HDC GetSafeHdc() const { return m_hDC; }
   // Takes the handle over, for both. FALSE, and it stays the caller's, when it is null or there is one.
   BOOL Attach(HDC dc);
   // Gives the handle away.

@@ -16,7 +16,7 @@ TEST(DeviceContext, IsDeletedWithItsOwner) {
   {
     CDC dc;
     ASSERT_TRUE(dc.CreateCompatibleDC(nullptr));
-    handle = dc.GetSafeHdc();
+    handle = dc.m_hDC;
     ASSERT_EQ(GetObjectType(handle), static_cast<DWORD>(OBJ_MEMDC));
   }
   EXPECT_EQ(GetObjectType(handle), 0U);

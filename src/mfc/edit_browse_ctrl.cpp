@@ -79,10 +79,6 @@ ON_MESSAGE(WM_THEMECHANGED, CMFCEditBrowseCtrl::OnLayoutChanged)
 ON_MESSAGE(kDpiChangedAfterParent, CMFCEditBrowseCtrl::OnLayoutChanged)
 END_MESSAGE_MAP()
 
-void CMFCEditBrowseCtrl::EnableBrowseButton(bool enable) {
-  SetMode(enable ? BrowseMode_Default : BrowseMode_None);
-}
-
 void CMFCEditBrowseCtrl::EnableFileBrowseButton(const std::string& defaultExtension,
                                                 const std::string& filter) {
   m_strDefaultExtension = defaultExtension;
@@ -255,7 +251,7 @@ void CMFCEditBrowseCtrl::Browse() {
 }
 
 void CMFCEditBrowseCtrl::OnBrowse() {
-  if (m_Mode != BrowseMode_File && m_Mode != BrowseMode_Folder) return;
+  if (m_Mode == BrowseMode_None) return;
   BrowseRequest request;
   request.hOwner = GetAncestor(m_hWnd, GA_ROOT);
   request.bFolder = m_Mode == BrowseMode_Folder;

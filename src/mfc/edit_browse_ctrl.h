@@ -13,14 +13,10 @@
 
 class CMFCEditBrowseCtrl : public CWnd {
  public:
-  enum BrowseMode { BrowseMode_None, BrowseMode_Default, BrowseMode_File, BrowseMode_Folder };
-
-  // A button that does what a derived class says in OnBrowse.
-  void EnableBrowseButton(bool enable = true);
+  // There is no button before one of these is called.
   // defaultExtension without the dot; filter as in "Text (*.txt)|*.txt|All (*.*)|*.*||".
   void EnableFileBrowseButton(const std::string& defaultExtension = "", const std::string& filter = "");
   void EnableFolderBrowseButton();
-  BrowseMode GetMode() const { return m_Mode; }
 
   // Where dialogs begin when the text names no folder; of all these controls. A program that keeps
   // GetLastFolder at its end and gives it back at its next start begins where it was.
@@ -39,6 +35,8 @@ class CMFCEditBrowseCtrl : public CWnd {
   DECLARE_MESSAGE_MAP()
 
  private:
+  enum BrowseMode { BrowseMode_None, BrowseMode_File, BrowseMode_Folder };
+
   void SetMode(BrowseMode mode);
   LRESULT OnNcCalcSize(WPARAM wParam, LPARAM lParam);
   LRESULT OnNcPaint(WPARAM wParam, LPARAM lParam);

@@ -89,17 +89,11 @@ class EditBrowse : public testing::Test {
 
 TEST_F(EditBrowse, HasNoButtonUntilOneIsEnabled) {
   UiDriver driver({[&] {
-    EXPECT_EQ(host.edit.GetMode(), CMFCEditBrowseCtrl::BrowseMode_None);
     const int before = ClientWidth();
     EXPECT_NE(SendMessageA(Edit(), WM_NCHITTEST, 0, OnButton()), HTBORDER);
     host.edit.EnableFolderBrowseButton();
-    EXPECT_EQ(host.edit.GetMode(), CMFCEditBrowseCtrl::BrowseMode_Folder);
     EXPECT_LT(ClientWidth(), before - 15);
     EXPECT_EQ(SendMessageA(Edit(), WM_NCHITTEST, 0, OnButton()), HTBORDER);
-    host.edit.EnableFileBrowseButton();
-    EXPECT_EQ(host.edit.GetMode(), CMFCEditBrowseCtrl::BrowseMode_File);
-    host.edit.EnableBrowseButton(false);
-    EXPECT_EQ(ClientWidth(), before);
     return End();
   }});
   host.DoModal();
