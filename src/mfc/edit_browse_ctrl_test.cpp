@@ -81,6 +81,17 @@ class EditBrowse : public testing::Test {
   }
   bool Choose(const std::string& path) const { return Choose(std::wstring(path.begin(), path.end())); }
   bool End() { return PostCommand(host.GetSafeHwnd(), IDCANCEL); }
+  // Presses the button beside this text, and takes a bare name: one in the folder that the dialog shows.
+  void BrowseForFile(const std::string& text, const std::string& name) {
+    UiDriver driver({[&] {
+                       host.edit.EnableFileBrowseButton();
+                       host.edit.SetWindowText(text);
+                       return PressButton();
+                     },
+                     [&] { return Choose(name); }, [&] { return host.edit.ends == 1; },
+                     [&] { return End(); }});
+    host.DoModal();
+  }
 
   CShellManager shell;
   TemporaryFolder folder;
@@ -159,29 +170,14 @@ TEST_F(EditBrowse, CancelLeavesTheText) {
 
 TEST_F(EditBrowse, BeginsInTheFolderOfTheText) {
   WriteFile(folder.Path("b.tif"), "x");
-  UiDriver driver({[&] {
-                     host.edit.EnableFileBrowseButton();
-                     host.edit.SetWindowText(folder.Path("not there.tif"));
-                     return PressButton();
-                   },
-                   // A bare name is one in the folder that the dialog shows.
-                   [&] { return Choose(std::string("b.tif")); }, [&] { return host.edit.ends == 1; },
-                   [&] { return End(); }});
-  host.DoModal();
+  BrowseForFile(folder.Path("not there.tif"), "b.tif");
   EXPECT_EQ(host.edit.updates, std::vector<std::string>{folder.Path("b.tif")});
 }
 
 TEST_F(EditBrowse, BeginsWhereTheLastDialogWasWhenTheTextNamesNoFolder) {
   WriteFile(folder.Path("c.tif"), "x");
   CMFCEditBrowseCtrl::SetInitialFolder(folder.Path());
-  UiDriver driver({[&] {
-                     host.edit.EnableFileBrowseButton();
-                     host.edit.SetWindowText("Q:\\no such folder\\x.tif");
-                     return PressButton();
-                   },
-                   [&] { return Choose(std::string("c.tif")); }, [&] { return host.edit.ends == 1; },
-                   [&] { return End(); }});
-  host.DoModal();
+  BrowseForFile("Q:\\no such folder\\x.tif", "c.tif");
   EXPECT_EQ(host.edit.updates, std::vector<std::string>{folder.Path("c.tif")});
 }
 
