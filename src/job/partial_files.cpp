@@ -1,8 +1,8 @@
 #include "job/partial_files.h"
 
 #include <algorithm>
-#include <chrono>
-#include <thread>
+
+#include "kvtools/steady_time.h"
 
 namespace {
 
@@ -45,6 +45,6 @@ void RemovePartialFiles(const std::string& folder, FileSystem& files) {
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     partial.erase(std::remove_if(partial.begin(), partial.end(), removed), partial.end());
     if (partial.empty()) return;
-    std::this_thread::sleep_for(kPause);
+    CurrentSteadyTime().Wait(kPause);
   }
 }

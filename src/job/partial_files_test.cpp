@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "files/testing/fake_file_system.h"
+#include "kvtools/testing/told_time.h"
 
 namespace {
 
@@ -38,6 +39,7 @@ class HeldFiles : public FakeFileSystem {
 };
 
 TEST_F(PartialFiles, AreTriedAgainWhileTheyAreHeld) {
+  ToldTime time;
   HeldFiles files;
   for (const char* path : {"d:\\out\\a.~mos", "d:\\out\\b.~mos"}) files.Put(path);
   files.refusals = 3;
@@ -46,10 +48,13 @@ TEST_F(PartialFiles, AreTriedAgainWhileTheyAreHeld) {
 }
 
 TEST_F(PartialFiles, ThatNobodyMayDeleteEndTheAttempt) {
+  ToldTime time;
+  const auto begin = time.Now();
   HeldFiles files;
   files.Put("d:\\out\\a.~mos");
   files.refusals = 1000;
   RemovePartialFiles("d:\\out", files);
+  EXPECT_EQ(time.Now() - begin, std::chrono::seconds(2));
   EXPECT_TRUE(files.Exists("d:\\out\\a.~mos"));
   EXPECT_LT(files.refusals, 1000 - 1) << "tried once only";
 }

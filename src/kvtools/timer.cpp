@@ -1,7 +1,7 @@
-#include <chrono>
 #include <cstdio>
 
 #include "kvtools/kvtools.h"
+#include "kvtools/steady_time.h"
 
 namespace {
 
@@ -10,11 +10,11 @@ std::chrono::steady_clock::time_point g_timerStart = std::chrono::steady_clock::
 }  // namespace
 
 void KVT_StartTimer() {
-  g_timerStart = std::chrono::steady_clock::now();
+  g_timerStart = CurrentSteadyTime().Now();
 }
 
 std::string KVT_GetElapsedTime() {
-  const auto elapsed = std::chrono::steady_clock::now() - g_timerStart;
+  const auto elapsed = CurrentSteadyTime().Now() - g_timerStart;
   const long long seconds = std::chrono::duration_cast<std::chrono::seconds>(elapsed).count();
   char text[40];
   std::snprintf(text, sizeof text, "%02lld:%02lld:%02lld", seconds / 3600, seconds / 60 % 60, seconds % 60);

@@ -1,45 +1,44 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <cstdio>
-#include <thread>
-
 #include "kvtools/kvtools.h"
+#include "kvtools/testing/told_time.h"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-long SecondsSince(Clock::time_point start) {
-  return static_cast<long>(std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start).count());
-}
+using std::chrono::milliseconds;
 
 TEST(Timer, TellsHoursMinutesAndSecondsSinceTheStart) {
-  const Clock::time_point before = Clock::now();
-  KVT_StartTimer();
-  const Clock::time_point after = Clock::now();
-  std::this_thread::sleep_for(std::chrono::milliseconds(1100));
-  const long least = SecondsSince(after);
-  const std::string text = KVT_GetElapsedTime();
-  const long most = SecondsSince(before);
-
-  long hours = -1;
-  long minutes = -1;
-  long seconds = -1;
-  ASSERT_EQ(text.size(), 8U) << text;
-  ASSERT_EQ(std::sscanf(text.c_str(), "%2ld:%2ld:%2ld", &hours, &minutes, &seconds), 3) << text;
-  const long total = 3600 * hours + 60 * minutes + seconds;
-  EXPECT_GE(total, least);
-  EXPECT_GE(total, 1);
-  EXPECT_LE(total, most);
+  const struct {
+    milliseconds passed;
+    const char* text;
+  } cases[] = {
+      {milliseconds(0), "00:00:00"},       {milliseconds(999), "00:00:00"},
+      {milliseconds(1000), "00:00:01"},    {milliseconds(59999), "00:00:59"},
+      {milliseconds(60000), "00:01:00"},   {milliseconds(3599999), "00:59:59"},
+      {milliseconds(3661000), "01:01:01"}, {std::chrono::hours(100), "100:00:00"},
+  };
+  ToldTime time;
+  for (const auto& each : cases) {
+    KVT_StartTimer();
+    time.Wait(each.passed);
+    EXPECT_EQ(KVT_GetElapsedTime(), each.text);
+  }
 }
 
 TEST(Timer, StartsAnew) {
+  ToldTime time;
   KVT_StartTimer();
-  std::this_thread::sleep_for(std::chrono::milliseconds(1100));
-  const std::string first = KVT_GetElapsedTime();
+  time.Wait(milliseconds(1100));
+  EXPECT_EQ(KVT_GetElapsedTime(), "00:00:01");
+  time.Wait(milliseconds(1100));
+  EXPECT_EQ(KVT_GetElapsedTime(), "00:00:02") << "telling it does not start it";
   KVT_StartTimer();
-  EXPECT_LT(KVT_GetElapsedTime(), first);
+  EXPECT_EQ(KVT_GetElapsedTime(), "00:00:00");
+}
+
+TEST(Timer, RunsWithTheSystemsTime) {
+  KVT_StartTimer();
+  EXPECT_EQ(KVT_GetElapsedTime().substr(0, 3), "00:");
 }
 
 }  // namespace
