@@ -9,14 +9,17 @@
 #include "crashrpt/hand_over.h"
 #include "crashrpt/property_area.h"
 
-// All texts in UTF-8.
-struct ReportContents {
+// All texts in UTF-8. What an upload tells beside the files.
+struct DeliveryTexts {
   std::string guid;
   std::string applicationName;
   std::string applicationVersion;
   std::string emailTo;
   std::string emailSubject;
   std::string emailText;
+};
+
+struct ReportContents : DeliveryTexts {
   CrashFacts crash = {};
   std::vector<Property> properties;
   std::vector<std::string> files;  // beside report.xml, those that are there
@@ -33,15 +36,7 @@ bool ListsFile(const std::string& reportXml, const std::string& name);
 // The same document, but with this file as one that is missing.
 std::string WithoutFile(const std::string& reportXml, const std::string& name, const std::string& reason);
 
-// What an upload tells beside the files; read back from a document of ReportXml.
-struct DeliveryTexts {
-  std::string guid;
-  std::string applicationName;
-  std::string applicationVersion;
-  std::string emailTo;
-  std::string emailSubject;
-  std::string emailText;
-};
+// Reads back a document of ReportXml.
 DeliveryTexts ReadDeliveryTexts(const std::string& reportXml);
 
 #endif  // MOSAICON_CRASHRPT_REPORT_XML_H_
