@@ -14,11 +14,10 @@ constexpr uint32_t kDialogGrey = 0xF0F0F0;
 Pixels DrawIcon(int id, int side) {
   HANDLE icon = LoadImageA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(id), IMAGE_ICON, side, side, 0);
   EXPECT_NE(icon, nullptr) << id << " at " << side;
-  Canvas canvas(side, side);
+  const Canvas canvas(side, side);
   const RECT all = {0, 0, side, side};
-  HBRUSH grey = CreateSolidBrush(RGB(0xF0, 0xF0, 0xF0));
-  FillRect(canvas.Context(), &all, grey);
-  DeleteObject(grey);
+  const GdiObject<HBRUSH> grey(CreateSolidBrush(RGB(0xF0, 0xF0, 0xF0)));
+  FillRect(canvas.Context(), &all, grey.get());
   EXPECT_TRUE(
       DrawIconEx(canvas.Context(), 0, 0, static_cast<HICON>(icon), side, side, 0, nullptr, DI_NORMAL));
   DestroyIcon(static_cast<HICON>(icon));

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <map>
 
+#include "handles/drawing_handles.h"
 #include "support/temporary_folder.h"
 #include "ui/publish_fixture.h"
 #include "ui/screenshot.h"
@@ -19,10 +20,7 @@ constexpr int kLinkMargin = 2;
 enum class Kind { kLabel, kEdit, kCheckBox, kGroup, kPushButton, kLink, kColourButton, kOther };
 
 int ScreenDpi() {
-  const HDC screen = GetDC(nullptr);
-  const int dpi = GetDeviceCaps(screen, LOGPIXELSY);
-  ReleaseDC(nullptr, screen);
-  return dpi;
+  return GetDeviceCaps(WindowContext(nullptr).Get(), LOGPIXELSY);
 }
 
 int Scaled(int pixels) {
@@ -33,37 +31,27 @@ int Scaled(int pixels) {
 class DialogText {
  public:
   explicit DialogText(bool underlined = false)
-      : m_hDc(CreateCompatibleDC(nullptr)),
-        m_hFont(CreateFontA(-MulDiv(8, ScreenDpi(), 72), 0, 0, 0, FW_NORMAL, FALSE, underlined, FALSE,
-                            DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
-                            DEFAULT_PITCH, "MS Shell Dlg")) {
-    m_hPrevious = SelectObject(m_hDc, m_hFont);
-  }
-  ~DialogText() {
-    SelectObject(m_hDc, m_hPrevious);
-    DeleteObject(m_hFont);
-    DeleteDC(m_hDc);
-  }
-  DialogText(const DialogText&) = delete;
-  DialogText& operator=(const DialogText&) = delete;
+      : m_font(CreateFontA(-MulDiv(8, ScreenDpi(), 72), 0, 0, 0, FW_NORMAL, FALSE, underlined, FALSE,
+                           DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
+                           DEFAULT_PITCH, "MS Shell Dlg")) {}
 
   SIZE Measure(const std::string& text, UINT format, LONG width = 0) const {
     RECT rect = {0, 0, width, 0};
-    DrawTextA(m_hDc, text.c_str(), -1, &rect, format | DT_CALCRECT);
+    DrawTextA(m_context.Get(), text.c_str(), -1, &rect, format | DT_CALCRECT);
     return {rect.right, rect.bottom};
   }
   // Pixels of so many horizontal dialog units.
   LONG FromUnits(int units) const {
     const char letters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
     SIZE extent = {};
-    GetTextExtentPoint32A(m_hDc, letters, 52, &extent);
+    GetTextExtentPoint32A(m_context.Get(), letters, 52, &extent);
     return MulDiv(units, (extent.cx / 26 + 1) / 2, 4);
   }
 
  private:
-  HDC m_hDc;
-  HFONT m_hFont;
-  HGDIOBJ m_hPrevious;
+  const MemoryContext m_context{nullptr};
+  const GdiObject<HFONT> m_font;
+  const Selected m_selected{m_context.Get(), m_font.get()};
 };
 
 Kind KindOf(const Window& control) {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 namespace Gdiplus {
 using std::max;
 using std::min;
@@ -12,6 +13,8 @@ using std::min;
 #include <gdiplus.h>
 
 #include "files/wide_text.h"
+#include "handles/drawing_handles.h"
+#include "support/canvas.h"
 #include "ui/window_driver.h"
 
 namespace {
@@ -20,47 +23,12 @@ constexpr DWORD kStillInterval = 150;   // ms
 constexpr DWORD kStillPatience = 3000;  // ms
 constexpr CLSID kPngEncoder = {0x557CF406, 0x1A04, 0x11D3, {0x9A, 0x73, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
 
-// A bitmap in memory to draw into and to read.
-class Canvas {
- public:
-  Canvas(int width, int height) : m_nWidth(width), m_nHeight(height) {
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = width;
-    info.bmiHeader.biHeight = -height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
-    m_hBitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &m_pBits, nullptr, 0);
-    m_hContext = CreateCompatibleDC(nullptr);
-    m_hPrevious = SelectObject(m_hContext, m_hBitmap);
-  }
-  ~Canvas() {
-    SelectObject(m_hContext, m_hPrevious);
-    DeleteDC(m_hContext);
-    DeleteObject(m_hBitmap);
-  }
-  Canvas(const Canvas&) = delete;
-  Canvas& operator=(const Canvas&) = delete;
-
-  HDC Context() const { return m_hContext; }
-
-  Picture Read() const {
-    if (m_pBits == nullptr) return {};
-    GdiFlush();
-    const auto* first = static_cast<const uint32_t*>(m_pBits);
-    Picture picture = {m_nWidth, m_nHeight, {first, first + m_nWidth * m_nHeight}};
-    for (uint32_t& pixel : picture.pixels) pixel &= 0xFFFFFF;
-    return picture;
-  }
-
- private:
-  int m_nWidth;
-  int m_nHeight;
-  void* m_pBits = nullptr;
-  HBITMAP m_hBitmap = nullptr;
-  HDC m_hContext = nullptr;
-  HGDIOBJ m_hPrevious = nullptr;
-};
+// Empty when there was no memory for the canvas.
+Picture PictureOn(const Canvas& canvas, int width, int height) {
+  std::vector<uint32_t> pixels = canvas.Read();
+  if (pixels.empty()) return {};
+  return {width, height, std::move(pixels)};
+}
 
 // Keeps GDI+ going while it lives.
 class GdiplusSession {
@@ -92,10 +60,8 @@ Picture TakePicture(const RECT& whole) {
   const int height = place.bottom - place.top;
   if (width <= 0 || height <= 0) return {};
   const Canvas canvas(width, height);
-  const HDC screen = GetDC(nullptr);
-  BitBlt(canvas.Context(), 0, 0, width, height, screen, place.left, place.top, SRCCOPY);
-  ReleaseDC(nullptr, screen);
-  return canvas.Read();
+  BitBlt(canvas.Context(), 0, 0, width, height, WindowContext(nullptr).Get(), place.left, place.top, SRCCOPY);
+  return PictureOn(canvas, width, height);
 }
 
 Picture TakePictureWhenStill(HWND window) {
@@ -121,7 +87,7 @@ Picture DrawSystemIcon(const char* icon) {
   const RECT all = {0, 0, width, height};
   FillRect(canvas.Context(), &all, GetSysColorBrush(COLOR_3DFACE));
   DrawIconEx(canvas.Context(), 0, 0, LoadIconA(nullptr, icon), width, height, 0, nullptr, DI_NORMAL);
-  return canvas.Read();
+  return PictureOn(canvas, width, height);
 }
 
 bool SavePng(const Picture& picture, const std::string& path) {

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "handles/drawing_handles.h"
 #include "maker.h"
 #include "ui/mosaicon_fixture.h"
 #include "ui/screenshot.h"
@@ -158,20 +159,17 @@ Window FindSplash(const Program& program) {
 // The picture of the program's resources with this number.
 Picture PictureOf(const std::string& program, int number) {
   const HMODULE module = LoadLibraryExA(program.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-  const auto bitmap =
-      static_cast<HBITMAP>(LoadImageA(module, MAKEINTRESOURCEA(number), IMAGE_BITMAP, 0, 0, 0));
+  const GdiObject<HBITMAP> bitmap(
+      static_cast<HBITMAP>(LoadImageA(module, MAKEINTRESOURCEA(number), IMAGE_BITMAP, 0, 0, 0)));
   BITMAP facts = {};
-  GetObjectA(bitmap, sizeof facts, &facts);
+  GetObjectA(bitmap.get(), sizeof facts, &facts);
   Picture picture = {facts.bmWidth, facts.bmHeight, {}};
   picture.pixels.resize(static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
   BITMAPINFO info = {};
   info.bmiHeader = {sizeof info.bmiHeader, picture.width, -picture.height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-  const HDC screen = GetDC(nullptr);
-  GetDIBits(screen, bitmap, 0, static_cast<UINT>(picture.height), picture.pixels.data(), &info,
-            DIB_RGB_COLORS);
-  ReleaseDC(nullptr, screen);
+  GetDIBits(WindowContext(nullptr).Get(), bitmap.get(), 0, static_cast<UINT>(picture.height),
+            picture.pixels.data(), &info, DIB_RGB_COLORS);
   for (uint32_t& pixel : picture.pixels) pixel &= 0xFFFFFF;
-  DeleteObject(bitmap);
   FreeLibrary(module);
   return picture;
 }
