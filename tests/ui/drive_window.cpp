@@ -8,8 +8,8 @@
 // that there is no job but only that. The job's web address is MOSAICON_WEB_URL, when there is one, and the
 // name of TARGET.
 //
-// Exit code 0: the report says that the orthophoto is OK, and all files were uploaded. 1: standard error says
-// what went wrong. 2: bad arguments.
+// Exit code 0: the report says that the orthophoto is OK and misses no map, and all files were uploaded. 1:
+// standard error says what went wrong. 2: bad arguments.
 #include <windows.h>
 
 // After windows.h.
@@ -180,6 +180,10 @@ bool Drive::WatchJob() {
 bool Drive::TakeReport() {
   const std::string time = m_report.Item(IDC_WORK_TIME).Text();
   const std::string log = m_report.Item(IDC_LOG).Text();
+  // Shown when a map is missing or incomplete, whatever the log says.
+  const Window problems = m_report.Item(IDC_PROBLEM_COUNT);
+  const std::string told =
+      problems.IsVisible() ? problems.Text() + "\n" + m_report.Item(IDC_PROBLEMS).Text() : std::string();
   std::ofstream file(m_arguments.reportFile, std::ios::binary);
   file << time << "\r\n" << log;
   file.close();
@@ -187,6 +191,7 @@ bool Drive::TakeReport() {
   if (!Photograph(m_report, "window-report.png")) return Fail("no picture of the report could be taken");
   m_report.Item(IDOK).Click();
   if (!m_report.WaitUntilGone()) return Fail("the report did not close");
+  if (!told.empty()) return Fail(told);
   if (log.find("- " + m_arguments.orthophoto + ": OK\r\n") != std::string::npos) return true;
   return Fail("the report does not say that " + m_arguments.orthophoto + " is OK:\n" + log);
 }

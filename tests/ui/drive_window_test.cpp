@@ -110,6 +110,18 @@ TEST_F(DriveWindow, SaysWhatStandsAgainstAnUpload) {
             "different folder name\r\n");
 }
 
+// The log calls its orthophoto OK all the same.
+TEST_F(DriveWindow, SaysWhichMapIsMissing) {
+  RasterRecipe recipe;
+  recipe.bands = 6;
+  MakeRaster(Path("six.tif"), recipe);
+  EXPECT_EQ(Drive(Path("six.tif")), 1U);
+  EXPECT_TRUE(m_strSaid.starts_with("drive_window: The map is missing or incomplete:\r\n" + Path("six.tif") +
+                                    ": the image "))
+      << m_strSaid;
+  EXPECT_NE(ReadFile(Path("report.txt")).find("six.tif: OK"), std::string::npos);
+}
+
 TEST_F(DriveWindow, SaysWhatTheProgramSays) {
   WriteFile(Path("bad.tif"), "no image");
   EXPECT_EQ(Drive(Path("bad.tif")), 1U);
