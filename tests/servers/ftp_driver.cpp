@@ -5,14 +5,15 @@
 //
 // The result is the client's error code; "?" means that there is no such command. Paths of local files
 // are Windows paths.
-#include <windows.h>
-
+#include <chrono>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <map>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "net/error_codes.h"
@@ -34,11 +35,11 @@ class Client : public CUT_FTPClient {
     m_byHook = byHook;
     m_isAborted = false;
   }
-  void TakeForEachChunk(int milliseconds) { m_pace = milliseconds; }
+  void TakeForEachChunk(std::chrono::milliseconds pace) { m_pace = pace; }
 
  private:
   int GoesOn(long bytes) {
-    if (m_pace > 0) Sleep(static_cast<DWORD>(m_pace));
+    std::this_thread::sleep_for(m_pace);
     if (m_limit == 0 || bytes < m_limit) return 1;
     if (m_byHook) return 0;
     m_isAborted = true;
@@ -48,7 +49,7 @@ class Client : public CUT_FTPClient {
   long m_limit = 0;
   bool m_byHook = true;
   bool m_isAborted = false;
-  int m_pace = 0;
+  std::chrono::milliseconds m_pace{0};
 };
 
 // Has nothing to do, but is asked.
@@ -69,11 +70,12 @@ class Driver {
     for (std::string word; std::getline(rest, word, '\t');) words.push_back(word);
     words.resize(6);
     m_details.clear();
-    const ULONGLONG start = GetTickCount64();
+    const auto start = std::chrono::steady_clock::now();
     const auto command = m_commands.find(words[0]);
     const std::string result =
         command == m_commands.end() ? "?" : std::to_string((this->*command->second)(words));
-    output << result << '\t' << GetTickCount64() - start;
+    const std::chrono::duration<double, std::milli> passed = std::chrono::steady_clock::now() - start;
+    output << result << '\t' << std::llround(passed.count());
     for (const std::string& detail : m_details) output << '\t' << detail;
     output << std::endl;
     return true;
@@ -90,7 +92,7 @@ class Driver {
   }
   int Close(const Words&) { return m_client.FTPClose(); }
   int Pace(const Words& words) {
-    m_client.TakeForEachChunk(Number(words[1]));
+    m_client.TakeForEachChunk(std::chrono::milliseconds(Number(words[1])));
     return kNetSuccess;
   }
   int Passive(const Words& words) {
