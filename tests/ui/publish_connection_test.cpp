@@ -21,6 +21,15 @@ class Connection : public ScriptedDialog {
     FtpItem(IDC_FTP_BYTE).Click();
     EXPECT_TRUE(WaitUntil([&] { return FtpItem(IDC_FTP_BYTE).IsChecked() != wasChecked; }));
   }
+  // In the middle of a conversation, at once and without a word.
+  void ExpectThatItIsLeftAtTheGate() {
+    ASSERT_TRUE(IsAtGate());
+    FtpItem(IDC_FTP_DISCONNECT).Click();
+    EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }, kSoon));
+    WaitForTurn();
+    EXPECT_FALSE(FindMessageBox(Running()));
+    Go();
+  }
   // One command, answered after a while.
   static Script AnsweringSlowly(const std::string& command, const std::string& reply) {
     return {Expect(command), Wait(kSlowly), Say(reply)};
@@ -129,23 +138,13 @@ TEST_F(Connection, IsNeededForTheIndexPage) {
 TEST_F(Connection, IsLeftInTheMiddleOfAListing) {
   ASSERT_TRUE(ConnectTo({AnswerPasv(), Expect("LIST"), AcceptData(), Gate()}));
   FtpItem(IDC_FTP_REFRESH).Click();
-  ASSERT_TRUE(IsAtGate());
-  FtpItem(IDC_FTP_DISCONNECT).Click();
-  EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }, kSoon));
-  WaitForTurn();
-  EXPECT_FALSE(FindMessageBox(Running()));
-  Go();
+  ExpectThatItIsLeftAtTheGate();
 }
 
 TEST_F(Connection, IsLeftWhileItIsKeptAlive) {
   ASSERT_TRUE(ConnectTo({Expect("NOOP"), Gate()}));
   PostTimer();
-  ASSERT_TRUE(IsAtGate());
-  FtpItem(IDC_FTP_DISCONNECT).Click();
-  EXPECT_TRUE(WaitUntil([this] { return LooksDisconnected(); }, kSoon));
-  WaitForTurn();
-  EXPECT_FALSE(FindMessageBox(Running()));
-  Go();
+  ExpectThatItIsLeftAtTheGate();
 }
 
 TEST_F(Connection, IsUsedOnceItIsKeptAlive) {
