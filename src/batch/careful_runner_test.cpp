@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "files/testing/fake_file_system.h"
 #include "support/fakes.h"
 
 namespace {
@@ -12,13 +13,13 @@ class Careful : public testing::Test {
 
   Events m_events;
   FakeHost m_host{m_events};
-  FakeFiles m_files{m_events};
+  FakeFileSystem m_files{&m_events};
   FakeRunner m_tools{m_events};
   CarefulRunner m_runner{m_tools, m_host, m_files};
 };
 
 TEST_F(Careful, RunsWhatCanSucceed) {
-  m_files.paths.insert("D:\\a2.vrt");
+  m_files.Put("D:\\a2.vrt");
   const ToolOutcome outcome = Run();
   EXPECT_EQ(m_events, Events{"tile p x"});
   EXPECT_EQ(outcome.exitCode, 0U);
@@ -26,7 +27,7 @@ TEST_F(Careful, RunsWhatCanSucceed) {
 }
 
 TEST_F(Careful, RunsNothingAfterAnAbort) {
-  m_files.paths.insert("D:\\a2.vrt");
+  m_files.Put("D:\\a2.vrt");
   m_host.aborted = true;
   EXPECT_EQ(Run().exitCode, std::nullopt);
   EXPECT_TRUE(m_events.empty());

@@ -14,13 +14,13 @@ class ClosedDriver : public Driver {
     m_settings.googleApiKey = "KEY";
     m_runner.onRun = [this](const ToolRun& run) {
       Make(run);
-      if (run.tool == Tool::kTiler) m_files.paths.insert(run.output + "\\googlemaps.html");
+      if (run.tool == Tool::kTiler) m_files.Put(run.output + "\\googlemaps.html");
     };
   }
 
   // The host closes itself in the call with this number; never with 0.
   JobResult RunClosedAt(int call) {
-    m_files.paths = m_atStart;
+    m_files = m_atStart;
     m_events.clear();
     m_host.closed = false;
     m_host.calls = 0;
@@ -29,7 +29,7 @@ class ClosedDriver : public Driver {
   }
 
   void ExpectNothingAfterClosingAtAnyCall(JobResult undisturbed) {
-    m_atStart = m_files.paths;
+    m_atStart = m_files;
     EXPECT_EQ(RunClosedAt(0), undisturbed);
     const int count = m_host.calls;
     ASSERT_GT(count, 0);
@@ -41,7 +41,7 @@ class ClosedDriver : public Driver {
     }
   }
 
-  std::set<std::string> m_atStart;
+  SearchedFiles m_atStart;
 };
 
 TEST_F(ClosedDriver, DoesNothingMoreAtAnyMomentOfAJob) {
@@ -59,11 +59,11 @@ TEST_F(ClosedDriver, DoesNothingMoreWhenItWasAskedAboutOverwriting) {
 }
 
 TEST_F(ClosedDriver, DoesNothingMoreWhenAMessageIsShown) {
-  m_files.unwritable.insert("D:\\out\\maps");
+  m_files.Refuse("D:\\out\\maps");
   ExpectNothingAfterClosingAtAnyCall(JobResult::kTargetMissing);
   m_environment.refused = "PATH";
   ExpectNothingAfterClosingAtAnyCall(JobResult::kToolsMissing);
-  m_files.paths.clear();
+  m_files.Remove(kTools);
   ExpectNothingAfterClosingAtAnyCall(JobResult::kToolsMissing);
   m_settings.targetFolder = "d:\\";
   ExpectNothingAfterClosingAtAnyCall(JobResult::kBadSettings);
@@ -71,8 +71,8 @@ TEST_F(ClosedDriver, DoesNothingMoreWhenAMessageIsShown) {
 
 TEST_F(Driver, EndsWithoutAnotherCallWhenTheHostIsClosedWhileAToolRuns) {
   for (const char* tool : {"translate", "warp", "tile"}) {
-    m_events.clear();
-    m_files.paths.erase("D:\\in\\a.vrt");
+    Clear();
+    m_files.Remove("D:\\in\\a.vrt");
     m_host.closed = false;
     m_runner.onRun = [&](const ToolRun& run) {
       Make(run);

@@ -9,15 +9,10 @@ class Reprojection : public Driver {
   void SetUp() override {
     Driver::SetUp();
     m_runner.onRun = [this](const ToolRun& run) {
-      Make(run);
-      m_files.contents[run.output] = "written by " + FakeRunner::NameOf(run.tool);
+      m_files.Put(ProductOf(run), "written by " + FakeRunner::NameOf(run.tool));
     };
   }
 
-  void Put(const std::string& path, const std::string& text) {
-    m_files.paths.insert(path);
-    m_files.contents[path] = text;
-  }
   void StartWith(const std::string& name) { Start({MakeData(name, "EPSG:3003")}); }
 
   // As the tools write them.
@@ -44,23 +39,22 @@ class Reprojection : public Driver {
 };
 
 TEST_F(Reprojection, DoesNotTakeWhatAnEarlierJobLeftForTheTranslation) {
-  Put("D:\\in\\a.vrt", TranslationOf("a.tif"));
-  Put("D:\\in\\a2.vrt", WarpOf("a.vrt"));
+  m_files.Put("D:\\in\\a.vrt", TranslationOf("a.tif"));
+  m_files.Put("D:\\in\\a2.vrt", WarpOf("a.vrt"));
   m_runner.onRun = nullptr;
   StartWith("a");
   EXPECT_EQ(MadeFiles(), std::vector<std::string>{"D:\\in\\a.vrt"});
   EXPECT_EQ(m_host.report.log, "- unable to apply translation to D:\\in\\a.tif\r\n");
-  EXPECT_EQ(m_files.paths.count("D:\\in\\a.vrt"), 0U);
-  EXPECT_EQ(m_files.contents["D:\\in\\a2.vrt"], WarpOf("a.vrt")) << "not replaced, so not deleted";
-  EXPECT_EQ(m_files.paths.count("D:\\in\\a2.vrt"), 1U);
+  EXPECT_FALSE(m_files.Exists("D:\\in\\a.vrt"));
+  EXPECT_EQ(TextOf("D:\\in\\a2.vrt"), WarpOf("a.vrt")) << "not replaced, so not deleted";
 }
 
 TEST_F(Reprojection, ReplacesWhatAnEarlierJobLeft) {
-  Put("D:\\in\\a.vrt", TranslationOf("a.tif"));
-  Put("D:\\in\\a2.vrt", WarpOf("a.vrt"));
+  m_files.Put("D:\\in\\a.vrt", TranslationOf("a.tif"));
+  m_files.Put("D:\\in\\a2.vrt", WarpOf("a.vrt"));
   StartWith("a");
   EXPECT_EQ(MadeFiles(), (std::vector<std::string>{"D:\\in\\a.vrt", "D:\\in\\a2.vrt"}));
-  EXPECT_EQ(m_files.contents["D:\\in\\a2.vrt"], "written by warp");
+  EXPECT_EQ(TextOf("D:\\in\\a2.vrt"), "written by warp");
   const Events order = Without({"title", "folder", "busy", "range", "position", "create", "label", "pump",
                                 "rename", "picture", "idle", "report"});
   ASSERT_EQ(order.size(), 6U);
@@ -87,13 +81,12 @@ TEST_F(Reprojection, LeavesVirtualRastersOfTheUserAlone) {
       {"D:\\in\\a2.vrt", TranslationOf("a.tif"), {"D:\\in\\a.vrt", "D:\\in\\a22.vrt"}},
   };
   for (const Case& each : cases) {
-    m_events.clear();
-    for (const char* name : {"a.vrt", "a2.vrt", "a22.vrt"})
-      m_files.paths.erase(std::string("D:\\in\\") + name);
-    Put(each.path, each.text);
+    Clear();
+    for (const char* name : {"a.vrt", "a2.vrt", "a22.vrt"}) m_files.Remove(std::string("D:\\in\\") + name);
+    m_files.Put(each.path, each.text);
     StartWith("a");
     EXPECT_EQ(MadeFiles(), each.made) << each.text.substr(0, 200);
-    EXPECT_EQ(m_files.contents[each.path], each.text);
+    EXPECT_EQ(TextOf(each.path), each.text);
     EXPECT_EQ(CountEvents(std::string("delete ") + each.path), 0U);
     EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n");
   }
@@ -103,25 +96,25 @@ TEST_F(Reprojection, NeverWritesOverAnOrthophotoOfTheJob) {
   // Even if it looks like the work of an earlier job, and is written in another way.
   CTifData virtualRaster = MakeData("a", "EPSG:3003");
   virtualRaster.m_strFileName = "\\\\HOST\\in\\a.vrt";
-  Put(virtualRaster.m_strFileName, TranslationOf("a.tif"));
-  Put("D:\\in\\a.vrt", TranslationOf("a.tif"));
-  for (const char* path : {"\\\\HOST\\in\\a.vrt", "D:\\in\\a.vrt"}) m_files.identities[path] = "the file";
+  m_files.Put("D:\\in\\a.vrt", TranslationOf("a.tif"));
+  m_files.Link(virtualRaster.m_strFileName, "D:\\in\\a.vrt");
   Start({MakeData("a", "EPSG:3003"), virtualRaster});
   EXPECT_EQ(MadeFiles(), (std::vector<std::string>{"D:\\in\\a2.vrt", "D:\\in\\a22.vrt",
                                                    "\\\\HOST\\in\\a2.vrt", "\\\\HOST\\in\\a22.vrt"}));
-  EXPECT_EQ(m_files.contents["D:\\in\\a.vrt"], TranslationOf("a.tif"));
+  EXPECT_EQ(TextOf("D:\\in\\a.vrt"), TranslationOf("a.tif"));
 }
 
 TEST_F(Reprojection, IsNotTriedWhenAnOldFileCannotBeDeleted) {
-  Put("D:\\in\\a.vrt", TranslationOf("a.tif"));
-  m_files.undeletable.insert("D:\\in\\a.vrt");
+  m_files.Put("D:\\in\\a.vrt", TranslationOf("a.tif"));
+  m_files.SetInUse("D:\\in\\a.vrt");
   StartWith("a");
   EXPECT_EQ(MadeFiles(), std::vector<std::string>());
   EXPECT_EQ(m_host.report.log, "- unable to apply translation to D:\\in\\a.tif\r\n");
 
-  m_events.clear();
-  m_files.undeletable = {"D:\\in\\a2.vrt"};
-  Put("D:\\in\\a2.vrt", WarpOf("a.vrt"));
+  Clear();
+  m_files.SetInUse("D:\\in\\a.vrt", false);
+  m_files.Put("D:\\in\\a2.vrt", WarpOf("a.vrt"));
+  m_files.SetInUse("D:\\in\\a2.vrt");
   StartWith("a");
   EXPECT_EQ(MadeFiles(), std::vector<std::string>{"D:\\in\\a.vrt"});
   EXPECT_EQ(CountEvents("tile"), 0U);
@@ -133,9 +126,9 @@ TEST_F(Reprojection, IsNotTriedWhenAnOldFileCannotBeDeleted) {
 TEST_F(Reprojection, EndsWhenOnlyItsResultMakesTheCommandLineTooLong) {
   size_t tooLong = 0;
   for (size_t length = 3900; length < 4000; ++length) {
-    m_events.clear();
-    m_files.paths.erase("D:\\in\\a.vrt");
-    m_files.paths.erase("D:\\in\\a2.vrt");
+    Clear();
+    m_files.Remove("D:\\in\\a.vrt");
+    m_files.Remove("D:\\in\\a2.vrt");
     m_settings.mapTitle = std::string(length, 't');
     StartWith("a");
     if (CountEvents("warp") == 0 || CountEvents("tile") > 0) continue;
@@ -151,11 +144,14 @@ TEST_F(Driver, NeverPutsThePictureOverAnOrthophoto) {
   harbour.m_strFileName = "D:\\out\\maps\\title.jpg";
   CTifData other = MakeData("b");
   other.m_strFileName = "E:\\title.jpg";
-  m_files.paths.insert({harbour.m_strFileName, other.m_strFileName});
+  m_files.Put(harbour.m_strFileName);
+  m_files.Put(other.m_strFileName);
   m_steps.previews = {"D:\\out\\maps\\title.jpg", "D:\\out\\maps\\title2.jpg"};
   Start({harbour});
   EXPECT_EQ(CountEvents("picture D:\\out\\maps\\title.jpg -> D:\\out\\maps\\title2.jpg"), 1U);
-  EXPECT_EQ(m_host.report.log, "- D:\\out\\maps\\title.jpg: OK\r\n");
+  EXPECT_EQ(m_host.report.log,
+            "- D:\\out\\maps\\title.jpg: previous process result deleted\r\n"
+            "- D:\\out\\maps\\title.jpg: OK\r\n");
 
   m_events.clear();
   Start({other});
@@ -163,8 +159,9 @@ TEST_F(Driver, NeverPutsThePictureOverAnOrthophoto) {
       << "no orthophoto of this job";
 
   m_events.clear();
-  m_files.paths.insert("D:\\out\\maps\\title2.jpg");
-  m_files.identities = {{"D:\\out\\maps\\title.jpg", "one"}, {"E:\\title.jpg", "one"}};
+  m_files.Put("D:\\out\\maps\\title2.jpg");
+  m_files.Remove("E:\\title.jpg");
+  m_files.Link("E:\\title.jpg", "D:\\out\\maps\\title.jpg");
   Start({other});
   EXPECT_EQ(CountEvents("picture E:\\title.jpg -> D:\\out\\maps\\title2.jpg"), 1U)
       << "the same file by another way";
@@ -174,16 +171,21 @@ TEST_F(Driver, NeverPutsThePictureOverAnOrthophoto) {
 TEST_F(Driver, NeverPutsThePictureOverAnOrthophotoThatIsWrittenAnewMeanwhile) {
   CTifData harbour = MakeData("a");
   harbour.m_strFileName = "D:\\out\\maps\\title.jpg";
-  m_files.paths.insert(harbour.m_strFileName);
-  m_files.identities = {{harbour.m_strFileName, "before"}};
+  m_files.Put("D:\\in\\harbour.jpg");
+  m_files.Link(harbour.m_strFileName, "D:\\in\\harbour.jpg");
+  const std::string before = m_files.Identity(harbour.m_strFileName);
   m_steps.previews = {harbour.m_strFileName};
-  m_runner.onRun = [&](const ToolRun&) { m_files.identities = {{harbour.m_strFileName, "after"}}; };
+  m_runner.onRun = [&](const ToolRun&) {
+    m_files.Remove(harbour.m_strFileName);
+    m_files.Put(harbour.m_strFileName);
+    EXPECT_NE(m_files.Identity(harbour.m_strFileName), before);
+  };
   Start({harbour});
   EXPECT_EQ(CountEvents("picture D:\\out\\maps\\title.jpg -> D:\\out\\maps\\title2.jpg"), 1U);
 }
 
 TEST_F(Driver, PutsThePictureOverThatOfAnEarlierJobOnly) {
-  m_files.paths.insert("D:\\out\\maps\\title.jpg");
+  m_files.Put("D:\\out\\maps\\title.jpg");
   Start({MakeData("a")});
   EXPECT_EQ(CountEvents("picture D:\\in\\a.tif -> D:\\out\\maps\\title2.jpg"), 1U);
 
@@ -200,7 +202,7 @@ TEST_F(Driver, ChangesNoOrthophotoWhateverItIsCalled) {
   for (const char* name : {"googlemaps.html", "openlayers.html", "doc.kml", "googleearth_web.kml"}) {
     orthophotos.push_back(MakeData("a"));
     orthophotos.back().m_strFileName = std::string("D:\\out\\maps\\tile_0\\") + name;
-    m_files.paths.insert(orthophotos.back().m_strFileName);
+    m_files.Put(orthophotos.back().m_strFileName);
   }
   Start(orthophotos);
   for (const char* change : {"delete", "rename", "copy", "links"}) {

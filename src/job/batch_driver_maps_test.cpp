@@ -32,6 +32,11 @@ class Maps : public Driver {
     };
   }
   void ExpectLogSaysOk() const { EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n"); }
+  // The same where an earlier job has left something.
+  void ExpectLogSaysOkAgain() const {
+    EXPECT_EQ(m_host.report.log,
+              "- D:\\in\\a.tif: previous process result deleted\r\n- D:\\in\\a.tif: OK\r\n");
+  }
 };
 
 TEST_F(Maps, AreCompleteWhenAllIsThere) {
@@ -98,7 +103,7 @@ TEST_F(Maps, FailWithTheScript) {
 }
 
 TEST_F(Maps, DoNotTakeTheDocumentOfAnEarlierJobForTheirs) {
-  m_files.paths.insert(kDocument);
+  m_files.Put(kDocument);
   Fail(Tool::kTiler, {0, "RESULT OK", "", false});
   EXPECT_EQ(StartOne(), "the tiling script made no doc.kml");
 }
@@ -134,30 +139,26 @@ TEST_F(Maps, AreTwoWhenAnOrthophotoIsThereTwice) {
 }
 
 TEST_F(Maps, KeepADocumentOfAnEarlierJobThatSaysTheSame) {
-  m_files.paths.insert(kLocal);
-  m_files.contents[kLocal] = "made of D:\\in\\a.tif";
+  m_files.Put(kLocal, "made of D:\\in\\a.tif");
   EXPECT_EQ(StartOne(), "");
   for (const std::string& other : {std::string("older"), std::string()}) {
-    m_files.contents[kLocal] = other;
+    m_files.Put(kLocal, other);
     EXPECT_EQ(StartOne(), std::string(kLocal) +
                               " is of an earlier job with another result and was kept; the new one is " +
                               kDocument);
-    ExpectLogSaysOk();
+    ExpectLogSaysOkAgain();
   }
 }
 
-TEST_F(Maps, DoNotCompareDocumentsThatCannotBeRead) {
-  m_files.paths.insert(kLocal);
-  m_runner.onRun = [this](const ToolRun& run) {
-    Make(run);
-    m_files.contents.erase(kDocument);
-    m_files.contents.erase(kLocal);
-  };
+TEST_F(Maps, DoNotCompareDocumentsThatAreTooLargeToRead) {
+  const std::string large((4 << 20) + 1, 'x');
+  m_files.Put(kLocal, large);
+  m_runner.onRun = [&](const ToolRun& run) { m_files.Put(ProductOf(run), large); };
   EXPECT_NE(StartOne(), "");
 }
 
 TEST_F(Maps, NeedTheirDocumentUnderItsNewName) {
-  m_files.unrenamed.insert(kDocument);
+  m_files.Refuse(kLocal);
   EXPECT_EQ(StartOne(), std::string("could not make ") + kLocal);
 }
 
@@ -168,12 +169,12 @@ TEST_F(Maps, NeedTheLinksOfTheWeb) {
   m_steps.unlinked.insert(kWeb);
   EXPECT_EQ(StartOne(), std::string("could not write the links of ") + kWeb);
   m_steps.unlinked.clear();
-  m_steps.onLinks = [this](const std::string& kml) { m_files.paths.erase(kml); };
+  m_steps.onLinks = [this](const std::string& kml) { m_files.Remove(kml); };
   EXPECT_EQ(StartOne(), std::string("could not write the links of ") + kWeb)
       << "only its temporary file is there";
-  m_files.uncopied.insert(kLocal);
+  m_files.Refuse(kWeb);
   EXPECT_EQ(StartOne(), std::string("could not write ") + kWeb);
-  ExpectLogSaysOk();
+  ExpectLogSaysOkAgain();
 }
 
 TEST_F(Maps, NeedTheirPicture) {
@@ -181,7 +182,7 @@ TEST_F(Maps, NeedTheirPicture) {
   EXPECT_EQ(StartOne(), "could not make the picture D:\\out\\maps\\title.jpg: no memory");
   m_steps.pictureProblem = "";
   EXPECT_EQ(StartOne(), "could not make the picture D:\\out\\maps\\title.jpg");
-  ExpectLogSaysOk();
+  ExpectLogSaysOkAgain();
 }
 
 TEST_F(Maps, AreLeftOutWhereNothingCanBeRun) {
@@ -198,7 +199,7 @@ TEST_F(Maps, AreLeftOutWhereNothingCanBeRun) {
 TEST_F(Maps, AreLeftOutWithoutATargetFolder) {
   m_runner.onRun = [this](const ToolRun& run) {
     Make(run);
-    m_files.unwritable.insert("D:\\out\\maps");
+    m_files.Refuse("D:\\out\\maps");
   };
   Start({MakeData("a"), MakeData("b")});
   EXPECT_EQ(Map(0).state, MapState::kComplete);
@@ -211,9 +212,8 @@ TEST_F(Maps, AreLeftOutWhenARasterOfAnEarlierJobCannotBeDeleted) {
       "<VRTDataset><GCPList><GCP Pixel=\"0\" Line=\"0\"/><GCP Pixel=\"0\" Line=\"20\"/><GCP Pixel=\"10\" "
       "Line=\"0\"/><GCP Pixel=\"10\" Line=\"20\"/></GCPList><SourceFilename "
       "relativeToVRT=\"1\">a.tif</SourceFilename></VRTDataset>";
-  m_files.paths.insert("D:\\in\\a.vrt");
-  m_files.contents["D:\\in\\a.vrt"] = translation;
-  m_files.undeletable.insert("D:\\in\\a.vrt");
+  m_files.Put("D:\\in\\a.vrt", translation);
+  m_files.SetInUse("D:\\in\\a.vrt");
   EXPECT_EQ(StartOne("EPSG:3003"), "the older D:\\in\\a.vrt cannot be deleted");
   EXPECT_EQ(Map().state, MapState::kLeftOut);
 }

@@ -63,9 +63,9 @@ TEST_F(Driver, NumbersFoldersTitlesAndLinksOfSeveralFiles) {
 
 // A "\" before the quote that ends an argument would make the quote a part of it.
 TEST_F(Driver, GivesTheScriptOneFormOfTheTargetFolder) {
+  m_files.SetCurrentFolder("D:\\out");
   for (const char* typed : {"D:\\out\\maps\\\\", "D:/out/maps", "D:\\out\\\\maps/", "maps"}) {
     m_events.clear();
-    m_files.fullPaths = {{"maps", "D:\\out\\maps"}};
     m_settings.targetFolder = typed;
     Start({MakeData("a")});
     EXPECT_EQ(
@@ -129,7 +129,7 @@ TEST_F(Driver, ReprojectsAFileOfAnotherReference) {
 TEST_F(Driver, RewritesNoLinksWithoutAFreshCopy) {
   m_settings.webOutput = true;
   m_settings.targetUrl = "host/maps";
-  m_files.uncopied.insert("D:\\out\\maps\\googleearth_loc.kml");
+  m_files.Refuse("D:\\out\\maps\\googleearth_web.kml");
   Start({MakeData("a")});
   EXPECT_EQ(CountEvents("copy"), 1U);
   EXPECT_EQ(CountEvents("links"), 0U) << "those of an earlier job have their addresses already";
@@ -172,7 +172,7 @@ TEST_F(Driver, SkipsAFileWhoseCommandLineIsTooLong) {
 }
 
 TEST_F(Driver, StopsWhenTheTargetFolderCannotBeMade) {
-  m_files.unwritable.insert("D:\\out\\maps");
+  m_files.Refuse("D:\\out\\maps");
   EXPECT_EQ(Start({MakeData("a")}), JobResult::kTargetMissing);
   EXPECT_EQ(
       Events(m_events.end() - 3, m_events.end()),
@@ -181,7 +181,7 @@ TEST_F(Driver, StopsWhenTheTargetFolderCannotBeMade) {
 }
 
 TEST_F(Driver, GoesOnWhenTheTargetFolderOfSeveralIsGone) {
-  m_runner.onRun = [&](const ToolRun&) { m_files.unwritable.insert("D:\\out\\maps"); };
+  m_runner.onRun = [&](const ToolRun&) { m_files.Refuse("D:\\out\\maps"); };
   Start({MakeData("a"), MakeData("b")});
   EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n- D:\\in\\b.tif: unable to create target folder\r\n");
 }
@@ -199,20 +199,21 @@ TEST_F(Driver, AsksOnceBeforeOverwriting) {
 }
 
 TEST_F(Driver, TakesAFolderForFullWhenItHoldsAnything) {
-  struct Case {
-    std::vector<FoundFile> entries;
-    size_t questions;
-  };
-  const std::string folder = "D:\\out\\maps";
-  const Case cases[] = {{{}, 0},
-                        {{{folder + "\\0", "0", true}}, 1},
-                        {{{folder + "\\...", "...", true}}, 1},
-                        {{{folder + "\\.hidden", ".hidden", false}}, 1}};
-  for (const Case& each : cases) {
-    m_events.clear();
-    m_files.matches[folder + "\\*.*"] = each.entries;
-    Start({MakeData("a")});
-    EXPECT_EQ(CountEvents(kQuestion), each.questions) << each.entries.size();
+  const std::string folder = "D:\\out\\maps\\";
+  m_files.PutFolder(folder);
+  Start({MakeData("a")});
+  EXPECT_EQ(CountEvents(kQuestion), 0U);
+  for (const char* entry : {"0", "...", ".hidden"}) {
+    for (const bool isFolder : {false, true}) {
+      Clear();
+      if (isFolder) {
+        m_files.PutFolder(folder + entry);
+      } else {
+        m_files.Put(folder + entry);
+      }
+      Start({MakeData("a")});
+      EXPECT_EQ(CountEvents(kQuestion), 1U) << entry;
+    }
   }
 }
 
@@ -260,7 +261,7 @@ TEST_F(Driver, ForgetsAnAbortFromBeforeTheJob) {
 }
 
 TEST_F(Driver, KeepsTheMapPageOnlyWithAKey) {
-  m_files.paths.insert("D:\\out\\maps\\googlemaps.html");
+  m_runner.onRun = [&](const ToolRun&) { m_files.Put("D:\\out\\maps\\googlemaps.html"); };
   m_settings.googleApiKey = "KEY";
   Start({MakeData("a")});
   EXPECT_EQ(CountEvents("preview: D:\\out\\maps\\googlemaps.html"), 1U);
@@ -269,7 +270,7 @@ TEST_F(Driver, KeepsTheMapPageOnlyWithAKey) {
       CountEvents(TileCall("EPSG:32632", "-t \"title\"", "../", "-g KEY", "D:\\in\\a.tif", "D:\\out\\maps")),
       1U);
 
-  m_events.clear();
+  Clear();
   m_settings.googleApiKey = "";
   Start({MakeData("a")});
   const Events shown = Without({"title", "folder", "busy", "range", "position", "create", "label", "tile",
@@ -292,7 +293,7 @@ TEST_F(Driver, DoesNothingWithBadSettings) {
 }
 
 TEST_F(Driver, DoesNothingWithoutTools) {
-  m_files.paths.erase(std::string(kTools) + "gdalwarp.exe");
+  m_files.Remove(std::string(kTools) + "gdalwarp.exe");
   EXPECT_EQ(Start({MakeData("a")}), JobResult::kToolsMissing);
   EXPECT_EQ(CountEvents("busy"), 0U);
   EXPECT_TRUE(m_environment.order.empty());
@@ -317,14 +318,10 @@ TEST_F(Driver, IgnoresASecondStart) {
 TEST_F(Driver, RemovesWhatAKilledScriptWasWriting) {
   const std::string partial = "D:\\out\\maps\\12\\7\\9.png.~mos";
   for (const char* ending : {"complete", "aborted", "closed"}) {
-    m_events.clear();
+    Clear();
     m_host.closed = false;
-    m_files.matches.clear();
     m_runner.onRun = [&](const ToolRun&) {
-      m_files.paths.insert(partial);
-      m_files.matches["D:\\out\\maps\\*"] = {{"D:\\out\\maps\\12", "12", true}};
-      m_files.matches["D:\\out\\maps\\12\\*"] = {{"D:\\out\\maps\\12\\7", "7", true}};
-      m_files.matches["D:\\out\\maps\\12\\7\\*.~mos"] = {{partial, "9.png.~mos", false}};
+      m_files.Put(partial);
       m_host.aborted = std::string(ending) == "aborted";
       m_host.closed = std::string(ending) == "closed";
     };

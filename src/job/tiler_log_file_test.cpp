@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "files/testing/fake_file_system.h"
 #include "support/fakes.h"
 
 namespace {
@@ -11,7 +12,7 @@ namespace {
 class LogFile : public testing::Test {
  protected:
   Events m_events;
-  FakeFiles m_files{m_events};
+  FakeFileSystem m_files{&m_events};
   FakeEnvironment m_environment;
 };
 
@@ -38,7 +39,7 @@ TEST_F(LogFile, GoesUnlessItIsKept) {
   for (const bool kept : {false, true}) {
     auto log = std::make_unique<TilerLogFile>(m_files, m_environment, "x", 1);
     const std::string path = log->Path();
-    m_files.paths = {path};
+    m_files.Put(path);
     if (kept) {
       EXPECT_EQ(log->Keep(), path);
     }

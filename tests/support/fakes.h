@@ -11,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "files/file_system.h"
 #include "job/finishing_steps.h"
 #include "job/job_host.h"
 #include "job/process_environment.h"
@@ -78,75 +77,6 @@ class FakeHost : public JobHost {
     m_events.push_back(event);
     Count(event);
     if (onEvent) onEvent(event);
-  }
-  Events& m_events;
-};
-
-// Files by path; a folder ends in "\".
-class FakeFiles : public FileSystem {
- public:
-  explicit FakeFiles(Events& events) : m_events(events) {}
-
-  std::string FullPath(const std::string& path) override {
-    const auto found = fullPaths.find(path);
-    return found != fullPaths.end() ? found->second : path;
-  }
-  std::string Identity(const std::string& path) override {
-    const auto found = identities.find(path);
-    if (found != identities.end()) return found->second;
-    return Exists(path) ? path : "";
-  }
-  std::optional<std::string> Read(const std::string& path, size_t maxBytes) override {
-    const auto found = contents.find(path);
-    if (!Exists(path) || found == contents.end() || found->second.size() > maxBytes) return std::nullopt;
-    return found->second;
-  }
-  bool Exists(const std::string& path) override { return paths.count(path) > 0; }
-  bool IsFolder(const std::string& path) override { return paths.count(path + "\\") > 0; }
-  std::optional<std::uint64_t> WriteTime(const std::string& path) override {
-    return Exists(path) ? std::optional<std::uint64_t>(writeTimes[path]) : std::nullopt;
-  }
-  bool Find(const std::string& pattern, std::vector<FoundFile>& found) override {
-    patterns.push_back(pattern);
-    found = matches[pattern];
-    return true;
-  }
-  bool CreateFolder(const std::string& path) override {
-    m_events.push_back("create " + path);
-    return unwritable.count(path) == 0;
-  }
-  bool Delete(const std::string& path) override {
-    m_events.push_back("delete " + path);
-    return undeletable.count(path) == 0 && paths.erase(path) > 0;
-  }
-  bool Rename(const std::string& source, const std::string& target) override {
-    m_events.push_back("rename " + source + " -> " + target);
-    return unrenamed.count(source) == 0 && !Exists(target) && CopyPath(source, target) &&
-           paths.erase(source) > 0;
-  }
-  bool Copy(const std::string& source, const std::string& target) override {
-    m_events.push_back("copy " + source + " -> " + target);
-    return uncopied.count(source) == 0 && CopyPath(source, target);
-  }
-
-  std::set<std::string> paths;
-  std::map<std::string, std::string> fullPaths;
-  std::map<std::string, std::string> identities;  // where it is not the path itself
-  std::map<std::string, std::string> contents;
-  std::set<std::string> unwritable;
-  std::set<std::string> undeletable;
-  std::set<std::string> uncopied;
-  std::set<std::string> unrenamed;
-  std::map<std::string, std::uint64_t> writeTimes;
-  std::map<std::string, std::vector<FoundFile>> matches;
-  std::vector<std::string> patterns;
-
- private:
-  bool CopyPath(const std::string& source, const std::string& target) {
-    if (!Exists(source)) return false;
-    paths.insert(target);
-    contents[target] = contents[source];
-    return true;
   }
   Events& m_events;
 };

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "files/testing/fake_file_system.h"
 #include "job/batch_driver.h"
 #include "kvtools/kvtools.h"
 #include "support/fakes.h"
@@ -31,13 +32,26 @@ inline std::string TileCall(const std::string& epsg, const std::string& title, c
          " -p mercator " + title + "  -k -u " + url + " " + key + " \"" + input + "\" \"" + output + "\"";
 }
 
+// Notes what is looked for, too.
+class SearchedFiles : public FakeFileSystem {
+ public:
+  using FakeFileSystem::FakeFileSystem;
+  bool Find(const std::string& pattern, std::vector<FoundFile>& found) override {
+    patterns.push_back(pattern);
+    return FakeFileSystem::Find(pattern, found);
+  }
+
+  std::vector<std::string> patterns;
+};
+
 class Driver : public testing::Test {
  protected:
   void SetUp() override {
     KVT_SetProfileProduct("Mosaicon Test");
     for (const char* tool : {"gdal2tiles.py", "gdal_translate.exe", "gdalwarp.exe", "python.exe"}) {
-      m_files.paths.insert(std::string(kTools) + tool);
+      m_files.Put(std::string(kTools) + tool);
     }
+    m_files.PutFolder("D:\\out");
     m_settings.inputPath = "D:\\in\\a.tif";
     m_settings.mapTitle = "title";
     m_settings.targetFolder = "D:\\out\\maps";
@@ -47,11 +61,7 @@ class Driver : public testing::Test {
   }
 
   // What a tool that succeeds does.
-  void Make(const ToolRun& run) {
-    m_files.paths.insert(ProductOf(run));
-    m_files.contents[ProductOf(run)] = "made of " + run.input;
-    ++m_files.writeTimes[ProductOf(run)];
-  }
+  void Make(const ToolRun& run) { m_files.Put(ProductOf(run), "made of " + run.input); }
 
   JobResult Start(const std::vector<CTifData>& orthophotos) {
     m_runner.runs.clear();
@@ -59,9 +69,16 @@ class Driver : public testing::Test {
   }
 
   // Makes a folder look as if an earlier job had written into it.
-  void Fill(const std::string& folder) {
-    m_files.matches[folder + "\\*.*"] = {{folder + "\\doc.kml", "doc.kml", false}};
+  void Fill(const std::string& folder) { m_files.Put(folder + "\\older.txt"); }
+
+  // As before the first job, but for what lies beside the orthophotos.
+  void Clear() {
+    m_events.clear();
+    m_files.Remove("D:\\out\\maps");
   }
+
+  // "(none)" where there is no such file.
+  std::string TextOf(const std::string& path) { return m_files.Read(path, 1 << 24).value_or("(none)"); }
 
   // The events that are no part of what a test is about.
   Events Without(const std::vector<std::string>& prefixes) const {
@@ -78,7 +95,7 @@ class Driver : public testing::Test {
 
   Events m_events;
   FakeHost m_host{m_events};
-  FakeFiles m_files{m_events};
+  SearchedFiles m_files{&m_events};
   FakeSteps m_steps{m_events};
   FakeRunner m_runner{m_events};
   FakeEnvironment m_environment;
