@@ -22,9 +22,10 @@ import time
 import uuid
 
 TESTS = pathlib.Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(TESTS / "servers"))
+sys.path[:0] = [str(TESTS / "servers"), str(TESTS / "support")]
 import ftp_servers  # noqa: E402
 import keeper  # noqa: E402
+from wine_side import windows_path  # noqa: E402
 
 MARK = "MOSAICON_BENCH_RUN"
 IN_ONE_FOLDER = 100
@@ -94,10 +95,6 @@ class Watch:
         for pid, kind in self.kinds.items():
             totals[kind] = totals.get(kind, 0) + self.last[pid] - self.first[pid]
         return totals
-
-
-def windows_path(path):
-    return "Z:" + str(path).replace("/", "\\")
 
 
 def ours(stage, drive, folder, server, scratch):

@@ -14,12 +14,12 @@ import signal
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 import uuid
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "support"))
 from wine_prefix import WinePrefix, link_or_copy  # noqa: E402
+from wine_side import WINE, wait_until, windows_path  # noqa: E402
 
 PATIENCE = 600  # seconds until a test calls a run hung
 MARK = "MOSAICON_E2E_RUN"
@@ -33,18 +33,8 @@ def folder_from_environment(name, what):
 STAGE = folder_from_environment("MOSAICON_STAGE", "the program's folder").resolve()
 FAKE_TOOL = folder_from_environment("MOSAICON_FAKE_TOOL", "fake_tool.exe").resolve()
 WINEPREFIX = folder_from_environment("WINEPREFIX", "the Wine prefix to use").resolve()
-WINE = os.environ.get("WINE", "wine")
 if not (STAGE / "mosaicon-batch.exe").exists():
     sys.exit(f"there is no mosaicon-batch.exe in {STAGE}")
-
-
-def windows_path(path):
-    return "Z:" + str(path).replace("/", "\\")
-
-
-def unix_path(path):
-    """Of what windows_path has made."""
-    return pathlib.Path(path.removeprefix("Z:").replace("\\", "/"))
 
 
 def start_wine():
@@ -68,15 +58,6 @@ def start_wine():
         timeout=PATIENCE,
         check=False,
     )
-
-
-def wait_until(condition, seconds):
-    deadline = time.monotonic() + seconds
-    while not condition():
-        if time.monotonic() > deadline:
-            return False
-        time.sleep(0.02)
-    return True
 
 
 def user_folders(*below):

@@ -14,7 +14,8 @@ from xml.etree import ElementTree
 import numpy
 from osgeo import gdal
 
-from batch_support import PATIENCE, unix_path, windows_path
+from batch_support import PATIENCE, windows_path
+from wine_side import unix_path
 from rasters import OWN_ZONE, TARGET_ZONES, corners_in_degrees, read_pixels
 
 KML = "{http://www.opengis.net/kml/2.2}"

@@ -7,17 +7,16 @@ import os
 import pathlib
 import select
 import subprocess
+import sys
 
-WINE = os.environ.get("WINE", "wine")
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+from wine_side import WINE, windows_path  # noqa: E402
+
 LISTENING = "0A"
 PATIENCE = 900  # seconds until the client counts as hung
 # How long the client itself waits for a server, in seconds. What goes as it is to go never takes as long, on
 # however busy a machine; what takes longer has waited for an answer that nobody gave.
 CLIENT_PATIENCE = 600
-
-
-def windows_path(path):
-    return "Z:" + str(path).replace("/", "\\")
 
 
 class Answer:

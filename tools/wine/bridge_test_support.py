@@ -8,21 +8,21 @@ import select
 import shutil
 import signal
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
 
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tests" / "support"))
+import wine_side  # noqa: E402
+from wine_side import WINE  # noqa: E402
+
 BRIDGE = pathlib.Path(os.environ["MOSAICON_BRIDGE"]).resolve()
 WINEPREFIX = pathlib.Path(os.environ["WINEPREFIX"]).resolve(strict=True)
-WINE = os.environ.get("WINE", "wine")
 PATIENCE = 300  # seconds until a test calls a run hung
 
 # Prints what the script got, for Bridge.told.
 TELL_ARGUMENTS = "import json, sys; print(json.dumps(sys.argv[1:]))"
-
-
-def windows_path(path):
-    return "Z:" + str(path).replace("/", "\\")
 
 
 def wait_until(condition, seconds):
@@ -59,17 +59,7 @@ def parent_of(pid):
 
 
 def keep_wine_running():
-    """For a whole module: otherwise each test starts Wine's own processes anew, which inherit its
-    pipes and hold them open until they end, seconds later."""
-    shell = subprocess.Popen(
-        [WINE, "cmd"],
-        env={**os.environ, "WINEDEBUG": "-all"},
-        stdin=subprocess.PIPE,
-        stdout=subprocess.PIPE,
-        stderr=subprocess.DEVNULL,
-    )
-    shell.stdout.readline()
-    unittest.addModuleCleanup(shell.communicate, b"exit\n", timeout=PATIENCE)
+    wine_side.keep_wine_running(PATIENCE)
 
 
 class BridgeTest(unittest.TestCase):

@@ -22,8 +22,8 @@ from bridge_test_support import (
     is_alive,
     keep_wine_running,
     wait_until,
-    windows_path,
 )
+from wine_side import windows_path
 
 sys.path.insert(0, str(BRIDGE.parent))
 import python_host  # pylint: disable=wrong-import-position

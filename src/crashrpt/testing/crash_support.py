@@ -16,26 +16,22 @@ import subprocess
 import sys
 import tempfile
 import threading
-import time
 import unittest
 import xml.etree.ElementTree
 import zlib
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[3] / "tests" / "support"))
+import wine_side  # noqa: E402
 from web_server import Quiet, WebServer  # noqa: E402
+from wine_side import UNDER_WINE, WINE, windows_path  # noqa: E402
 
 PROGRAMS = pathlib.Path(
     os.environ.get("CRASHRPT_PROGRAMS") or sys.exit("CRASHRPT_PROGRAMS is not set")
 ).resolve()
-UNDER_WINE = os.name != "nt"
 PATIENCE = 600  # seconds until a test calls something hung
 REPORTED, UNREPORTED = 201, 202
 REPORT_NAME = re.compile(r"\d{8}T\d{6}Z-[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}")
 MADE_UP_CODE = 0xE0435200
-
-
-def windows_path(path):
-    return "Z:" + str(path).replace("/", "\\") if UNDER_WINE else str(path)
 
 
 def local_data_folder():
@@ -47,28 +43,16 @@ def local_data_folder():
 
 
 def keep_wine_running():
-    """For a whole module: one Wine process, so that each program does not start Wine's own anew."""
-    if not UNDER_WINE:
-        return
-    shell = subprocess.Popen(
-        ["wine", "cmd"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL
-    )
-    shell.stdout.readline()
-    unittest.addModuleCleanup(shell.communicate, b"exit\n", timeout=PATIENCE)
+    wine_side.keep_wine_running(PATIENCE)
 
 
-def wait_until(condition, seconds=PATIENCE):
-    deadline = time.monotonic() + seconds
-    while not condition():
-        if time.monotonic() > deadline:
-            return False
-        time.sleep(0.05)
-    return True
+def wait_until(condition):
+    return wine_side.wait_until(condition, PATIENCE)
 
 
 def command(program, *arguments, starter=()):
     return [
-        *(["wine"] if UNDER_WINE else []),
+        *([WINE] if UNDER_WINE else []),
         *starter,
         windows_path(PROGRAMS / program),
         *map(str, arguments),
