@@ -9,6 +9,7 @@
 #include <random>
 
 #include "files/wide_text.h"
+#include "handles/unique_handle.h"
 
 namespace bridge {
 namespace {
@@ -64,11 +65,9 @@ std::string StartAgent(unsigned short port, const std::string& token) {
                       CREATE_NO_WINDOW, nullptr, nullptr, &startup, &process)) {
     return "cannot start " + Utf8FromWide(interpreter) + " (error " + std::to_string(GetLastError()) + ")";
   }
-  for (const HANDLE handle : {process.hProcess, process.hThread}) {
-    if (handle != nullptr) {
-      CloseHandle(handle);
-    }
-  }
+  // Wine has none for a Unix program.
+  const UniqueHandle started(process.hProcess);
+  const UniqueHandle thread(process.hThread);
   return {};
 }
 

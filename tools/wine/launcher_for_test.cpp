@@ -12,15 +12,11 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
 #include <thread>
 
-namespace {
+#include "handles/unique_handle.h"
 
-struct CloseHandleOf {
-  void operator()(HANDLE handle) const { CloseHandle(handle); }
-};
-using Handle = std::unique_ptr<void, CloseHandleOf>;
+namespace {
 
 constexpr UINT kTerminated = 77;
 
@@ -48,8 +44,8 @@ int Launch(const char* program, DWORD lifetime_ms, char* command_line) {
   if (!CreatePipe(&read_end, &write_end, &inherited, 0)) {
     return 2;
   }
-  const Handle output(read_end);
-  Handle input(write_end);
+  const UniqueHandle output(read_end);
+  UniqueHandle input(write_end);
   SetHandleInformation(read_end, HANDLE_FLAG_INHERIT, 0);
 
   STARTUPINFOA startup{};
@@ -63,8 +59,8 @@ int Launch(const char* program, DWORD lifetime_ms, char* command_line) {
     std::fprintf(stderr, "cannot start %s: error %lu\n", program, GetLastError());
     return 2;
   }
-  const Handle process(started.hProcess);
-  const Handle thread(started.hThread);
+  const UniqueHandle process(started.hProcess);
+  const UniqueHandle thread(started.hThread);
   input.reset();
 
   CopyOutput(output.get(), process.get(), lifetime_ms);
