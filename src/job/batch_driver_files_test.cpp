@@ -122,6 +122,18 @@ TEST_F(Reprojection, IsNotTriedWhenAnOldFileCannotBeDeleted) {
   EXPECT_EQ(m_host.report.maps.at(0).problem, "the older D:\\in\\a2.vrt cannot be deleted");
 }
 
+// The translator is told the name of the orthophoto twice, the script once.
+TEST_F(Reprojection, IsNotTriedWithACommandLineThatWouldBeTooLong) {
+  for (const size_t length : {1950U, 2030U}) {
+    m_events.clear();
+    const std::string name(length, 'x');
+    StartWith(name);
+    EXPECT_EQ(m_runner.runs.size(), 0U) << length;
+    EXPECT_EQ(m_host.report.log, "- unable to apply translation to D:\\in\\" + name + ".tif\r\n");
+    EXPECT_EQ(m_host.report.maps.at(0).problem, "the command line of a tool would be too long");
+  }
+}
+
 // The warped file has a longer name than the orthophoto.
 TEST_F(Reprojection, EndsWhenOnlyItsResultMakesTheCommandLineTooLong) {
   size_t tooLong = 0;

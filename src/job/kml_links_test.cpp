@@ -9,9 +9,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <iterator>
+#include <thread>
 #endif
 
 #include "support/temporary_folder.h"
@@ -229,6 +233,31 @@ TEST_F(KmlLinks, LeavesWhatCannotBeRead) {
   struct stat status = {};
   EXPECT_TRUE(lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode));
   EXPECT_TRUE(lstat(link.c_str(), &status) == 0 && S_ISLNK(status.st_mode));
+}
+
+// Reading fails when a signal comes while it waits for more.
+TEST_F(KmlLinks, LeavesWhatCannotBeReadToItsEnd) {
+  struct sigaction handled = {};
+  handled.sa_handler = [](int) {};
+  struct sigaction before = {};
+  ASSERT_EQ(sigaction(SIGUSR1, &handled, &before), 0);
+  const std::string path = m_folder.Path("web.kml");
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  std::atomic<bool> isRewritten = false;
+  std::thread interrupter([&path, &isRewritten, reader = pthread_self()] {
+    std::ofstream pipe(path);
+    pipe << kLink << std::flush;
+    while (!isRewritten) {
+      pthread_kill(reader, SIGUSR1);
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  });
+  EXPECT_EQ(RewriteKmlLinks(path, "u", ""), 0);
+  isRewritten = true;
+  interrupter.join();
+  sigaction(SIGUSR1, &before, nullptr);
+  EXPECT_TRUE(std::filesystem::is_fifo(path));
+  EXPECT_FALSE(FileExists(m_folder.Path("temp_web.kml")));
 }
 #endif
 
