@@ -5,7 +5,6 @@
 #include <io.h>
 #include <sys/stat.h>
 #else
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,6 +15,8 @@
 #include <fstream>
 #include <iterator>
 #include <thread>
+
+#include "support/file_size_limit.h"
 #endif
 
 #include "support/temporary_folder.h"
@@ -179,23 +180,6 @@ TEST_F(KmlLinks, LeavesAFileThatMayNotBeReplaced) {
   _chmod(path.c_str(), _S_IREAD | _S_IWRITE);
 }
 #else
-// As on a full disk, writing fails beyond so many bytes.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    getrlimit(RLIMIT_FSIZE, &m_before);
-    const rlimit limit{bytes, m_before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &m_before); }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  rlimit m_before = {};
-};
-
 TEST_F(KmlLinks, KeepsTheFileWhenTheDiskIsFull) {
   const std::string path = m_folder.Path("web.kml");
   WriteFile(path, std::string(100000, 'x'));

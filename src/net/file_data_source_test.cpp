@@ -11,6 +11,9 @@
 #include <vector>
 
 #include "support/temporary_folder.h"
+#ifndef _WIN32
+#include "support/file_size_limit.h"
+#endif
 
 namespace {
 
@@ -102,6 +105,16 @@ TEST_F(FileDataSource, RefusesUnknownModesAndEmptyNames) {
   }
 }
 
+TEST_F(FileDataSource, OpensANameOfOneLetter) {
+  const auto before = std::filesystem::current_path();
+  Make("abc");
+  std::filesystem::current_path(m_folder.Path());
+  CUT_FileDataSource source("a", kLineBufferSize);
+  EXPECT_EQ(source.Open(kSourceRead), 0);
+  std::filesystem::current_path(before);
+  EXPECT_EQ(Bytes(source, 10), "abc");
+}
+
 TEST_F(FileDataSource, OpensTheNameWithoutTheBlanksAround) {
   Make("abc");
   CUT_FileDataSource source(("  " + m_strPath + " ").c_str(), kLineBufferSize);
@@ -163,6 +176,16 @@ TEST_F(FileDataSource, WritesALineEndUnlessThereIsOne) {
   source.Close();
   EXPECT_EQ(ReadFile(m_strPath), "abc\r\nabc\nabc\rabc\r\n\r\na\nb\r\n\n\r\n");
 }
+
+#ifndef _WIN32
+TEST_F(FileDataSource, TellsHowMuchOfALineAFullDiskHeld) {
+  CUT_FileDataSource source(m_strPath.c_str(), kLineBufferSize);
+  ASSERT_EQ(source.Open(kSourceWrite), 0);
+  const FileSizeLimit limit(3);
+  EXPECT_EQ(source.WriteLine("abcde"), 3);
+  EXPECT_EQ(ReadFile(m_strPath), "abc");
+}
+#endif
 
 TEST_F(FileDataSource, ReadsLinesWithTheirEnds) {
   CUT_FileDataSource& source = Holding("first\r\n\r\nthird line\r\nno\nend\rhere\r\nlast");
@@ -330,6 +353,16 @@ TEST_F(FileDataSource, RefusesToSeekWhereThereIsNothing) {
   EXPECT_EQ(source.Seek(0, -1), -1);
   if (sizeof(long) > sizeof(std::int32_t)) {
     EXPECT_EQ(source.Seek(LONG_MAX, 0), -1);
+  }
+}
+
+// It stays behind what was buffered.
+TEST_F(FileDataSource, LosesWhatWasBufferedWhenASeekIsRefused) {
+  for (const auto& [offset, origin] : {std::pair{0L, 3}, {-1L, kSeekBegin}}) {
+    CUT_FileDataSource& source = Holding("first\r\nsecond\r\n");
+    EXPECT_EQ(Line(source), "first\r\n");
+    EXPECT_EQ(source.Seek(offset, origin), -1);
+    EXPECT_EQ(Line(source), "");
   }
 }
 
