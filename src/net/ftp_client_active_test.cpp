@@ -32,6 +32,21 @@ TEST_F(FtpActive, MovesFilesBothWays) {
   EXPECT_EQ(m_server->HeardOnData(), std::string(1000, 'x'));
 }
 
+TEST_F(FtpActive, BeginsAtAnyReplyOfTheFirstTwoClasses) {
+  const char* const replies[] = {"100", "199", "200", "299"};
+  Script script;
+  for (const char* reply : replies) {
+    script =
+        script + Script{AnswerPort(), Expect("STOR x"), Say(reply), ConnectData(), HearData(), Say("226")};
+  }
+  LogInTo(script + InStep());
+  for (const char* reply : replies) {
+    FakeSource source("x");
+    EXPECT_EQ(m_client.SendFile(source, "x"), kNetSuccess) << reply;
+  }
+  ExpectInStep();
+}
+
 TEST_F(FtpActive, MovesFilesByName) {
   const TemporaryFolder folder;
   WriteFile(folder.Path("file"), "01234");
@@ -131,7 +146,7 @@ TEST_F(FtpActive, GivesUpAfter128Ports) {
 }
 
 TEST_F(FtpActive, IsRefusedItsPort) {
-  const char* const replies[] = {"150", "350", "425", "500", "x"};
+  const char* const replies[] = {"199", "300", "425", "500", "x"};
   Script script;
   for (const char* reply : replies) {
     for (int i = 0; i < 3; ++i) script.push_back(RefusePort(reply));
@@ -150,7 +165,7 @@ TEST_F(FtpActive, IsRefusedItsPort) {
 
 TEST_F(FtpActive, IsRefusedItsFileAndListensNoMore) {
   Script script;
-  const char* const replies[] = {"350", "425", "550", "x"};
+  const char* const replies[] = {"300", "425", "550", "x"};
   for (const char* reply : replies) {
     script = script + Script{AnswerPort(),        Expect("RETR x"), Say(reply),          Expect("NOOP"),
                              ConnectDataInVain(), Say("200 own"),   AnswerPort(),        Expect("STOR x"),

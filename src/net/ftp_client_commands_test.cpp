@@ -42,22 +42,28 @@ std::vector<CommandCase> AllCommands() {
   };
 }
 
-constexpr const char* kReplies[] = {"150 one", "250 two", "350 three", "450 four", "550 five"};
+// The first and the last code of each class.
+constexpr const char* kReplies[][5] = {{"100 one", "200 two", "300 three", "400 four", "500 five"},
+                                       {"199 one", "299 two", "399 three", "499 four", "599 five"}};
 
 TEST_F(FtpCommands, AreJudgedByTheClassOfTheReply) {
   for (const CommandCase& command : AllCommands()) {
     Script script;
-    for (const char* reply : kReplies) {
-      script = script + Script{Expect(command.sent), Reply(reply), Expect("NOOP"), Say("200 own")};
+    for (const auto& replies : kReplies) {
+      for (const char* reply : replies) {
+        script = script + Script{Expect(command.sent), Reply(reply), Expect("NOOP"), Say("200 own")};
+      }
     }
     LogInTo(script + InStep());
-    for (int i = 0; i < 5; ++i) {
-      m_client.codes.clear();
-      EXPECT_EQ(command.run(m_client), command.codes[i]) << command.sent << ": " << kReplies[i];
-      EXPECT_STREQ(m_client.GetLastReplyText(), kReplies[i]);
-      EXPECT_EQ(m_client.codes.back(), command.codes[i]);
-      EXPECT_EQ(m_client.NoOp(), kNetSuccess);
-      EXPECT_STREQ(m_client.GetLastReplyText(), "200 own");
+    for (const auto& replies : kReplies) {
+      for (int i = 0; i < 5; ++i) {
+        m_client.codes.clear();
+        EXPECT_EQ(command.run(m_client), command.codes[i]) << command.sent << ": " << replies[i];
+        EXPECT_STREQ(m_client.GetLastReplyText(), replies[i]);
+        EXPECT_EQ(m_client.codes.back(), command.codes[i]);
+        EXPECT_EQ(m_client.NoOp(), kNetSuccess);
+        EXPECT_STREQ(m_client.GetLastReplyText(), "200 own");
+      }
     }
     ExpectInStep();
   }
@@ -155,16 +161,20 @@ TEST_F(FtpCommands, RenameInTwoSteps) {
   const int from = kNetRnfrRefused;
   const int to = kNetRntoRefused;
   Script script;
-  for (const char* reply : kReplies) {
-    script = script + Script{Expect("RNFR a b"), Reply(reply)};
-    if (reply[0] == '3') script = script + Script{Expect("RNTO c d"), Say("250 done")};
-  }
-  for (const char* reply : kReplies) {
-    script = script + Script{Expect("RNFR a b"), Say("350"), Expect("RNTO c d"), Reply(reply)};
+  for (const auto& replies : kReplies) {
+    for (const char* reply : replies) {
+      script = script + Script{Expect("RNFR a b"), Reply(reply)};
+      if (reply[0] == '3') script = script + Script{Expect("RNTO c d"), Say("250 done")};
+    }
+    for (const char* reply : replies) {
+      script = script + Script{Expect("RNFR a b"), Say("350"), Expect("RNTO c d"), Reply(reply)};
+    }
   }
   LogInTo(script + InStep());
-  for (int code : {from, from, 0, from, from}) EXPECT_EQ(m_client.RenameFile("a b", "c d"), code);
-  for (int code : {to, 0, to, to, to}) EXPECT_EQ(m_client.RenameFile("a b", "c d"), code);
+  for (size_t i = 0; i < std::size(kReplies); ++i) {
+    for (int code : {from, from, 0, from, from}) EXPECT_EQ(m_client.RenameFile("a b", "c d"), code);
+    for (int code : {to, 0, to, to, to}) EXPECT_EQ(m_client.RenameFile("a b", "c d"), code);
+  }
   ExpectInStep();
 }
 
@@ -228,6 +238,29 @@ TEST_F(FtpCommands, TellTheCurrentFolder) {
   ExpectInStep();
 }
 
+TEST_F(FtpCommands, TellNoFolderWithoutAnAnswer) {
+  LogInTo({Expect("PWD"), Close()});
+  char buffer[] = "before";
+  EXPECT_EQ(m_client.GetCurDir(buffer, sizeof buffer), kNetNoResponse);
+  EXPECT_STREQ(buffer, "");
+  ExpectPlayed();
+}
+
+TEST_F(FtpCommands, KeepNoLinesOfALateReply) {
+  const Script announced = {Expect("CDUP"), Say("150 soon"), Say("250 late")};
+  LogInTo(announced + Script{Expect("SITE x"), Say("200 own")} + announced +
+          Script{Expect("HELP x"), Say("214 own")} + InStep());
+  const std::function<int()> commands[] = {[this] { return m_client.Quote("SITE x"); },
+                                           [this] { return m_client.Help("x"); }};
+  for (const auto& command : commands) {
+    EXPECT_EQ(m_client.CdUp(), kNetDenied);
+    EXPECT_EQ(command(), kNetSuccess);
+    ASSERT_EQ(m_client.GetReplyLineCount(), 1);
+    EXPECT_STREQ(m_client.GetReplyLineText(0) + 4, "own");
+  }
+  ExpectInStep();
+}
+
 TEST_F(FtpCommands, QuoteAnything) {
   const std::string line(256, 'x');
   LogInTo(Script{Expect(line), Say("500"), Expect(line), Expect("yy"), Say("500 one"), Say("500 two")} +
@@ -237,6 +270,9 @@ TEST_F(FtpCommands, QuoteAnything) {
   EXPECT_EQ(m_client.Quote(line.c_str()), kNetSuccess);
   EXPECT_EQ(m_client.GetReplyLineCount(), 1);
   EXPECT_EQ(m_client.Quote((line + "yy").c_str()), kNetSuccess);
+  m_client.aborted = true;
+  EXPECT_EQ(m_client.Quote("SITE x"), kNetAborted) << "nothing is sent any more";
+  m_client.aborted = false;
   ExpectInStep();
 }
 

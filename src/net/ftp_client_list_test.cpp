@@ -49,7 +49,7 @@ TEST_F(FtpList, ParsesBothStyles) {
   EXPECT_EQ(Entry(3).hour, 23);
   EXPECT_EQ(Entry(4).year, 2005);
   EXPECT_EQ(Entry(4).directory, 1);
-  EXPECT_EQ(Entry(4).next, nullptr);
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(Entry(i).next, nullptr) << "a copy stands alone";
   ExpectInStep();
 }
 
@@ -160,17 +160,32 @@ TEST_F(FtpList, MakesOneEntryOfALongLine) {
   ExpectInStep();
 }
 
+TEST_F(FtpList, MakesOneEntryOfALineThatComesInParts) {
+  const std::string begin = "12-31-99  11:59PM 77 " + std::string(238, 'n');
+  LogInTo(Script{AnswerPasv(), Expect("LIST"), AcceptData(), Say("150"), SendData("12-31-99  11:59PM 77 sl"),
+                 Wait(200), SendData("ow\r\n" + begin), Wait(200), SendData("y\r\n"), CloseData(),
+                 Say("226")} +
+          InStep());
+  m_client.SetDataTimeouts(60000, 60000);
+  m_time.RunAt(10);  // 2 s pass between the parts
+  EXPECT_EQ(m_client.ListPassive(), kNetSuccess);
+  m_time.RunAt(1);
+  EXPECT_EQ(Names(), (Texts{"slow", std::string(238, 'n') + 'y'}));
+  ExpectInStep();
+}
+
 TEST_F(FtpList, JudgesTheFinalReplies) {
   const struct {
     std::vector<std::string> replies;
     int code;
-  } cases[] = {{{"226 x"}, kNetSuccess},
+  } cases[] = {{{"200 x"}, kNetSuccess},
                {{"299 x"}, kNetSuccess},
                {{"300 x"}, kNetListFailed},
                {{"426 x"}, kNetListFailed},
                {{"550 x"}, kNetListFailed},
-               {{"150 x", "226 x"}, kNetSuccess},
-               {{"150 x", "350 x"}, kNetListFailed},
+               {{"100 x", "200 x"}, kNetSuccess},
+               {{"199 x", "299 x"}, kNetSuccess},
+               {{"150 x", "300 x"}, kNetListFailed},
                {{"150 x", "426 x"}, kNetListFailed},
                {{"150 x", "150 y"}, kNetListFailed},
                {{"x"}, kNetNoResponse},
@@ -228,6 +243,13 @@ TEST_F(FtpList, GivesUpALineWithoutEnd) {
   ExpectInStep();
 }
 
+TEST_F(FtpList, TakesALineOfMegabytes) {
+  LogInTo(Passive(std::string(10000 * (kFtpLineSize - 1), 'x') + "\r\ny") + InStep());
+  EXPECT_EQ(m_client.ListPassive(), kNetSuccess);
+  EXPECT_EQ(m_client.GetDirEntryCount(), 2);
+  ExpectInStep();
+}
+
 TEST_F(FtpList, IsAbortedBeforeTheFirstLine) {
   LogInTo(Script{AnswerPasv(), Expect("LIST"), AcceptData(), Say("150"), SendData("x\r\n"), ExpectDataLeft(),
                  Say("426")} +
@@ -259,12 +281,16 @@ TEST_F(FtpList, ReportsAConnectionThatIsReset) {
 
 TEST_F(FtpList, JudgesThePreliminaryReplyInActiveMode) {
   Script script;
-  for (const char* reply : {"350", "450", "550", "x"}) {
+  for (const char* reply : {"300", "450", "550", "x"}) {
     script = script + Script{AnswerPort(), Expect("LIST"), ConnectData(), Say(reply), ExpectDataLeft()};
   }
+  for (const char* reply : {"100", "299"}) {
+    script =
+        script + Script{AnswerPort(), Expect("LIST"), ConnectData(), Say(reply), CloseData(), Say("226")};
+  }
   LogInTo(script + InStep());
-  for (int code :
-       {kNetDataConnectionFailed, kNetDataConnectionFailed, kNetDataConnectionFailed, kNetNoResponse}) {
+  for (int code : {kNetDataConnectionFailed, kNetDataConnectionFailed, kNetDataConnectionFailed,
+                   kNetNoResponse, kNetSuccess, kNetSuccess}) {
     EXPECT_EQ(m_client.List(), code);
   }
   ExpectInStep();

@@ -106,8 +106,8 @@ TEST_F(FtpPassive, UnderstandsOrRefusesTheAnswer) {
       {"227 (127,0,0,1,0,0)", kBadPort},
       {"227 (127,0,0,1,273,112)", kBadPort},
       {"227 (127,0,0,1,99999999999,1)", kBadPort},
-      {"150 not yet", kRefused},
-      {"350 what", kRefused},
+      {"199 not yet", kRefused},
+      {"300 what", kRefused},
       {"425 cannot", kRefused},
       {"502 no PASV", kRefused},
       {"Entering (127,0,0,1,4,210)", kNoReply},
@@ -130,7 +130,7 @@ TEST_F(FtpPassive, UnderstandsOrRefusesTheAnswer) {
 TEST_F(FtpPassive, JudgesThePreliminaryReply) {
   constexpr Outcome kNotBegun = {kNetRetrFailed, kNetStorFailed, kNetDataConnectionFailed};
   const PasvCase cases[] = {
-      {"350 x", kNotBegun}, {"425 x", kNotBegun}, {"550 x", kNotBegun}, {"x", kNoReply}};
+      {"300 x", kNotBegun}, {"425 x", kNotBegun}, {"550 x", kNotBegun}, {"x", kNoReply}};
   Script script;
   for (const auto& preliminary : cases) {
     for (const char* command : {"RETR x", "STOR x", "LIST"}) {
@@ -154,15 +154,15 @@ TEST_F(FtpPassive, JudgesTheFinalReply) {
   const struct {
     const char* reply;
     int code;
-  } cases[] = {{"150 x", kNetTerminated}, {"226 x", kNetSuccess},    {"299 x", kNetSuccess},
-               {"350 x", kNetTerminated}, {"426 x", kNetTerminated}, {"552 x", kNetTerminated},
+  } cases[] = {{"199 x", kNetTerminated}, {"200 x", kNetSuccess},    {"299 x", kNetSuccess},
+               {"300 x", kNetTerminated}, {"426 x", kNetTerminated}, {"552 x", kNetTerminated},
                {"x", kNetNoResponse}};
   Script script;
   for (const auto& last : cases) {
     script =
-        script + Script{AnswerPasv(),  Expect("RETR x"),  AcceptData(),     Say("125 go"),    SendData("y"),
+        script + Script{AnswerPasv(),  Expect("RETR x"),  AcceptData(),     Say("100 go"),    SendData("y"),
                         CloseData(),   Reply(last.reply), AnswerPasv(),     Expect("STOR x"), AcceptData(),
-                        Say("200 go"), HearData(),        Reply(last.reply)};
+                        Say("299 go"), HearData(),        Reply(last.reply)};
   }
   LogInTo(script + InStep());
   for (const auto& last : cases) {

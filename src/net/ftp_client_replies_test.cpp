@@ -50,6 +50,43 @@ TEST_F(FtpReplies, ReadTheirReplyDespiteAnAbort) {
   ExpectInStep();
 }
 
+TEST_F(FtpReplies, AreReadToTheirEndWhereverTheAbortFallsIn) {
+  constexpr int kMostQuestions = 5;
+  Script script;
+  for (int i = 0; i < kMostQuestions; ++i) {
+    script = script + Script{Expect("CDUP"), SayRaw("250 do"), Wait(100), Say("ne")};
+  }
+  LogInTo(script + InStep());
+  for (int i = 0; i < kMostQuestions; ++i) {
+    m_client.abortAfterQuestions = m_client.abortQuestions + i;
+    EXPECT_EQ(m_client.CdUp(), kNetSuccess);
+    EXPECT_STREQ(m_client.GetLastReplyText(), "250 done") << i;
+  }
+  EXPECT_EQ(m_time.vainWaits.size(), 0U) << "behind the end there is nothing to wait for";
+  m_client.abortAfterQuestions = std::numeric_limits<int>::max();
+  ExpectInStep();
+}
+
+TEST_F(FtpReplies, AreWaitedForAsLongAsALineOnceAborted) {
+  LogInTo(Script{Expect("CDUP")} + InStep());
+  m_client.SetDataTimeouts(7000, 1000);
+  m_client.waits.clear();
+  m_client.aborted = true;
+  EXPECT_EQ(m_client.CdUp(), kNetNoResponse);
+  EXPECT_EQ(m_client.waits, std::vector<long>{7});
+  m_client.aborted = false;
+  ExpectInStep();
+}
+
+TEST_F(FtpReplies, MayBeThereBeforeTheirCommand) {
+  LogInTo(Script{Expect("CDUP"), SayRaw("250 one\r\n250 two\r\n"), Expect("CDUP")} + InStep());
+  for (const char* reply : {"250 one", "250 two"}) {
+    EXPECT_EQ(m_client.CdUp(), kNetSuccess);
+    EXPECT_STREQ(m_client.GetLastReplyText(), reply);
+  }
+  ExpectInStep();
+}
+
 TEST_F(FtpReplies, DoNotWaitForEverOnceAborted) {
   LogInTo(Script{Expect("CDUP"), SayForEver("2")});
   m_client.SetDataTimeouts(1000, 1000);
@@ -88,6 +125,16 @@ TEST_F(FtpReplies, MayAnnounceTheLastOneTwice) {
   expectOwn();
   EXPECT_EQ(m_client.CdUp(), kNetDenied);
   expectOwn();
+  ExpectInStep();
+}
+
+TEST_F(FtpReplies, MayBeAnnouncedSixteenTimes) {
+  Script script{Expect("CDUP")};
+  for (int i = 0; i < 16; ++i) script.push_back(Say("150 soon"));
+  LogInTo(script + Script{Wait(300), Say("250 late"), Expect("CWD own"), Say("250 own")} + InStep());
+  EXPECT_EQ(m_client.CdUp(), kNetDenied);
+  EXPECT_EQ(m_client.ChDir("own"), kNetSuccess);
+  EXPECT_STREQ(m_client.GetLastReplyText(), "250 own");
   ExpectInStep();
 }
 
