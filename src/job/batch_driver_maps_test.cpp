@@ -86,6 +86,23 @@ TEST_F(Maps, FailWithTheWarper) {
   ExpectLogSaysOk();
 }
 
+// The warped file has a longer name than the orthophoto, and makes the command line of the script too long.
+TEST_F(Maps, TellTheFirstThingThatWentWrong) {
+  Fail(Tool::kWarper);
+  size_t withoutScript = 0;
+  for (size_t length = 3900; length < 4000; ++length) {
+    Clear();
+    m_files.Remove("D:\\in\\a.vrt");
+    m_settings.mapTitle = std::string(length, 't');
+    const std::string problem = StartOne("EPSG:3003");
+    if (m_runner.runs.size() != 2) continue;
+    ++withoutScript;
+    EXPECT_EQ(problem, "gdalwarp could not write D:\\in\\a2.vrt");
+    EXPECT_EQ(Map().state, MapState::kFailed);
+  }
+  EXPECT_GT(withoutScript, 0U);
+}
+
 TEST_F(Maps, FailWithTheScript) {
   Fail(Tool::kTiler, {1, "RESULT FAILED the image has 6 bands", "", false});
   EXPECT_EQ(StartOne(), "the image has 6 bands");
@@ -150,11 +167,13 @@ TEST_F(Maps, KeepADocumentOfAnEarlierJobThatSaysTheSame) {
   }
 }
 
-TEST_F(Maps, DoNotCompareDocumentsThatAreTooLargeToRead) {
-  const std::string large((4 << 20) + 1, 'x');
-  m_files.Put(kLocal, large);
-  m_runner.onRun = [&](const ToolRun& run) { m_files.Put(ProductOf(run), large); };
-  EXPECT_NE(StartOne(), "");
+TEST_F(Maps, CompareDocumentsOfFourMebibytesAtMost) {
+  for (const size_t size : {size_t{4} << 20, (size_t{4} << 20) + 1}) {
+    const std::string large(size, 'x');
+    m_files.Put(kLocal, large);
+    m_runner.onRun = [&](const ToolRun& run) { m_files.Put(ProductOf(run), large); };
+    EXPECT_EQ(StartOne().empty(), size == size_t{4} << 20);
+  }
 }
 
 TEST_F(Maps, NeedTheirDocumentUnderItsNewName) {
