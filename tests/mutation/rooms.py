@@ -29,7 +29,12 @@ ROOMS = {
         ],
         "net_files_test": ["cut_file.cpp", "data_source.cpp", "file_data_source.cpp"],
         "net_no_memory_test": ["file_data_source.cpp", "line_reader.cpp"],
-        "net_ftp_client_test": ["ftp_client.cpp", "ftp_client_commands.cpp", "ftp_client_replies.cpp"],
+        "net_ftp_client_test": [
+            "ftp_client.cpp",
+            "ftp_client_commands.cpp",
+            "ftp_client_replies.cpp",
+            "ftp_client_transfer.cpp",
+        ],
         "net_ftp_data_test": ["ftp_client_data.cpp", "ftp_client_list.cpp", "ftp_client_transfer.cpp"],
         "net_ftp_trouble_test": [
             "ftp_client.cpp",
