@@ -264,6 +264,18 @@ TEST_F(Maps, OfAnAbortedJobAreLeftOut) {
   }
 }
 
+// The script is run all the same, and whoever ends a tool gives it an exit code.
+TEST_F(Maps, AreLeftOutByAnAbortOfTheWarperWhateverTheScriptMakes) {
+  m_runner.onRun = [this](const ToolRun& run) {
+    if (run.tool != Tool::kWarper) return Make(run);
+    m_host.aborted = true;
+    m_runner.outcome = {1, "", "", false};
+  };
+  EXPECT_EQ(StartOne("EPSG:3003"), "the job was aborted");
+  EXPECT_EQ(Map().state, MapState::kLeftOut);
+  EXPECT_EQ(Map().exitCode, std::nullopt);
+}
+
 TEST_F(Maps, AreAsTheyWereAfterACancel) {
   Fill("D:\\out\\maps");
   m_host.answer = Answer::kCancel;

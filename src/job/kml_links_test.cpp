@@ -227,10 +227,10 @@ TEST_F(KmlLinks, LeavesWhatCannotBeReadToItsEnd) {
   ASSERT_EQ(sigaction(SIGUSR1, &handled, &before), 0);
   const std::string path = m_folder.Path("web.kml");
   ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  std::fstream pipe(path);  // to read and to write: it has no end, and whoever opens it need not wait
+  pipe << kLink << std::flush;
   std::atomic<bool> isRewritten = false;
-  std::thread interrupter([&path, &isRewritten, reader = pthread_self()] {
-    std::ofstream pipe(path);
-    pipe << kLink << std::flush;
+  std::thread interrupter([&isRewritten, reader = pthread_self()] {
     while (!isRewritten) {
       pthread_kill(reader, SIGUSR1);
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
