@@ -161,16 +161,18 @@ TEST_F(FtpList, MakesOneEntryOfALongLine) {
 }
 
 TEST_F(FtpList, MakesOneEntryOfALineThatComesInParts) {
-  const std::string begin = "12-31-99  11:59PM 77 " + std::string(238, 'n');
-  LogInTo(Script{AnswerPasv(), Expect("LIST"), AcceptData(), Say("150"), SendData("12-31-99  11:59PM 77 sl"),
-                 Wait(200), SendData("ow\r\n" + begin), Wait(200), SendData("y\r\n"), CloseData(),
-                 Say("226")} +
-          InStep());
+  const std::string name = std::string(238, 'n') + 'y';  // with what precedes it, as long as a line may be
+  Script script = {AnswerPasv(), Expect("LIST"), AcceptData(), Say("150")};
+  for (const std::string& part :
+       Texts{"12-31-99  11:59PM 77 ", "sl", "ow\r\n12-31-99  11:59PM 77 ", name.substr(0, 238), "y\r\n"}) {
+    script = script + Script{SendData(part), Wait(200)};
+  }
+  LogInTo(script + Script{CloseData(), Say("226")} + InStep());
   m_client.SetDataTimeouts(60000, 60000);
   m_time.RunAt(10);  // 2 s pass between the parts
   EXPECT_EQ(m_client.ListPassive(), kNetSuccess);
   m_time.RunAt(1);
-  EXPECT_EQ(Names(), (Texts{"slow", std::string(238, 'n') + 'y'}));
+  EXPECT_EQ(Names(), (Texts{"slow", name}));
   ExpectInStep();
 }
 

@@ -51,18 +51,18 @@ struct LoginCase {
 // A null text ends the script before it.
 TEST_F(FtpSession, IsRefusedWithTheCodeOfTheStep) {
   const LoginCase cases[] = {
-      {"120 wait", nullptr, nullptr, nullptr, kNetConnectionFailed},
-      {"421 full", nullptr, nullptr, nullptr, kNetConnectionFailed},
+      {"199 wait", nullptr, nullptr, nullptr, kNetConnectionFailed},
+      {"400 full", nullptr, nullptr, nullptr, kNetConnectionFailed},
       {"500 OOPS: bad config", nullptr, nullptr, nullptr, kNetConnectionFailed},
       {"hello", nullptr, nullptr, nullptr, kNetNoResponse},
-      {"220", "150 x", nullptr, nullptr, kNetUserRefused},
-      {"220", "430 x", nullptr, nullptr, kNetUserRefused},
+      {"220", "199 x", nullptr, nullptr, kNetUserRefused},
+      {"220", "400 x", nullptr, nullptr, kNetUserRefused},
       {"220", "530 x", nullptr, nullptr, kNetUserRefused},
-      {"300", "331 x", "150 x", nullptr, kNetPassRefused},
-      {"220", "331 x", "430 x", nullptr, kNetPassRefused},
+      {"300", "331 x", "199 x", nullptr, kNetPassRefused},
+      {"220", "331 x", "400 x", nullptr, kNetPassRefused},
       {"399", "331 x", "530 x", nullptr, kNetPassRefused},
-      {"220", "331 x", "332 x", "150 x", kNetAcctRefused},
-      {"220", "331 x", "332 x", "430 x", kNetAcctRefused},
+      {"220", "331 x", "332 x", "199 x", kNetAcctRefused},
+      {"220", "331 x", "332 x", "400 x", kNetAcctRefused},
       {"220", "331 x", "332 x", "530 x", kNetAcctRefused},
   };
   for (const LoginCase& login : cases) {
@@ -79,6 +79,18 @@ TEST_F(FtpSession, IsRefusedWithTheCodeOfTheStep) {
     EXPECT_FALSE(m_client.IsLoggedIn());
     ExpectPlayed();
   }
+}
+
+TEST_F(FtpSession, GoesOnAtAnyReplyOfTheSecondAndThirdClass) {
+  Serve(Script{Say("200"), Expect("USER ann"), Say("300"), Expect("PASS secret"), Say("300"),
+               Expect("ACCT surveys"), Say("200")} +
+        Settings() + InStep());
+  EXPECT_EQ(m_client.FTPConnect("127.0.0.1", "ann", "secret", "surveys"), kNetSuccess);
+  ExpectInStep();
+  Serve(Script{Say("399"), Expect("USER ann"), Say("399"), Expect("PASS secret"), Say("299")} + Settings() +
+        InStep());
+  EXPECT_EQ(m_client.FTPConnect("127.0.0.1", "ann", "secret", "surveys"), kNetSuccess);
+  ExpectInStep();
 }
 
 TEST_F(FtpSession, AcceptsAThirdClassReplyToTheAccount) {
