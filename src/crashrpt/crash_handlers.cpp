@@ -12,11 +12,12 @@
 #include "crashrpt/unexpected_handler.h"
 
 // In the C++ library: what the compiler puts in the place of functions that are not there. Imported as
-// data, because the address of an import stub would be ours.
+// data, because the address of an import stub would be ours. NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" __declspec(dllimport) void __cxa_pure_virtual();
 extern "C" __declspec(dllimport) void __cxa_deleted_virtual();
 // Likewise, of the C runtime.
 extern "C" int (*__imp_raise)(int);
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace {
 

@@ -7,10 +7,12 @@
 #include <algorithm>
 #include <utility>
 
+// Theirs, too. NOLINTBEGIN(misc-unused-using-decls)
 namespace Gdiplus {
 using std::max;
 using std::min;
 }  // namespace Gdiplus
+// NOLINTEND(misc-unused-using-decls)
 #include <gdiplus.h>
 
 #include "files/wide_text.h"

@@ -19,7 +19,7 @@ constexpr int kResolveBound = 10000;
 constexpr int kConnectBound = 10000;
 constexpr int kSendBound = 20000;
 constexpr int kReceiveBound = 20000;
-constexpr size_t kChunk = 64 * 1024;
+constexpr size_t kChunk = size_t{64} * 1024;
 
 struct InternetCloser {
   void operator()(HINTERNET handle) const { WinHttpCloseHandle(handle); }

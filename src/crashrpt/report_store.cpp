@@ -18,6 +18,10 @@ bool MakeFolders(const std::string& path) {
   return result == ERROR_SUCCESS || result == ERROR_ALREADY_EXISTS || result == ERROR_FILE_EXISTS;
 }
 
+std::string PathIn(const std::string& folder, const std::string& name) {
+  return folder + "\\" + name;
+}
+
 // Names of the folders in a folder, sorted.
 std::vector<std::string> FoldersIn(const std::string& folder) {
   std::vector<FoundFile> found;
@@ -32,7 +36,7 @@ std::vector<std::string> FoldersIn(const std::string& folder) {
 
 void DeleteReport(const std::string& folder) {
   for (const char* name : {kReportPicture, kReportDump, kReportXml}) {
-    DeleteFileA((folder + "\\" + name).c_str());
+    DeleteFileA(PathIn(folder, name).c_str());
   }
   RemoveDirectoryA(folder.c_str());
 }
@@ -73,7 +77,7 @@ void ReportStore::KeepNewest(size_t count) const {
     for (const std::string& folder : FoldersIn(place)) {
       const std::string name =
           folder.ends_with(kUnfinished) ? folder.substr(0, folder.size() - std::strlen(kUnfinished)) : folder;
-      if (IsReportName(name)) reports.emplace_back(name, place + "\\" + folder);
+      if (IsReportName(name)) reports.emplace_back(name, PathIn(place, folder));
     }
   }
   std::sort(reports.begin(), reports.end(), std::greater<>());

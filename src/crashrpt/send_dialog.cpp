@@ -103,8 +103,9 @@ class SendDialog {
     SetText(IDC_RESULT, "Sending the report...");
     std::thread([window = m_hWindow, send = m_offer.send, withPicture] {
       auto result = std::make_unique<std::string>(send(withPicture));
-      // The window may be gone; the process ends then anyway.
-      if (PostMessageA(window, kSent, 0, reinterpret_cast<LPARAM>(result.get()))) result.release();
+      // The window may be gone; the process ends then anyway. Otherwise the window owns the text now.
+      if (PostMessageA(window, kSent, 0, reinterpret_cast<LPARAM>(result.get())))
+        static_cast<void>(result.release());
     }).detach();
   }
 

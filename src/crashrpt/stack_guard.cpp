@@ -8,9 +8,11 @@
 #include "crashrpt/crash_kind.h"
 
 extern "C" {
+// The compiler's names. NOLINTBEGIN(bugprone-reserved-identifier)
 // The value that must be unharmed when a function returns.
 uintptr_t __stack_chk_guard = 0x595E9FBD94FDA766;
 [[noreturn]] void __stack_chk_fail();
+// NOLINTEND(bugprone-reserved-identifier)
 }
 
 namespace {

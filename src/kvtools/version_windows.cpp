@@ -46,7 +46,7 @@ std::string FileVersion(const std::vector<char>& resource) {
     return {};
   }
   // Not every resource compiler counts or writes the terminator.
-  const wchar_t* text = static_cast<const wchar_t*>(found);
+  const auto* text = static_cast<const wchar_t*>(found);
   return AnsiFromWide(std::wstring(text, wcsnlen(text, size)));
 }
 
