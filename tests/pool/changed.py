@@ -60,6 +60,12 @@ def imported(script):
     return found
 
 
+def reads(test, changed):
+    """Whether a changed file is one of those that the test says it needs, or in such a folder."""
+    needed = properties_of(test).get("REQUIRED_FILES", [])
+    return any(path.is_relative_to(place) for place in needed for path in changed)
+
+
 class Build:
     """What is known of one build folder."""
 
@@ -83,6 +89,8 @@ class Build:
         )
 
     def touches(self, test):
+        if reads(test, self.changed):
+            return True
         for word in [*test["command"], *properties_of(test).get("ENVIRONMENT", [])]:
             path = pathlib.Path(word.partition("=")[2] if "=" in word else word)
             if path.name == "stage" and self.program_is_touched():

@@ -6,7 +6,7 @@ import subprocess
 import tempfile
 import unittest
 
-from changed import EVERYWHERE, that_fit
+from changed import EVERYWHERE, reads, that_fit
 from pool import costs, write_pool
 from summary import lines_of, results_of
 
@@ -94,6 +94,21 @@ class Everywhere(unittest.TestCase):
     def test_a_change_does_not_show_of_one_source_or_of_its_looks(self):
         for path in (".clang-format", "src/job/batch_driver.cpp", "tests/e2e/jobs_test.py", "docs/test"):
             self.assertNotRegex(path, EVERYWHERE)
+
+
+class Reading(unittest.TestCase):
+    def test_is_told_by_what_a_test_needs(self):
+        test = {"properties": [{"name": "REQUIRED_FILES", "value": ["/top/src", "/top/settings"]}]}
+        for path, expected in (
+            ("/top/src/room/a.cpp", True),
+            ("/top/settings", True),
+            ("/top/src2/a.cpp", False),
+            ("/top/settings.bak", False),
+        ):
+            self.assertEqual(reads(test, {pathlib.Path(path)}), expected, path)
+
+    def test_is_not_told_of_a_test_that_needs_nothing(self):
+        self.assertFalse(reads({"properties": []}, {pathlib.Path("/top/src/a.cpp")}))
 
 
 class Fitting(unittest.TestCase):
