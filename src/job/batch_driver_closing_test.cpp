@@ -69,6 +69,16 @@ TEST_F(ClosedDriver, DoesNothingMoreWhenAMessageIsShown) {
   ExpectNothingAfterClosingAtAnyCall(JobResult::kBadSettings);
 }
 
+TEST_F(Driver, KnowsNoFolderOnceTheHostIsClosed) {
+  GuardedHost host(m_host);
+  GuardedFiles files(m_files, host);
+  m_files.PutFolder("D:\\out");
+  EXPECT_TRUE(files.IsFolder("D:\\out"));
+  EXPECT_FALSE(files.IsFolder("D:\\none"));
+  m_host.closed = true;
+  EXPECT_FALSE(files.IsFolder("D:\\out"));
+}
+
 TEST_F(Driver, EndsWithoutAnotherCallWhenTheHostIsClosedWhileAToolRuns) {
   for (const char* tool : {"translate", "warp", "tile"}) {
     Clear();

@@ -84,6 +84,7 @@ TEST_F(Driver, RewritesTheLinksOfASingleFileWithoutSubFolder) {
   m_settings.webOutput = true;
   m_settings.targetUrl = "host/maps";
   Start({MakeData("a")});
+  EXPECT_EQ(CountEvents("url := http://host/maps"), 1U) << "the user sees what is used";
   EXPECT_EQ(CountEvents("links D:\\out\\maps\\googleearth_web.kml http://host/maps "), 1U);
 }
 

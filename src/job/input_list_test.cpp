@@ -144,6 +144,7 @@ TEST_F(InputList, ComesFromTheCommandLine) {
   restored = RestoreInputList(b + "|" + plain + "|" + a);
   EXPECT_TRUE(restored.folderMode);
   EXPECT_EQ(restored.shownPath, m_folder.Path("b.tif").substr(0, b.size() - 5));
+  EXPECT_EQ(RestoreInputList("d:\\one\\a.tif|e:\\two\\b.tif").shownPath, "d:\\one\\") << "that of the first";
   ASSERT_EQ(restored.orthophotos.size(), 2U);
   EXPECT_EQ(restored.orthophotos[0].m_strFileName, b);
   EXPECT_EQ(restored.orthophotos[1].m_strFileName, a);
