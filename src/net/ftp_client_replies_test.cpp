@@ -74,7 +74,21 @@ TEST_F(FtpReplies, AreWaitedForAsLongAsALineOnceAborted) {
   m_client.aborted = true;
   EXPECT_EQ(m_client.CdUp(), kNetNoResponse);
   EXPECT_EQ(m_client.waits, std::vector<long>{7});
+  EXPECT_STREQ(m_client.GetLastReplyText(), "200 F") << "that of the command before";
   m_client.aborted = false;
+  ExpectInStep();
+}
+
+TEST_F(FtpReplies, LeaveNoTimeLimitToOtherLines) {
+  std::atomic<bool> isLate = false;
+  LogInTo(Script{Expect("CDUP"), Say("250"), Await(isLate), Say("a line")} + InStep());
+  EXPECT_EQ(m_client.CdUp(), kNetSuccess);
+  m_time.RunAt(100);
+  SleepFor(300);  // which are 30 s; a reply may take 20
+  m_time.RunAt(1);
+  isLate = true;
+  char line[20];
+  EXPECT_EQ(m_client.ReceiveLine(line, sizeof line, 5), 8);
   ExpectInStep();
 }
 
