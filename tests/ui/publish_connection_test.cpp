@@ -15,12 +15,6 @@ class Connection : public ScriptedDialog {
     Go();
     return m_server->Finish().empty();
   }
-  // What was clicked before has been handled, too.
-  void WaitForTurn() {
-    const bool wasChecked = FtpItem(IDC_FTP_BYTE).IsChecked();
-    FtpItem(IDC_FTP_BYTE).Click();
-    EXPECT_TRUE(WaitUntil([&] { return FtpItem(IDC_FTP_BYTE).IsChecked() != wasChecked; }));
-  }
   // In the middle of a conversation, at once and without a word.
   void ExpectThatItIsLeftAtTheGate() {
     ASSERT_TRUE(IsAtGate());
@@ -53,7 +47,7 @@ TEST_F(Connection, IsKeptAliveButNotInTheMiddleOfAConversation) {
   FtpItem(IDC_FTP_UPLOAD).Click();
   ASSERT_TRUE(IsAtGate());
   for (int i = 0; i < 3; ++i) PostTimer();
-  EXPECT_TRUE(Ftp().AnswerTime(kPromptly));
+  WaitForTurn();
   Go();
   EXPECT_EQ(NextMessage().text, "1 file uploaded");
   PostTimer();
@@ -152,7 +146,7 @@ TEST_F(Connection, IsUsedOnceItIsKeptAlive) {
   PostTimer();
   ASSERT_TRUE(IsAtGate());
   FtpItem(IDC_FTP_REFRESH).Click();
-  EXPECT_TRUE(Ftp().AnswerTime(kPatience));
+  WaitForTurn();
   Go();
   EXPECT_TRUE(WaitUntil([this] { return Rows().empty(); }));
 }

@@ -222,6 +222,7 @@ TEST_F(Dialog, ConnectsOnceHoweverOftenItIsAsked) {
     FtpItem(id).Click();
   }
   PostTimer();
+  WaitForTurn();
   Go();
   EXPECT_TRUE(WaitUntil([this] { return LooksConnected(); }));
 }

@@ -62,6 +62,15 @@ class ScriptedDialog : public PublishTest {
     return OpenUpload(Path("up")) && Connect(LoginTo(LoggingIn() + Listing(kOneFolder) + script));
   }
   void PostTimer() { Ftp().Post(WM_TIMER, kKeepAliveTimer); }
+  // What was posted before, clicks for example, has been handled when this returns: one of the last things
+  // to be handled selects something of the host's name.
+  void WaitForTurn() {
+    const Window host = FtpItem(IDC_FTP_HOST);
+    const auto end = [&host] { return HIWORD(host.Send(EM_GETSEL)); };
+    const WORD wanted = end() == 1 ? 2 : 1;
+    host.Post(EM_SETSEL, 0, wanted);
+    EXPECT_TRUE(WaitUntil([&] { return end() == wanted; }));
+  }
 
   // A step that waits for Go; HasCome tells that the server is there.
   ScriptedServer::Step Gate() {
