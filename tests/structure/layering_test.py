@@ -15,6 +15,7 @@ ROOMS = {
     "kvtools": {"files", "handles"},
     "mfc": {"files", "handles", "kvtools"},
     "net": set(),
+    "tiler": set(),
     "crashrpt": {"files", "handles"},
     "progress": {"kvtools", "mfc"},
     "job": {"files", "handles", "kvtools", "mfc", "progress"},

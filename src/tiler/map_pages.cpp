@@ -1,0 +1,156 @@
+#include "tiler/map_pages.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <map>
+#include <string_view>
+
+#include "tiler/kml_text.h"
+
+namespace tiler {
+
+namespace {
+
+constexpr std::string_view kGoogleMaps =
+#include "tiler/pages/googlemaps.inc"
+    ;
+constexpr std::string_view kLeaflet =
+#include "tiler/pages/leaflet.inc"
+    ;
+constexpr std::string_view kOpenLayers =
+#include "tiler/pages/openlayers.inc"
+    ;
+
+constexpr char kGoogleMapsUrl[] = "https://maps.googleapis.com/maps/api/js";
+constexpr int kFineDecimals = 14;
+constexpr double kMetresPerPixelOfLevel0 = 156543.0339;  // as the format has it
+
+using Values = std::map<std::string_view, std::string>;
+
+// What is put in is not looked at again: a title may hold whatever it likes.
+std::string FilledIn(std::string_view page, const Values& values) {
+  std::string text;
+  while (!page.empty()) {
+    const std::size_t mark = page.find('@');
+    text += page.substr(0, mark);
+    if (mark == std::string_view::npos) break;
+    page.remove_prefix(mark);
+    const std::size_t end = page.find('@', 1);
+    const auto value = end == std::string_view::npos ? values.end() : values.find(page.substr(1, end - 1));
+    if (value == values.end()) {
+      text += '@';
+      page.remove_prefix(1);
+    } else {
+      text += value->second;
+      page.remove_prefix(end + 1);
+    }
+  }
+  return text;
+}
+
+std::string WithDecimals(double value, int decimals) {
+  char text[400];  // of the largest double, too
+  std::snprintf(text, sizeof text, "%.*f", decimals, value);
+  return text;
+}
+
+std::string WithEscapedQuotes(const std::string& text) {
+  std::string escaped;
+  for (const char c : text) {
+    if (c == '"') escaped += '\\';
+    escaped += c;
+  }
+  return escaped;
+}
+
+std::string TileSet(int level, const std::string& escapedUrl) {
+  const std::string number = std::to_string(level);
+  const double metresPerPixel = std::ldexp(kMetresPerPixelOfLevel0, -level);
+  return "        <TileSet href=\"" + escapedUrl + number + "\" units-per-pixel=\"" +
+         WithDecimals(metresPerPixel, kFineDecimals) + "\" order=\"" + number + "\"/>\n";
+}
+
+Values CommonValues(const Pyramid& pyramid, const PageTexts& texts) {
+  const Bounds degrees = pyramid.Degrees();
+  return {{"TITLE", XmlEscaped(texts.title)},           {"COARSEST", std::to_string(pyramid.Coarsest())},
+          {"FINEST", std::to_string(pyramid.Finest())}, {"SOUTH", ShortestText(degrees.south)},
+          {"WEST", ShortestText(degrees.west)},         {"NORTH", ShortestText(degrees.north)},
+          {"EAST", ShortestText(degrees.east)}};
+}
+
+}  // namespace
+
+std::string GoogleMapsPage(const Pyramid& pyramid, const PageTexts& texts) {
+  Values values = CommonValues(pyramid, texts);
+  const std::string url = kGoogleMapsUrl;
+  values["MAPS_URL"] = texts.googleKey.empty() ? url : url + "?key=" + texts.googleKey;
+  values["KEY_HINT"] =
+      texts.googleKey.empty() ? "<!-- Replace URL below with " + url + "?key=INSERT_YOUR_KEY_HERE -->" : "";
+  return FilledIn(kGoogleMaps, values);
+}
+
+std::string LeafletPage(const Pyramid& pyramid, const PageTexts& texts) {
+  const Bounds degrees = pyramid.Degrees();
+  Values values = CommonValues(pyramid, texts);
+  values["QUOTED_TITLE"] = WithEscapedQuotes(texts.title);
+  values["CENTRE_LATITUDE"] = ShortestText((degrees.north + degrees.south) / 2.0);
+  values["CENTRE_LONGITUDE"] = ShortestText((degrees.west + degrees.east) / 2.0);
+  return FilledIn(kLeaflet, values);
+}
+
+std::string OpenLayersPage(const Pyramid& pyramid, const PageTexts& texts) {
+  constexpr int kDecimals = 6;
+  const Bounds& metres = pyramid.Metres();
+  Values values = CommonValues(pyramid, texts);
+  values["LEFT"] = WithDecimals(metres.west, kDecimals);
+  values["BOTTOM"] = WithDecimals(metres.south, kDecimals);
+  values["RIGHT"] = WithDecimals(metres.east, kDecimals);
+  values["TOP"] = WithDecimals(metres.north, kDecimals);
+  values["CENTRE_X"] = WithDecimals((metres.west + metres.east) / 2, kDecimals);
+  values["CENTRE_Y"] = WithDecimals((metres.south + metres.north) / 2, kDecimals);
+  return FilledIn(kOpenLayers, values);
+}
+
+std::string TileMapResource(const Pyramid& pyramid, const std::string& title, const std::string& url) {
+  const Bounds degrees = pyramid.Degrees();
+  const std::string south = WithDecimals(degrees.south, kFineDecimals);
+  const std::string west = WithDecimals(degrees.west, kFineDecimals);
+  std::string text =
+      "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
+      "    <TileMap version=\"1.0.0\" tilemapservice=\"http://tms.osgeo.org/1.0.0\">\n"
+      "      <Title>" +
+      XmlEscaped(title) +
+      "</Title>\n"
+      "      <Abstract></Abstract>\n"
+      "      <SRS>EPSG:3857</SRS>\n"
+      "      <BoundingBox minx=\"" +
+      west + "\" miny=\"" + south + "\" maxx=\"" + WithDecimals(degrees.east, kFineDecimals) + "\" maxy=\"" +
+      WithDecimals(degrees.north, kFineDecimals) +
+      "\"/>\n"
+      "      <Origin x=\"" +
+      west + "\" y=\"" + south +
+      "\"/>\n"
+      "      <TileFormat width=\"256\" height=\"256\" mime-type=\"image/png\" extension=\"png\"/>\n"
+      "      <TileSets profile=\"mercator\">\n";
+  for (int level = pyramid.Coarsest(); level <= pyramid.Finest(); ++level) {
+    text += TileSet(level, XmlEscaped(url));
+  }
+  return text + "      </TileSets>\n    </TileMap>\n    ";
+}
+
+std::string ShortestText(double value) {
+  constexpr int kLeastExponent = -4;  // of ten; numbers beyond these are shown with one
+  constexpr int kMostExponent = 15;
+  char text[64];
+  const auto scientific = std::to_chars(text, text + sizeof text, value, std::chars_format::scientific);
+  std::string shown(text, scientific.ptr);
+  const int exponent = std::stoi(shown.substr(shown.find('e') + 1));
+  if (exponent < kLeastExponent || exponent > kMostExponent) return shown;
+  const auto fixed = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed);
+  std::string plain(text, fixed.ptr);
+  if (plain.find('.') == std::string::npos) plain += ".0";
+  return plain;
+}
+
+}  // namespace tiler
