@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <utility>
+#include <vector>
 
 #include "handles/drawing_handles.h"
 #include "handles/mapped_view.h"
@@ -58,6 +59,16 @@ TEST(View, IsUnmappedAtTheEndOfItsScope) {
   }
   ASSERT_NE(VirtualQuery(place, &memory, sizeof memory), 0U);
   EXPECT_EQ(memory.State, static_cast<DWORD>(MEM_FREE));
+}
+
+// What the tests of others count with.
+TEST(OpenHandles, AreSeenToGrow) {
+  std::vector<UniqueHandle> opened;
+  EXPECT_TRUE(LeavesMoreAndMoreOpen([&] { opened.emplace_back(MakeEvent()); }));
+  UniqueHandle once;
+  EXPECT_FALSE(LeavesMoreAndMoreOpen([&] {
+    if (once == nullptr) once.reset(MakeEvent());
+  }));
 }
 
 void DrawOnce() {

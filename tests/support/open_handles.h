@@ -42,4 +42,18 @@ inline int CountOpenHandles() {
 
 #endif
 
+// Whether something opens more and more each time that it is done. The first times may open what stays: a
+// lock at which two threads meet has a handle from then on, and they meet whenever the machine is busy
+// enough.
+template <class Function>
+bool LeavesMoreAndMoreOpen(const Function& function) {
+  constexpr int kTimes = 5;
+  for (int i = 0; i < kTimes; ++i) {
+    const int before = CountOpenHandles();
+    function();
+    if (CountOpenHandles() <= before) return false;
+  }
+  return true;
+}
+
 #endif  // MOSAICON_TESTS_SUPPORT_OPEN_HANDLES_H_
