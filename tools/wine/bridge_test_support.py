@@ -142,7 +142,11 @@ class BridgeTest(unittest.TestCase):
     def first_output(self, launched):
         """What is there as soon as anything is there."""
         self.assertTrue(select.select([launched.stdout], [], [], PATIENCE)[0], "no output")
-        return os.read(launched.stdout.fileno(), 4096)
+        output = os.read(launched.stdout.fileno(), 4096)
+        if not output:
+            _, errors = launched.communicate(timeout=PATIENCE)
+            self.fail(f"ended with {launched.returncode} and without output: {errors}")
+        return output
 
     def finish(self, launched):
         """Rest of the output, and the exit code of python.exe."""
