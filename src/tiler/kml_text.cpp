@@ -1,6 +1,6 @@
 #include "tiler/kml_text.h"
 
-#include <cstdio>
+#include "tiler/number_text.h"
 
 namespace tiler {
 
@@ -13,9 +13,7 @@ constexpr const char* kMostPixels = "2048";
 constexpr const char* kForEver = "-1";
 
 std::string Degrees(double value) {
-  char text[400];  // of the largest double, too
-  std::snprintf(text, sizeof text, "%.14f", value);
-  return text;
+  return WithDecimals(value, 14);
 }
 
 std::string Path(const TileId& tile) {

@@ -1,12 +1,11 @@
 #include "tiler/map_pages.h"
 
-#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <map>
 #include <string_view>
 
 #include "tiler/kml_text.h"
+#include "tiler/number_text.h"
 
 namespace tiler {
 
@@ -46,12 +45,6 @@ std::string FilledIn(std::string_view page, const Values& values) {
       page.remove_prefix(end + 1);
     }
   }
-  return text;
-}
-
-std::string WithDecimals(double value, int decimals) {
-  char text[400];  // of the largest double, too
-  std::snprintf(text, sizeof text, "%.*f", decimals, value);
   return text;
 }
 
@@ -137,20 +130,6 @@ std::string TileMapResource(const Pyramid& pyramid, const std::string& title, co
     text += TileSet(level, XmlEscaped(url));
   }
   return text + "      </TileSets>\n    </TileMap>\n    ";
-}
-
-std::string ShortestText(double value) {
-  constexpr int kLeastExponent = -4;  // of ten; numbers beyond these are shown with one
-  constexpr int kMostExponent = 15;
-  char text[64];
-  const auto scientific = std::to_chars(text, text + sizeof text, value, std::chars_format::scientific);
-  std::string shown(text, scientific.ptr);
-  const int exponent = std::stoi(shown.substr(shown.find('e') + 1));
-  if (exponent < kLeastExponent || exponent > kMostExponent) return shown;
-  const auto fixed = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed);
-  std::string plain(text, fixed.ptr);
-  if (plain.find('.') == std::string::npos) plain += ".0";
-  return plain;
 }
 
 }  // namespace tiler

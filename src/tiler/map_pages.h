@@ -21,9 +21,6 @@ std::string OpenLayersPage(const Pyramid& pyramid, const PageTexts& texts);
 // url is put before the levels; empty, or with a "/" at its end.
 std::string TileMapResource(const Pyramid& pyramid, const std::string& title, const std::string& url);
 
-// A number as Python shows it: the shortest decimal fraction that means this very number.
-std::string ShortestText(double value);
-
 }  // namespace tiler
 
 #endif  // MOSAICON_TILER_MAP_PAGES_H_

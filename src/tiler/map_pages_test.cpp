@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
+#include "tiler/number_text.h"
 
 namespace tiler {
 namespace {
@@ -67,26 +67,6 @@ TEST(TileMapResource, HasALineForEachLevel) {
   EXPECT_FALSE(Has(text, "order=\"" + std::to_string(Sample().Finest() + 1) + "\""));
   EXPECT_TRUE(Has(TileMapResource(Pyramid({256, 256, 0, 0, 1e5, -1e5}), "t", ""),
                   "href=\"0\" units-per-pixel=\"156543.03390000000945\" order=\"0\"/>"));
-}
-
-TEST(ShortestText, IsThatOfPython) {
-  const struct {
-    double value;
-    const char* text;
-  } cases[] = {{0.0, "0.0"},
-               {-0.0, "-0.0"},
-               {-180.0, "-180.0"},
-               {0.1, "0.1"},
-               {179.99999999999997, "179.99999999999997"},
-               {0.0001, "0.0001"},
-               {0.00001, "1e-05"},
-               {-1.5e-7, "-1.5e-07"},
-               {1e15, "1000000000000000.0"},
-               {1e16, "1e+16"},
-               {123456789012345680.0, "1.2345678901234568e+17"},
-               {1e22, "1e+22"},
-               {std::numeric_limits<double>::max(), "1.7976931348623157e+308"}};
-  for (const auto& each : cases) EXPECT_EQ(ShortestText(each.value), each.text);
 }
 
 }  // namespace

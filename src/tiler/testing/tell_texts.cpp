@@ -13,6 +13,7 @@
 
 #include "tiler/kml_text.h"
 #include "tiler/map_pages.h"
+#include "tiler/number_text.h"
 
 namespace {
 
