@@ -8,6 +8,20 @@ cache=${XDG_CACHE_HOME:-$HOME/.cache}/mosaicon
 say() { printf '== %s\n' "$*"; }
 die() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }
 
+# Starts the calling script again with fixed addresses, for Wine. Its programs need 0x7ffe0000 for themselves,
+# and newer kernels put a program's heap anywhere in the gigabyte behind the program: without this, one start
+# in a thousand finds the place taken and ends at once, with exit code 1 and mostly without a word.
+fix_addresses() {
+  local no_randomization=0x40000 flags
+  flags=0x$(cat /proc/self/personality 2> /dev/null) || return 0
+  ((flags & no_randomization)) && return 0
+  if ! setarch -R true 2> /dev/null; then
+    say "addresses cannot be fixed here: one start of Wine in a thousand may fail"
+    return 0
+  fi
+  exec setarch -R "$BASH" "$0" "$@"
+}
+
 as_root() {
   if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }

@@ -19,7 +19,7 @@ import uuid
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "support"))
 from wine_prefix import WinePrefix, link_or_copy  # noqa: E402
-from wine_side import WINE, wait_until, windows_path  # noqa: E402
+from wine_side import WINE, keep_wine_running, wait_until, windows_path  # noqa: E402
 
 PATIENCE = 600  # seconds until a test calls a run hung
 MARK = "MOSAICON_E2E_RUN"
@@ -39,15 +39,10 @@ if not (STAGE / "mosaicon-batch.exe").exists():
 
 def start_wine():
     """For a whole module: a fresh copy of the Wine prefix, so that other users of it are neither seen
-    nor disturbed, and one Wine process that lives as long as the module. Without it each run starts
-    Wine's own processes anew, which inherit its output and hold it open for seconds."""
+    nor disturbed, and one Wine process that lives as long as the module."""
     prefix = WinePrefix(WINEPREFIX, "e2e")
     unittest.addModuleCleanup(prefix.close)
-    shell = subprocess.Popen(
-        [WINE, "cmd"], stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL
-    )
-    # Closes its input: it ends.
-    unittest.addModuleCleanup(shell.communicate, timeout=PATIENCE)
+    keep_wine_running(PATIENCE)
     # Whoever makes the first window starts Wine's desktop, which keeps the starter's standard error
     # open for as long as Wine runs. So that is a run of whose output nobody waits for the end.
     subprocess.run(

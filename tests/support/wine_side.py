@@ -31,8 +31,9 @@ def keep_wine_running(patience):
         stdout=subprocess.PIPE,
         stderr=subprocess.DEVNULL,
     )
-    shell.stdout.readline()
     unittest.addModuleCleanup(shell.communicate, b"exit\n", timeout=patience)
+    if not shell.stdout.readline():
+        raise RuntimeError("Wine does not start")
 
 
 def wait_until(condition, seconds):
