@@ -1,8 +1,8 @@
 """What a run of the tests comes to: summary.py FOLDER STAGES.
 
-FOLDER holds what CTest wrote with --output-junit: results.xml, and second.xml when what failed was run once
-more. STAGES is a file with one line for each stage of the run: its seconds, a blank and its name. Prints how
-many tests passed, failed, and passed at the second try only, the ten slowest, and the stages.
+FOLDER holds what CTest wrote with --output-junit results.xml. STAGES is a file with one line for each stage
+of the run: its seconds, a blank and its name. Prints how many tests passed and failed, the ten slowest, and
+the stages.
 """
 
 import pathlib
@@ -25,16 +25,11 @@ def not_passed(results):
     return {name for name, _, status in results if status != "run"}
 
 
-def lines_of(results, second, stages):
-    """Sentences for people. second: the results of those that were run once more."""
+def lines_of(results, stages):
+    """Sentences for people."""
     failed = not_passed(results)
-    saved = failed & {name for name, _, _ in second} - not_passed(second)
-    failed -= saved
-    lines = [
-        f"{len(results) - len(failed)} tests passed, {len(failed)} failed, {len(saved)} at the second try"
-    ]
+    lines = [f"{len(results) - len(failed)} tests passed, {len(failed)} failed"]
     lines += [f"  failed: {name}" for name in sorted(failed)]
-    lines += [f"  at the second try: {name}" for name in sorted(saved)]
     lines.append("the slowest:")
     slowest = sorted(results, key=lambda result: -result[1])[:SLOWEST]
     lines += [f"  {seconds:6.1f} s  {name}" for name, seconds, _ in slowest]
@@ -50,13 +45,4 @@ def read_stages(path):
 
 if __name__ == "__main__":
     folder = pathlib.Path(sys.argv[1])
-    again = folder / "second.xml"
-    print(
-        "\n".join(
-            lines_of(
-                results_of(folder / "results.xml"),
-                results_of(again) if again.exists() else [],
-                read_stages(sys.argv[2]),
-            )
-        )
-    )
+    print("\n".join(lines_of(results_of(folder / "results.xml"), read_stages(sys.argv[2]))))
