@@ -43,13 +43,16 @@ endif()
 # folder.
 set(MOSAICON_IN_OWN_PREFIX ${MOSAICON_PYTHON} -B "${PROJECT_SOURCE_DIR}/tests/support/in_own_prefix.py")
 
-# mosaicon_add_test(NAME LABEL [ONCE] SOURCES ... LIBRARIES ... [SHARDS COUNT]): one GoogleTest program.
-#   LABEL   those with the label "ui" show windows. There is only one focus, so each has a screen of its own.
-#   ONCE    takes long and says the same in every build for Windows: left out of the one that says so.
-#   SHARDS  that many CTest entries, which share the tests among them.
+# mosaicon_add_test(NAME LABEL [ONCE] [PORTABLE] SOURCES ... LIBRARIES ... [SHARDS COUNT]): one GoogleTest
+# program.
+#   LABEL     those with the label "ui" show windows. There is only one focus, so each has a screen of its own.
+#   ONCE      takes long and says the same in every build for Windows: left out of the one that says so.
+#   PORTABLE  nothing of it knows the system: left out of the build that says so, for the native one has it
+#             with sanitizers and checked indices, and another one shows what the compiler for Windows makes.
+#   SHARDS    that many CTest entries, which share the tests among them.
 function(mosaicon_add_test name label)
-  cmake_parse_arguments(PARSE_ARGV 2 arg "ONCE" "SHARDS" "SOURCES;LIBRARIES")
-  if(arg_ONCE AND NOT MOSAICON_LONG_TESTS)
+  cmake_parse_arguments(PARSE_ARGV 2 arg "ONCE;PORTABLE" "SHARDS" "SOURCES;LIBRARIES")
+  if((arg_ONCE AND NOT MOSAICON_LONG_TESTS) OR (arg_PORTABLE AND NOT MOSAICON_PORTABLE_TESTS))
     return()
   endif()
   add_executable(${name} ${arg_SOURCES})
