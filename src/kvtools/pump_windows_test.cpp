@@ -59,9 +59,8 @@ TEST_F(Pump, GivesTheProcessorAwayWhenNothingIsPending) {
   EXPECT_LE(elapsed, 10000U);
 }
 
-TEST_F(Pump, KeepsNobodyWaitingWhoHasWorkToDo) {
-  KVT_PumpMessages();
-  // A busy machine makes some of them late; where the processor is given away, none is quicker than that.
+// How long the quicker ones take, in milliseconds, for somebody who has work between them.
+double QuickQuarterOfPumpings() {
   std::array<double, 20> pumping = {};
   for (double& each : pumping) {
     Sleep(2);
@@ -70,7 +69,16 @@ TEST_F(Pump, KeepsNobodyWaitingWhoHasWorkToDo) {
     each = Milliseconds() - start;
   }
   std::sort(pumping.begin(), pumping.end());
-  EXPECT_LT(pumping[pumping.size() / 4], 4.0);
+  return pumping[pumping.size() / 4];
+}
+
+TEST_F(Pump, KeepsNobodyWaitingWhoHasWorkToDo) {
+  KVT_PumpMessages();
+  // A busy machine makes many of them late; where the processor is given away, none is ever quicker.
+  constexpr double kGivenAway = 4.0;
+  double quickest = QuickQuarterOfPumpings();
+  for (int i = 0; i < 50 && quickest >= kGivenAway; ++i) quickest = QuickQuarterOfPumpings();
+  EXPECT_LT(quickest, kGivenAway);
 }
 
 TEST_F(Pump, LeavesQuitToTheOuterLoop) {
