@@ -43,15 +43,17 @@ endif()
 # folder.
 set(MOSAICON_IN_OWN_PREFIX ${MOSAICON_PYTHON} -B "${PROJECT_SOURCE_DIR}/tests/support/in_own_prefix.py")
 
-# mosaicon_add_test(NAME LABEL [ONCE] [PORTABLE] SOURCES ... LIBRARIES ... [SHARDS COUNT]): one GoogleTest
-# program.
+# mosaicon_add_test(NAME LABEL [ONCE] [PORTABLE] [KILLS] SOURCES ... LIBRARIES ... [SHARDS COUNT]): one
+# GoogleTest program.
 #   LABEL     those with the label "ui" show windows. There is only one focus, so each has a screen of its own.
 #   ONCE      takes long and says the same in every build for Windows: left out of the one that says so.
 #   PORTABLE  nothing of it knows the system: left out of the build that says so, for the native one has it
 #             with sanitizers and checked indices, and another one shows what the compiler for Windows makes.
+#   KILLS     ends programs that it has only just started. Wine leaves the console of such a one behind for
+#             ever, which holds the test's output open; so it has a prefix of its own, with which all ends.
 #   SHARDS    that many CTest entries, which share the tests among them.
 function(mosaicon_add_test name label)
-  cmake_parse_arguments(PARSE_ARGV 2 arg "ONCE;PORTABLE" "SHARDS" "SOURCES;LIBRARIES")
+  cmake_parse_arguments(PARSE_ARGV 2 arg "ONCE;PORTABLE;KILLS" "SHARDS" "SOURCES;LIBRARIES")
   if((arg_ONCE AND NOT MOSAICON_LONG_TESTS) OR (arg_PORTABLE AND NOT MOSAICON_PORTABLE_TESTS))
     return()
   endif()
@@ -60,7 +62,7 @@ function(mosaicon_add_test name label)
   set_target_properties(${name} PROPERTIES CXX_CLANG_TIDY "")
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} mosaicon_test_support mosaicon_options)
   set(command ${name})
-  if(label STREQUAL ui AND CMAKE_CROSSCOMPILING)
+  if((label STREQUAL ui OR arg_KILLS) AND CMAKE_CROSSCOMPILING)
     set(command ${MOSAICON_IN_OWN_PREFIX} "$<TARGET_FILE:${name}>")
   endif()
   mosaicon_add_entries(${name} "${arg_SHARDS}" COMMAND ${command})
