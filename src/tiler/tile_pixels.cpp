@@ -10,27 +10,37 @@ constexpr int kEnlarged = kQuerySize / kTileSize;
 // What the reader of images adds to a position before it cuts off the fraction.
 constexpr double kEpsilon = 1e-10;
 
-// Sums of the channels of some pixels.
-struct Sums {
-  unsigned red = 0;
-  unsigned green = 0;
-  unsigned blue = 0;
-  unsigned alpha = 0;
+// Of each channel: some pixels of one column.
+using ColumnSums = std::array<std::uint16_t, 4>;
 
-  void Add(const Pixel& pixel) {
-    red += pixel.red;
-    green += pixel.green;
-    blue += pixel.blue;
-    alpha += pixel.alpha;
+// The part of a row that has sums. As bytes, which compilers add many of at a time.
+void AddRow(const Pixel* row, std::vector<ColumnSums>& sums) {
+  const std::uint8_t* bytes = &row->red;
+  std::uint16_t* to = sums.front().data();
+  const std::size_t count = (sums.size() - 1) * sizeof(Pixel);
+  for (std::size_t i = 0; i < count; ++i) to[i] = static_cast<std::uint16_t>(to[i] + bytes[i]);
+}
+
+// The average of the pixels of a square of the query; halves upwards.
+std::uint8_t Rounded(unsigned sum) {
+  constexpr unsigned kCount = kEnlarged * kEnlarged;
+  return static_cast<std::uint8_t>((sum + kCount / 2) / kCount);
+}
+
+// Averages of two by two pixels, halves upwards.
+void HalveRows(const Pixel* upper, const Pixel* lower, Pixel* out, std::size_t count) {
+  constexpr std::size_t kChannels = sizeof(Pixel);
+  const std::uint8_t* a = &upper->red;
+  const std::uint8_t* b = &lower->red;
+  std::uint8_t* to = &out->red;
+  for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t k = 0; k < kChannels; ++k) {
+      const std::size_t place = 2 * kChannels * i + k;
+      const int sum = a[place] + a[place + kChannels] + b[place] + b[place + kChannels];
+      to[kChannels * i + k] = static_cast<std::uint8_t>((sum + 2) / 4);
+    }
   }
-  // Rounded, halves upwards.
-  Pixel Average(unsigned count) const {
-    const auto rounded = [count](unsigned sum) {
-      return static_cast<std::uint8_t>((sum + count / 2) / count);
-    };
-    return {rounded(red), rounded(green), rounded(blue), rounded(alpha)};
-  }
-};
+}
 
 int PixelAt(double position, std::int64_t first, std::int64_t imageSize) {
   const double inImage = std::min(std::max(0.0, position), static_cast<double>(imageSize - 1));
@@ -69,17 +79,27 @@ QueryAxis RowsOf(const TileQuery& query, std::int64_t imageSize) {
 Tile AveragedTile(const std::vector<Pixel>& window, std::int64_t windowWidth, const QueryAxis& columns,
                   const QueryAxis& rows) {
   Tile tile(kTilePixels);
-  for (std::size_t i = 0; i < kTilePixels; ++i) {
-    const std::size_t left = i % kTileSize * kEnlarged;
-    const std::size_t top = i / kTileSize * kEnlarged;
-    Sums sums;
-    for (std::size_t y = top; y < top + kEnlarged; ++y) {
-      for (std::size_t x = left; x < left + kEnlarged; ++x) {
-        if (rows[y] == kNoPixel || columns[x] == kNoPixel) continue;
-        sums.Add(window[static_cast<std::size_t>(rows[y] * windowWidth + columns[x])]);
-      }
+  // A column for each of the window, and an empty one for what lies outside of the image.
+  std::vector<ColumnSums> sums(static_cast<std::size_t>(windowWidth) + 1);
+  const auto columnAt = [&](std::size_t place) -> const ColumnSums& {
+    return sums[static_cast<std::size_t>(columns[place] == kNoPixel ? windowWidth : columns[place])];
+  };
+  for (std::size_t y = 0; y < kTileSize; ++y) {
+    std::fill(sums.begin(), sums.end(), ColumnSums{});
+    bool isEmpty = true;
+    for (std::size_t k = y * kEnlarged; k < (y + 1) * kEnlarged; ++k) {
+      if (rows[k] == kNoPixel) continue;
+      AddRow(&window[static_cast<std::size_t>(rows[k] * windowWidth)], sums);
+      isEmpty = false;
     }
-    tile[i] = sums.Average(kEnlarged * kEnlarged);
+    if (isEmpty) continue;
+    for (std::size_t x = 0; x < kTileSize; ++x) {
+      ColumnSums sum = {};
+      for (std::size_t k = x * kEnlarged; k < (x + 1) * kEnlarged; ++k) {
+        for (std::size_t channel = 0; channel < sum.size(); ++channel) sum[channel] += columnAt(k)[channel];
+      }
+      tile[y * kTileSize + x] = {Rounded(sum[0]), Rounded(sum[1]), Rounded(sum[2]), Rounded(sum[3])};
+    }
   }
   return tile;
 }
@@ -87,17 +107,14 @@ Tile AveragedTile(const std::vector<Pixel>& window, std::int64_t windowWidth, co
 Tile HalvedTile(const std::array<const Tile*, 4>& finer) {
   constexpr std::size_t kHalf = kTileSize / 2;
   Tile tile(kTilePixels);
-  for (std::size_t i = 0; i < kTilePixels; ++i) {
-    const std::size_t x = i % kTileSize;
-    const std::size_t y = i / kTileSize;
-    const Tile* part = finer[(y < kHalf ? 2U : 0U) + (x < kHalf ? 0U : 1U)];
-    if (part == nullptr) continue;
-    const std::size_t corner = y % kHalf * 2 * kTileSize + x % kHalf * 2;
-    Sums sums;
-    for (const std::size_t each : {corner, corner + 1, corner + kTileSize, corner + kTileSize + 1}) {
-      sums.Add((*part)[each]);
+  for (std::size_t part = 0; part < finer.size(); ++part) {
+    if (finer[part] == nullptr) continue;
+    const std::size_t left = part % 2 * kHalf;
+    const std::size_t top = part < 2 ? kHalf : 0;
+    for (std::size_t y = 0; y < kHalf; ++y) {
+      const Pixel* upper = &(*finer[part])[2 * y * kTileSize];
+      HalveRows(upper, upper + kTileSize, &tile[(top + y) * kTileSize + left], kHalf);
     }
-    tile[i] = sums.Average(4);
   }
   return tile;
 }

@@ -1,0 +1,181 @@
+#include "tiler/request.h"
+
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+#include <map>
+#include <utility>
+
+#include "tiler/tiler_error.h"
+
+namespace tiler {
+
+namespace {
+
+constexpr unsigned kWhite = 0xFFFFFF;
+constexpr std::string_view kWithValue = "asptug";
+constexpr std::string_view kWithoutValue = "k";
+constexpr std::string_view kThreads = "--threads";
+
+[[noreturn]] void NotUnderstood(const std::string& why) {
+  throw TilerError("the command line was not understood: " + why);
+}
+
+std::string Quoted(const std::string& text) {
+  const char* mark = text.find('\'') != std::string::npos && text.find('"') == std::string::npos ? "\"" : "'";
+  return mark + text + mark;
+}
+
+// A decimal number of digits alone, up to the largest.
+std::optional<unsigned> NumberUpTo(unsigned largest, std::string_view text) {
+  unsigned number = 0;
+  const char* end = text.data() + text.size();
+  const auto read = std::from_chars(text.data(), end, number);
+  if (read.ec != std::errc() || read.ptr != end || number > largest) return std::nullopt;
+  return number;
+}
+
+Colour UnpackColour(const std::string& text) {
+  const auto packed = NumberUpTo(kWhite, text);
+  if (!packed) {
+    throw TilerError("the transparent colour " + Quoted(text) + " is not a number from 0 to " +
+                     std::to_string(kWhite));
+  }
+  return {static_cast<std::uint8_t>(*packed & 255), static_cast<std::uint8_t>(*packed >> 8 & 255),
+          static_cast<std::uint8_t>(*packed >> 16)};
+}
+
+int ThreadCount(const std::string& text) {
+  const auto count = NumberUpTo(unsigned{kMostThreads}, text);
+  if (!count || *count == 0) {
+    throw TilerError("the number of threads " + Quoted(text) + " is not a number from 1 to " +
+                     std::to_string(kMostThreads));
+  }
+  return static_cast<int>(*count);
+}
+
+// Options by their name, short ones by their letter; of one that is given twice, the last. A value may begin
+// with a dash: a title that does is still a title.
+class Options {
+ public:
+  explicit Options(const std::vector<std::string>& arguments) {
+    auto next = arguments.begin();
+    for (; next != arguments.end() && next->size() > 1 && next->front() == '-'; ++next) {
+      if (*next == "--") {
+        ++next;
+        break;
+      }
+      const bool isLong = next->starts_with("--");
+      next = isLong ? TakeLong(next, arguments.end()) : TakeShort(next, arguments.end());
+    }
+    m_names.assign(next, arguments.end());
+  }
+
+  bool Has(const std::string& name) const { return m_values.contains(name); }
+  std::string Value(const std::string& name, const std::string& missing = "") const {
+    const auto found = m_values.find(name);
+    return found == m_values.end() ? missing : found->second;
+  }
+  // What follows the options.
+  const std::vector<std::string>& Names() const { return m_names; }
+
+ private:
+  using Argument = std::vector<std::string>::const_iterator;
+
+  // Both return the last argument that belongs to the option.
+  Argument TakeShort(Argument argument, Argument end) {
+    for (std::size_t i = 1; i < argument->size(); ++i) {
+      const std::string letter(1, (*argument)[i]);
+      if (kWithoutValue.find(letter) != std::string_view::npos) {
+        m_values[letter] = "";
+        continue;
+      }
+      if (kWithValue.find(letter) == std::string_view::npos) {
+        NotUnderstood("option -" + letter + " not recognized");
+      }
+      if (i + 1 < argument->size()) {
+        m_values[letter] = argument->substr(i + 1);
+        return argument;
+      }
+      if (++argument == end) NotUnderstood("option -" + letter + " requires argument");
+      m_values[letter] = *argument;
+      return argument;
+    }
+    return argument;
+  }
+
+  Argument TakeLong(Argument argument, Argument end) {
+    const std::size_t sign = argument->find('=');
+    const std::string name = argument->substr(0, sign);
+    if (name != kThreads) NotUnderstood("option " + name + " not recognized");
+    if (sign == std::string::npos && ++argument == end)
+      NotUnderstood("option " + name + " requires argument");
+    m_values[name] = sign == std::string::npos ? *argument : argument->substr(sign + 1);
+    return argument;
+  }
+
+  std::map<std::string, std::string, std::less<>> m_values;
+  std::vector<std::string> m_names;
+};
+
+std::filesystem::path PathOf(const std::string& utf8) {
+  return {std::u8string(utf8.begin(), utf8.end())};
+}
+
+std::string Utf8Of(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+// Also of a name that begins with a dash, which nobody can take for an option then.
+std::string Absolute(const std::string& name) {
+  std::filesystem::path path = std::filesystem::absolute(PathOf(name)).lexically_normal();
+  if (!path.has_filename() && path.has_relative_path()) path = path.parent_path();
+  return Utf8Of(path);
+}
+
+// Where the value of -g begins, which is the argument's length when the next one holds it; npos: nowhere.
+std::size_t PlaceOfKey(const std::string& argument) {
+  if (!argument.starts_with('-')) return std::string::npos;
+  const std::size_t letter = argument.find_first_not_of(kWithoutValue, 1);
+  return letter != std::string::npos && argument[letter] == 'g' ? letter + 1 : std::string::npos;
+}
+
+}  // namespace
+
+Request ParseRequest(const std::vector<std::string>& arguments) {
+  const Options options(arguments);
+  const std::vector<std::string>& names = options.Names();
+  if (names.size() != 2 || names[0].empty() || names[1].empty()) {
+    throw TilerError("the command line must end with the image and the output folder");
+  }
+  if (options.Value("p", "mercator") != "mercator") {
+    throw TilerError("only tiles of the profile mercator can be made");
+  }
+  Request request;
+  request.input = Absolute(names[0]);
+  request.output = Absolute(names[1]);
+  if (options.Has("a")) request.transparent = UnpackColour(options.Value("a"));
+  request.srs = options.Value("s");
+  request.title = options.Value("t");
+  if (request.title.empty()) request.title = Utf8Of(PathOf(names[0]).filename());
+  request.kml = options.Has("k");
+  request.url = options.Value("u");
+  request.key = options.Value("g");
+  if (options.Has(std::string(kThreads))) request.threads = ThreadCount(options.Value(std::string(kThreads)));
+  return request;
+}
+
+std::string ArgumentsWithoutKey(const std::vector<std::string>& arguments) {
+  std::string shown;
+  bool hide = false;
+  for (const std::string& argument : arguments) {
+    if (!shown.empty()) shown += ", ";
+    const std::size_t key = hide ? 0 : PlaceOfKey(argument);
+    hide = !hide && key == argument.size();
+    shown += Quoted(key == std::string::npos || hide ? argument : argument.substr(0, key) + "***");
+  }
+  return "[" + shown + "]";
+}
+
+}  // namespace tiler

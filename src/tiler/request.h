@@ -1,0 +1,43 @@
+// The engine's command line, taken apart and checked. Portable, no state.
+#ifndef MOSAICON_TILER_REQUEST_H_
+#define MOSAICON_TILER_REQUEST_H_
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tiler {
+
+inline constexpr int kMostThreads = 256;
+
+// Red, green, blue.
+using Colour = std::array<std::uint8_t, 3>;
+
+// All texts in UTF-8.
+struct Request {
+  std::string input;                  // absolute path
+  std::string output;                 // absolute path without a separator at its end
+  std::optional<Colour> transparent;  // the colour of pixels that show nothing
+  std::string srs;                    // empty: the image's own
+  std::string title;
+  bool kml = false;
+  std::string url;  // the folder that doc.kml finds its own folder in; empty: none
+  std::string key;  // Google Maps key; empty: none
+  int threads = 0;  // 0: as many as there are processors
+};
+
+// What follows the program's name:
+//
+//     [-a COLOUR] [-s SRS] [-p mercator] [-t TITLE] [-k] [-u URL] [-g KEY] [--threads=N] INPUT OUTPUT
+//
+// COLOUR is R + 256*G + 65536*B. A value may begin with a dash. Throws TilerError when it is not that.
+Request ParseRequest(const std::vector<std::string>& arguments);
+
+// The arguments as they may be logged: the key is a secret of the user.
+std::string ArgumentsWithoutKey(const std::vector<std::string>& arguments);
+
+}  // namespace tiler
+
+#endif  // MOSAICON_TILER_REQUEST_H_

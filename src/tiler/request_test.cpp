@@ -1,0 +1,120 @@
+#include "tiler/request.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "tiler/tiler_error.h"
+
+namespace tiler {
+namespace {
+
+using Words = std::vector<std::string>;
+
+std::string Refusal(const Words& arguments) {
+  try {
+    ParseRequest(arguments);
+  } catch (const TilerError& error) {
+    return error.what();
+  }
+  return "";
+}
+
+TEST(Request, HasWhatIsGiven) {
+  const Request request = ParseRequest({"-a", "197121", "-s", "EPSG:32633", "-p", "mercator", "-t", "-x é",
+                                        "-k", "-u", "../", "-gKEY", "/wiesen é/a.tif", "/maps/a/"});
+  EXPECT_EQ(request.transparent, (Colour{1, 2, 3}));
+  EXPECT_EQ(request.srs, "EPSG:32633");
+  EXPECT_EQ(request.title, "-x é");
+  EXPECT_TRUE(request.kml);
+  EXPECT_EQ(request.url, "../");
+  EXPECT_EQ(request.key, "KEY");
+  EXPECT_EQ(request.threads, 0);
+#ifndef _WIN32
+  EXPECT_EQ(request.input, "/wiesen é/a.tif");
+  EXPECT_EQ(request.output, "/maps/a");
+#endif
+}
+
+TEST(Request, NeedsNothingButTheImageAndTheFolder) {
+  const Request request = ParseRequest({"bild é.tif", "maps"});
+  EXPECT_FALSE(request.transparent);
+  EXPECT_FALSE(request.kml);
+  EXPECT_EQ(request.title, "bild é.tif");
+  EXPECT_EQ(request.srs + request.url + request.key, "");
+  const std::string here = std::filesystem::current_path().string();
+  EXPECT_TRUE(request.input.starts_with(here) && request.output.starts_with(here));
+}
+
+TEST(Request, UnpacksColours) {
+  const struct {
+    const char* text;
+    Colour colour;
+  } cases[] = {{"0", {0, 0, 0}},          {"255", {255, 0, 0}},          {"65280", {0, 255, 0}},
+               {"16711680", {0, 0, 255}}, {"16777215", {255, 255, 255}}, {"000255", {255, 0, 0}}};
+  for (const auto& each : cases)
+    EXPECT_EQ(ParseRequest({"-a", each.text, "i", "o"}).transparent, each.colour);
+}
+
+TEST(Request, RefusesWhatIsNoColour) {
+  for (const std::string text : {"16777216", "white", "-1", "+1", "", " 1", "1.0", "99999999999999999999"}) {
+    EXPECT_EQ(Refusal({"-a", text, "i", "o"}),
+              "the transparent colour '" + text + "' is not a number from 0 to 16777215");
+  }
+  EXPECT_EQ(Refusal({"-a", "it's", "i", "o"}),
+            "the transparent colour \"it's\" is not a number from 0 to 16777215");
+}
+
+TEST(Request, RefusesOtherCommandLines) {
+  const std::string notUnderstood = "the command line was not understood: ";
+  const std::string mustEnd = "the command line must end with the image and the output folder";
+  EXPECT_EQ(Refusal({"-x", "i", "o"}), notUnderstood + "option -x not recognized");
+  EXPECT_EQ(Refusal({"i", "o", "-k"}), mustEnd) << "nothing is an option behind the first that is none";
+  EXPECT_EQ(Refusal({"-kx", "i", "o"}), notUnderstood + "option -x not recognized");
+  EXPECT_EQ(Refusal({"-t"}), notUnderstood + "option -t requires argument");
+  EXPECT_EQ(Refusal({"--title=x", "i", "o"}), notUnderstood + "option --title not recognized");
+  EXPECT_EQ(Refusal({"--threads"}), notUnderstood + "option --threads requires argument");
+  EXPECT_EQ(Refusal({}), mustEnd);
+  EXPECT_EQ(Refusal({"i"}), mustEnd);
+  EXPECT_EQ(Refusal({"i", ""}), mustEnd);
+  EXPECT_EQ(Refusal({"", "o"}), mustEnd);
+  EXPECT_EQ(Refusal({"i", "o", "p"}), mustEnd);
+  EXPECT_EQ(Refusal({"-p", "geodetic", "i", "o"}), "only tiles of the profile mercator can be made");
+}
+
+TEST(Request, TakesTheLastOfTwo) {
+  EXPECT_EQ(ParseRequest({"-t", "a", "-tb", "i", "o"}).title, "b");
+}
+
+TEST(Request, EndsItsOptionsAtTwoDashes) {
+  const Request request = ParseRequest({"-k", "--", "-i", "-o"});
+  EXPECT_TRUE(request.kml);
+  EXPECT_TRUE(request.input.ends_with("-i") && request.output.ends_with("-o"));
+}
+
+TEST(Request, TakesANumberOfThreads) {
+  EXPECT_EQ(ParseRequest({"--threads=3", "i", "o"}).threads, 3);
+  EXPECT_EQ(ParseRequest({"--threads", "256", "i", "o"}).threads, 256);
+  for (const std::string text : {"0", "257", "two", "-1", ""}) {
+    EXPECT_EQ(Refusal({"--threads=" + text, "i", "o"}),
+              "the number of threads '" + text + "' is not a number from 1 to 256");
+  }
+}
+
+TEST(Arguments, AreShownWithoutTheKey) {
+  const struct {
+    Words arguments;
+    const char* shown;
+  } cases[] = {{{}, "[]"},
+               {{"-g", "key", "in", "out"}, "['-g', '***', 'in', 'out']"},
+               {{"-gkey", "in"}, "['-g***', 'in']"},
+               {{"-kgkey", "in"}, "['-kg***', 'in']"},
+               {{"-kg", "key", "in"}, "['-kg', '***', 'in']"},
+               {{"-k", "in"}, "['-k', 'in']"},
+               {{"-t", "it's"}, "['-t', \"it's\"]"},
+               {{"-g", "-g", "in"}, "['-g', '***', 'in']"}};
+  for (const auto& each : cases) EXPECT_EQ(ArgumentsWithoutKey(each.arguments), each.shown);
+}
+
+}  // namespace
+}  // namespace tiler

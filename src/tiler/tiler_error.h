@@ -1,0 +1,28 @@
+// What ends a run of the engine.
+#ifndef MOSAICON_TILER_TILER_ERROR_H_
+#define MOSAICON_TILER_TILER_ERROR_H_
+
+#include <stdexcept>
+#include <string>
+
+namespace tiler {
+
+// A failure. Its text is the sentence for the user: one line of UTF-8, never empty, the beginning in small
+// letters and without a full stop.
+class TilerError : public std::runtime_error {
+ public:
+  explicit TilerError(const std::string& sentence);
+};
+
+// The run was asked to end before it was complete.
+class Stopped : public TilerError {
+ public:
+  Stopped();
+};
+
+// All runs of blanks, line breaks among them, become one blank; none at the ends.
+std::string OneLine(const std::string& text);
+
+}  // namespace tiler
+
+#endif  // MOSAICON_TILER_TILER_ERROR_H_
