@@ -4,7 +4,7 @@
 #ifndef MOSAICON_TILER_MERCATOR_H_
 #define MOSAICON_TILER_MERCATOR_H_
 
-#include <compare>
+#include <tuple>
 
 namespace tiler {
 
@@ -16,7 +16,11 @@ struct TileId {
   int column = 0;
   int row = 0;  // from the south
 
-  auto operator<=>(const TileId&) const = default;
+  bool operator==(const TileId&) const = default;
+  // By level, column, row.
+  bool operator<(const TileId& other) const {
+    return std::tie(level, column, row) < std::tie(other.level, other.column, other.row);
+  }
 };
 
 // In metres of the projection, or in degrees.

@@ -17,6 +17,10 @@ gdal.UseExceptions()
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 SCRIPT = os.path.join(os.path.dirname(HERE), "gdal2tiles.py")
+# The program that is tested in place of the script when it is set: it takes the same arguments, and must
+# make the same of them.
+ENGINE = os.environ.get("MOSAICON_TILER")
+of_the_script = unittest.skipIf(ENGINE, "about the script's interpreter and processes")
 UTM = 32633
 WEB_MERCATOR = 3857
 BLACK, RED, WHITE = 0, 255, 0xFFFFFF
@@ -52,6 +56,14 @@ def make_raster(path, array, epsg=UTM, corner=UTM_CORNER, kind=gdal.GDT_Byte, op
     dataset.WriteArray(array)
     dataset = None
     return path
+
+
+def visible_pixels(path):
+    """Of a tile, with the transparency that a file of opaque pixels may leave out."""
+    pixels = gdal.Open(path).ReadAsArray()
+    if len(pixels) == 3:
+        pixels = numpy.concatenate([pixels, numpy.full_like(pixels[:1], 255)])
+    return pixels.tobytes()
 
 
 def has_own_process(pid):
@@ -109,7 +121,7 @@ class TilerTestCase(unittest.TestCase):
 
     def start(self, arguments, python=(), **more):
         return subprocess.Popen(
-            [sys.executable, *python, SCRIPT, *arguments],
+            [ENGINE, *arguments] if ENGINE else [sys.executable, *python, SCRIPT, *arguments],
             env=self.environment,
             stdin=subprocess.DEVNULL,
             stdout=subprocess.PIPE,

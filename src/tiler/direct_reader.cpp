@@ -1,0 +1,147 @@
+#include <cpl_string.h>
+#include <gdal_alg.h>
+#include <gdal_priv.h>
+#include <ogr_spatialref.h>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+#include "tiler/gdal_errors.h"
+#include "tiler/map_srs.h"
+#include "tiler/tiler_error.h"
+#include "tiler/window_reader.h"
+
+namespace tiler {
+
+namespace {
+
+constexpr const char* kNotRead = "the image could not be read or tiled";
+constexpr int kPixelBytes = static_cast<int>(sizeof(Pixel));
+
+struct TransformerDeleter {
+  void operator()(void* transformer) const { GDALDestroyGenImgProjTransformer(transformer); }
+};
+using Transformer = std::unique_ptr<void, TransformerDeleter>;
+
+Transformer MakeTransformer(GDALDataset& source, const MapView& view) {
+  CPLStringList options;
+  options.SetNameValue("SRC_SRS", view.direct->srs.c_str());
+  options.SetNameValue("DST_SRS", WktOf(MapSrs()).c_str());
+  Transformer transformer(
+      GDALCreateGenImgProjTransformer2(GDALDataset::ToHandle(&source), nullptr, options.List()));
+  if (!transformer) throw TilerError(kNotRead);
+  const MapImage& image = view.image;
+  const std::array<double, 6> place = {image.left, image.pixelWidth, 0, image.top, 0, image.pixelHeight};
+  GDALSetGenImgProjTransformerDstGeoTransform(transformer.get(), place.data());
+  return transformer;
+}
+
+// The smallest window of the source image that holds these pixels; without any, an empty one.
+PixelWindow BoxAround(const std::vector<SourcePixel>& pixels) {
+  constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+  std::int32_t left = kMost;
+  std::int32_t top = kMost;
+  std::int32_t right = -1;
+  std::int32_t bottom = -1;
+  for (const SourcePixel& pixel : pixels) {
+    if (pixel.IsOutside()) continue;
+    left = std::min(left, pixel.column);
+    right = std::max(right, pixel.column);
+    top = std::min(top, pixel.row);
+    bottom = std::max(bottom, pixel.row);
+  }
+  if (right < 0) return {};
+  return {left, top, right - left + 1, bottom - top + 1};
+}
+
+class DirectReader : public WindowReader {
+ public:
+  DirectReader(const MapView& view, RunLog& log)
+      : m_colours(view.colours),
+        m_errors(log),
+        m_source(GDALDataset::Open(view.direct->source.c_str(),
+                                   GDAL_OF_RASTER | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR)),
+        m_index([this](std::vector<double>& xs, std::vector<double>& ys) { Transform(xs, ys); },
+                m_source ? m_source->GetRasterXSize() : 0, m_source ? m_source->GetRasterYSize() : 0) {
+    m_errors.Check(kNotRead);
+    if (!m_source) throw TilerError(kNotRead);
+    m_transformer = MakeTransformer(*m_source, view);
+    SetOutside(view.direct->transparent);
+  }
+
+  void Read(const PixelWindow& window, std::vector<Pixel>& pixels) override {
+    const std::vector<SourcePixel>& index = m_index.Of(window);
+    const PixelWindow box = BoxAround(index);
+    ReadBox(box);
+    pixels.clear();
+    pixels.reserve(index.size());
+    for (const SourcePixel& each : index) {
+      pixels.push_back(
+          each.IsOutside()
+              ? m_outside
+              : m_box[static_cast<std::size_t>((each.row - box.y) * box.width + each.column - box.x)]);
+    }
+  }
+
+ private:
+  // What lies outside of the source image has the transparent colour.
+  void SetOutside(const std::vector<int>& transparent) {
+    m_hasTransparent = !transparent.empty();
+    if (!m_hasTransparent) return;
+    const auto channel = [&](std::size_t i) {
+      return static_cast<std::uint8_t>(transparent[m_colours == 1 ? 0 : i]);
+    };
+    m_outside = {channel(0), channel(1), channel(2), 0};
+  }
+
+  void Transform(std::vector<double>& xs, std::vector<double>& ys) {
+    m_heights.assign(xs.size(), 0.0);
+    m_found.assign(xs.size(), FALSE);
+    GDALGenImgProjTransform(m_transformer.get(), TRUE, static_cast<int>(xs.size()), xs.data(), ys.data(),
+                            m_heights.data(), m_found.data());
+    for (std::size_t i = 0; i < xs.size(); ++i) {
+      if (m_found[i] == FALSE) xs[i] = ys[i] = std::numeric_limits<double>::quiet_NaN();
+    }
+  }
+
+  void ReadBox(const PixelWindow& box) {
+    if (box.width == 0) return;
+    m_errors.Forget();
+    m_box.assign(static_cast<std::size_t>(box.width) * static_cast<std::size_t>(box.height), {0, 0, 0, 255});
+    const CPLErr result =
+        m_source->RasterIO(GF_Read, static_cast<int>(box.x), static_cast<int>(box.y), box.width, box.height,
+                           &m_box.front().red, box.width, box.height, GDT_Byte, m_colours, nullptr,
+                           kPixelBytes, GSpacing{kPixelBytes} * box.width, 1, nullptr);
+    m_errors.Check(kNotRead);
+    if (result != CE_None) throw TilerError(kNotRead);
+    if (m_colours == 1) {
+      for (Pixel& pixel : m_box) pixel.green = pixel.blue = pixel.red;
+    }
+    if (!m_hasTransparent) return;
+    Pixel visible = m_outside;
+    visible.alpha = 255;
+    for (Pixel& pixel : m_box) {
+      if (pixel == visible) pixel.alpha = 0;
+    }
+  }
+
+  int m_colours;
+  GdalErrors m_errors;
+  GDALDatasetUniquePtr m_source;
+  Transformer m_transformer;
+  WarpIndex m_index;
+  bool m_hasTransparent = false;
+  Pixel m_outside;
+  std::vector<Pixel> m_box;
+  std::vector<double> m_heights;
+  std::vector<int> m_found;
+};
+
+}  // namespace
+
+std::unique_ptr<WindowReader> MakeDirectReader(const MapView& view, RunLog& log) {
+  return std::make_unique<DirectReader>(view, log);
+}
+
+}  // namespace tiler

@@ -1,0 +1,130 @@
+#include "tiler/output_folder.h"
+
+#include <array>
+#include <cctype>
+#include <chrono>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "tiler/tiler_error.h"
+#include "tiler/write_file.h"
+
+namespace tiler {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Short, because of the path length that Windows allows. The name of a partial file depends on nothing but
+// the final name, so a later run into the same folder takes up what a killed one left.
+constexpr const char* kPartialSuffix = ".~mos";
+
+std::string Utf8Of(const fs::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+bool IsNumber(const fs::path& name) {
+  const std::string text = Utf8Of(name);
+  return !text.empty() && std::isdigit(static_cast<unsigned char>(text.front())) != 0;
+}
+
+// Of a folder that cannot be looked into: nothing.
+std::vector<fs::path> EntriesOf(const fs::path& folder) {
+  std::vector<fs::path> entries;
+  std::error_code failed;
+  for (fs::directory_iterator entry(folder, failed), end; !failed && entry != end; entry.increment(failed)) {
+    entries.push_back(entry->path());
+  }
+  return entries;
+}
+
+void RemovePartialFilesIn(const fs::path& folder) {
+  for (const fs::path& entry : EntriesOf(folder)) {
+    std::error_code ignored;
+    if (entry.extension() == kPartialSuffix) fs::remove(entry, ignored);
+  }
+}
+
+// With patience for virus scanners that hold a new file for a moment.
+std::error_code Replace(const fs::path& source, const fs::path& target) {
+  using std::chrono::milliseconds;
+  std::error_code failed;
+  for (const auto delay : {milliseconds(50), milliseconds(200), milliseconds(500), milliseconds(0)}) {
+    fs::rename(source, target, failed);
+    if (failed != std::errc::permission_denied) return failed;
+    std::this_thread::sleep_for(delay);
+  }
+  return failed;
+}
+
+void WriteWhole(const fs::path& path, std::string_view content) {
+  fs::path partial = path;
+  partial += kPartialSuffix;
+  std::error_code failed = WriteFile(partial, content);
+  if (!failed) failed = Replace(partial, path);
+  if (!failed) return;
+  std::error_code ignored;
+  fs::remove(partial, ignored);
+  const bool full = failed == std::errc::no_space_on_device;
+  throw TilerError("could not write " + Utf8Of(path) + ": " + (full ? "the disk is full" : failed.message()));
+}
+
+void CreateFolders(const fs::path& path) {
+  std::error_code failed;
+  fs::create_directories(path, failed);
+  // Of a file of that name it says that it is no folder.
+  if (failed == std::errc::not_a_directory && fs::exists(path)) {
+    failed = std::make_error_code(std::errc::file_exists);
+  }
+  if (failed) throw TilerError(Utf8Of(path) + ": " + failed.message());
+}
+
+}  // namespace
+
+OutputFolder::OutputFolder(const std::string& path) : m_path(std::u8string(path.begin(), path.end())) {}
+
+std::string OutputFolder::Name() const {
+  return Utf8Of(m_path.filename());
+}
+
+void OutputFolder::RemovePartialFiles() const {
+  RemovePartialFilesIn(m_path);
+  for (const fs::path& level : EntriesOf(m_path)) {
+    if (!IsNumber(level.filename())) continue;
+    for (const fs::path& column : EntriesOf(level)) {
+      if (IsNumber(column.filename())) RemovePartialFilesIn(column);
+    }
+  }
+}
+
+void OutputFolder::RemoveOldDocument() const {
+  std::error_code failed;
+  fs::remove(m_path / "doc.kml", failed);
+  if (failed && failed != std::errc::not_a_directory) {
+    throw TilerError(Utf8Of(m_path / "doc.kml") + ": " + failed.message());
+  }
+}
+
+void OutputFolder::Create() const {
+  CreateFolders(m_path);
+}
+
+void OutputFolder::CreateColumn(int level, int column) const {
+  CreateFolders(ColumnOf(level, column));
+}
+
+void OutputFolder::WriteTile(const TileId& tile, const char* extension, std::string_view content) const {
+  WriteWhole(ColumnOf(tile.level, tile.column) / (std::to_string(tile.row) + "." + extension), content);
+}
+
+void OutputFolder::WritePage(const char* name, std::string_view content) const {
+  WriteWhole(m_path / name, content);
+}
+
+fs::path OutputFolder::ColumnOf(int level, int column) const {
+  return m_path / std::to_string(level) / std::to_string(column);
+}
+
+}  // namespace tiler

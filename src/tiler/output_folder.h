@@ -1,0 +1,44 @@
+// The folder that tiles and pages are written to. A file in it is complete or absent: each is written under a
+// partial name first. Any thread.
+#ifndef MOSAICON_TILER_OUTPUT_FOLDER_H_
+#define MOSAICON_TILER_OUTPUT_FOLDER_H_
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "tiler/mercator.h"
+
+namespace tiler {
+
+class OutputFolder {
+ public:
+  // path: absolute, UTF-8. Nothing is made yet.
+  explicit OutputFolder(const std::string& path);
+
+  // Its last component, UTF-8.
+  std::string Name() const;
+
+  // Removes what killed runs left under partial names; looks only where tiles and pages are.
+  void RemovePartialFiles() const;
+  // Removes the doc.kml of an earlier run: whoever finds one takes it for this run's. Throws TilerError when
+  // it stays.
+  void RemoveOldDocument() const;
+
+  // All of these throw TilerError. The folder itself, with those above it.
+  void Create() const;
+  void CreateColumn(int level, int column) const;
+  // extension: "png" or "kml".
+  void WriteTile(const TileId& tile, const char* extension, std::string_view content) const;
+  // name: of a file in the folder itself.
+  void WritePage(const char* name, std::string_view content) const;
+
+ private:
+  std::filesystem::path ColumnOf(int level, int column) const;
+
+  std::filesystem::path m_path;
+};
+
+}  // namespace tiler
+
+#endif  // MOSAICON_TILER_OUTPUT_FOLDER_H_

@@ -1,0 +1,76 @@
+// Cuts all tiles of a pyramid, with several threads.
+#ifndef MOSAICON_TILER_PYRAMID_CUTTER_H_
+#define MOSAICON_TILER_PYRAMID_CUTTER_H_
+
+#include <atomic>
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <vector>
+
+#include "tiler/map_view.h"
+#include "tiler/tile_pixels.h"
+
+namespace tiler {
+
+class OutputFolder;
+class RunLog;
+
+// The finest levels are cut in units, squares of four by four tiles with all that lies above them: a
+// thread makes a unit alone, each tile from the four below it, and holds no more than a few tiles meanwhile.
+// Whoever makes the last of four tiles above the units goes on with the one that stands for them. So no tile
+// is ever read again, no level waits for another, and what is written does not depend on who was quicker.
+class PyramidCutter {
+ public:
+  // After each tile, from any thread, one at a time.
+  using OnTile = std::function<void(std::int64_t done, std::int64_t total)>;
+
+  PyramidCutter(const MapView& view, const Pyramid& pyramid, const OutputFolder& output, bool kml,
+                RunLog& log);
+
+  // Throws TilerError, Stopped among them soon after stop becomes true, or std::bad_alloc. No thread is left
+  // then.
+  void Cut(int threads, const std::atomic<bool>& stop, const OnTile& onTile);
+
+ private:
+  class Worker;
+
+  // Tiles that have come for the one above them, in the order of HalvedTile.
+  struct Waiting {
+    std::array<Tile, 4> tiles;
+    std::size_t count = 0;
+  };
+
+  std::vector<TileId> Units() const;
+  // The tiles that one stands for: rows from the north, columns from the west.
+  std::vector<TileId> Finer(const TileId& tile) const;
+  void CreateFolders() const;
+  void Work(const std::vector<TileId>& units);
+  void Fail();
+  bool IsOver() const { return m_failed || *m_stop; }
+  void TellDone();
+  // Takes a tile for the one above it; when it was the last of them, moves them all to tiles.
+  bool IsComplete(const TileId& tile, Tile pixels, std::array<Tile, 4>& tiles);
+
+  const MapView& m_view;
+  const Pyramid& m_pyramid;
+  const OutputFolder& m_output;
+  const bool m_kml;
+  RunLog& m_log;
+  const int m_unitLevel;
+
+  const std::atomic<bool>* m_stop = nullptr;
+  const OnTile* m_onTile = nullptr;
+  std::atomic<std::size_t> m_nextUnit = 0;
+  std::atomic<bool> m_failed = false;
+  std::mutex m_mutex;  // of what follows
+  std::map<TileId, Waiting> m_waiting;
+  std::int64_t m_done = 0;
+  std::exception_ptr m_failure;
+};
+
+}  // namespace tiler
+
+#endif  // MOSAICON_TILER_PYRAMID_CUTTER_H_

@@ -1,0 +1,59 @@
+#include "tiler/run_log.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace tiler {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::uintmax_t kMostBytes = 1 << 20;
+constexpr const char* kName = "gdal2tiles.log";
+
+fs::path FromEnvironment(const char* name) {
+  const char* value = std::getenv(name);
+  return value == nullptr ? fs::path() : fs::path(value);
+}
+
+fs::path StandardPlace() {
+  if (const fs::path local = FromEnvironment("LOCALAPPDATA"); !local.empty()) {
+    return local / "Mosaicon" / "Logs" / kName;
+  }
+  fs::path state = FromEnvironment("XDG_STATE_HOME");
+  if (state.empty()) state = FromEnvironment("HOME") / ".local" / "state";
+  return state / "mosaicon" / kName;
+}
+
+fs::path PlaceOfLog() {
+  fs::path place = FromEnvironment("MOSAICON_TILER_LOG");
+  std::error_code failed;  // not there yet, or held open by another run: go on appending
+  if (!place.empty()) {
+    fs::create_directories(place.parent_path(), failed);
+    return place;
+  }
+  place = StandardPlace();
+  fs::create_directories(place.parent_path(), failed);
+  if (const auto size = fs::file_size(place, failed); !failed && size > kMostBytes) {
+    fs::path old = place;
+    old += ".old";
+    fs::rename(place, old, failed);
+  }
+  return place;
+}
+
+}  // namespace
+
+RunLog::RunLog() : m_path(PlaceOfLog()), m_file(m_path, std::ios::binary | std::ios::app) {}
+
+void RunLog::Line(const std::string& text) {
+  std::string line = text;
+  std::replace_if(
+      line.begin(), line.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
+  const std::lock_guard lock(m_mutex);
+  m_file << line + "\n" << std::flush;
+  m_file.clear();  // a disk that is full now may have room for the last line
+}
+
+}  // namespace tiler

@@ -1,0 +1,48 @@
+// The image of a run: whether it can be tiled at all, and what of it is shown.
+#ifndef MOSAICON_TILER_SOURCE_IMAGE_H_
+#define MOSAICON_TILER_SOURCE_IMAGE_H_
+
+#include <string>
+#include <vector>
+
+#include "tiler/request.h"
+
+namespace tiler {
+
+class RunLog;
+
+// Opens the image of a request, checks it before anything is written, and prepares what GDAL is to read in
+// its place where it would misread the image:
+// - bands that are no colour and no transparency are left out (the last of two or four bands is taken for
+//   transparency, whatever it holds);
+// - an image with transparency of its own loses its nodata values, and the transparent colour is not applied:
+//   one mask would be built from all bands, in which every transparent pixel of another colour turns opaque;
+// - an image that is in the map's projection gets the transparent colour in its metadata, for there is
+// nothing
+//   to apply it when it is not reprojected.
+// That lives in GDAL's memory file system, as long as this object. One thread at a time.
+class SourceImage {
+ public:
+  // Throws TilerError.
+  SourceImage(const Request& request, RunLog& log);
+  ~SourceImage();
+  SourceImage(const SourceImage&) = delete;
+  SourceImage& operator=(const SourceImage&) = delete;
+
+  // What GDAL opens.
+  const std::string& Name() const { return m_name; }
+  // The coordinate system that the request asks for; empty: the image's own.
+  const std::string& Srs() const { return m_srs; }
+  // The transparent colour, a value for each colour band; empty: none is to be applied.
+  const std::vector<int>& Transparent() const { return m_transparent; }
+
+ private:
+  std::string m_name;
+  std::string m_srs;
+  std::vector<int> m_transparent;
+  std::string m_virtual;  // in GDAL's memory; empty: none
+};
+
+}  // namespace tiler
+
+#endif  // MOSAICON_TILER_SOURCE_IMAGE_H_
