@@ -45,31 +45,31 @@ ChildProcess::~ChildProcess() {
 bool ChildProcess::Start(const char* application, const std::string& commandLine, const std::string& folder,
                          STARTUPINFOA& startup, bool inheritHandles) {
   if (commandLine.size() >= kCommandLineBuffer) return false;
-  // Made first: what the process starts before it is assigned does not belong to the tree.
+  const UniqueHandle thread = CreateThere(application, commandLine, folder, startup, inheritHandles);
+  if (thread == nullptr) return false;
+  // It begins only when it is in the tree: what it started before would not belong to it, and would live on.
   m_tree = MakeProcessTree();
-  const bool started = CreateThere(application, commandLine, folder, startup, inheritHandles);
-  if (started) {
-    AssignProcessToJobObject(m_tree.get(), m_process.get());
-  } else {
-    m_tree.reset();
-  }
-  return started;
+  AssignProcessToJobObject(m_tree.get(), m_process.get());
+  constexpr auto kFailed = static_cast<DWORD>(-1);
+  if (ResumeThread(thread.get()) != kFailed) return true;
+  Terminate();
+  return false;
 }
 
-bool ChildProcess::CreateThere(const char* application, const std::string& commandLine,
-                               const std::string& folder, STARTUPINFOA& startup, bool inheritHandles) {
+UniqueHandle ChildProcess::CreateThere(const char* application, const std::string& commandLine,
+                                       const std::string& folder, STARTUPINFOA& startup,
+                                       bool inheritHandles) {
   // CreateProcess may write into the command line.
   char buffer[kCommandLineBuffer] = {};
   std::memcpy(buffer, commandLine.c_str(), commandLine.size());
   const CurrentDirectory there(folder);
   PROCESS_INFORMATION made = {};
-  if (!CreateProcessA(application, buffer, nullptr, nullptr, inheritHandles, CREATE_NO_WINDOW, nullptr,
-                      nullptr, &startup, &made)) {
-    return false;
+  if (!CreateProcessA(application, buffer, nullptr, nullptr, inheritHandles,
+                      CREATE_NO_WINDOW | CREATE_SUSPENDED, nullptr, nullptr, &startup, &made)) {
+    return nullptr;
   }
   m_process.reset(made.hProcess);
-  const UniqueHandle thread(made.hThread);
-  return true;
+  return UniqueHandle(made.hThread);
 }
 
 void ChildProcess::Terminate() {

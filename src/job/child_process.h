@@ -31,8 +31,9 @@ class ChildProcess {
   void Terminate();
 
  private:
-  bool CreateThere(const char* application, const std::string& commandLine, const std::string& folder,
-                   STARTUPINFOA& startup, bool inheritHandles);
+  // The process waits for its thread to be resumed. Null when nothing was made.
+  UniqueHandle CreateThere(const char* application, const std::string& commandLine, const std::string& folder,
+                           STARTUPINFOA& startup, bool inheritHandles);
 
   UniqueHandle m_process;
   UniqueHandle m_tree;  // job object: closing it ends the whole process tree

@@ -110,7 +110,7 @@ TEST_F(RunnerOnThreads, GivesTheInterpreterItsEndsOfThePipesAndNoWindow) {
   EXPECT_EQ(start.application, "python.exe");
   EXPECT_EQ(start.commandLine, " script");
   EXPECT_EQ(start.directory, "C:\\tools\\");
-  EXPECT_EQ(start.flags, CREATE_NO_WINDOW);
+  EXPECT_EQ(start.flags, CREATE_NO_WINDOW | CREATE_SUSPENDED);
   EXPECT_TRUE(start.inheritHandles);
   EXPECT_EQ(start.startup.dwFlags, STARTF_USESTDHANDLES);
   EXPECT_EQ(start.startup.hStdOutput, start.startup.hStdError);
@@ -131,12 +131,20 @@ TEST_F(RunnerOnThreads, LeavesItsPipesOpenAndToNobodyElse) {
   EXPECT_EQ(threads::Starts()[1].inherited.size(), 2U) << "its own";
 }
 
+TEST_F(RunnerOnThreads, LetsAToolBeginOnlyInItsTree) {
+  std::atomic<int> inTree = 0;
+  threads::SetProgram([&](Program& program) { inTree += program.IsInTree() ? 1 : 0; });
+  Tile();
+  Run(Tool::kWarper, "C:\\tools\\gdalwarp.exe");
+  EXPECT_EQ(inTree, 2);
+}
+
 TEST_F(RunnerOnThreads, GivesTheGdalToolsNothing) {
   Run(Tool::kTranslator, "C:\\tools\\gdal_translate.exe");
   Run(Tool::kWarper, "C:\\tools\\gdalwarp.exe");
   ASSERT_EQ(threads::Starts().size(), 2U);
   for (const threads::Start& start : threads::Starts()) {
-    EXPECT_EQ(start.flags, CREATE_NO_WINDOW);
+    EXPECT_EQ(start.flags, CREATE_NO_WINDOW | CREATE_SUSPENDED);
     EXPECT_FALSE(start.inheritHandles);
     EXPECT_EQ(start.startup.dwFlags, 0U);
     EXPECT_EQ(start.directory, "C:\\tools\\");
@@ -198,6 +206,8 @@ TEST_F(RunnerOnThreads, TellsTheExitCodeOfAToolThatEndedByItself) {
     }
     threads::FailAt("CreateProcessA", 1);
     EXPECT_EQ(Run(tool).exitCode, std::nullopt) << "not started";
+    threads::FailAt("ResumeThread", 1);
+    EXPECT_EQ(Run(tool).exitCode, std::nullopt) << "never began";
   }
 }
 

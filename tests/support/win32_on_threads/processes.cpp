@@ -34,6 +34,16 @@ class RunningProgram : public threads::Program {
     TheWorld().changed.wait(lock, [this] { return m_process->killed || m_output->data.empty(); });
     return !m_process->killed;
   }
+  bool IsInTree() override {
+    const Lock lock(TheWorld().mutex);
+    return m_process->inTree;
+  }
+  // False when it was killed before.
+  bool Begin() {
+    Lock lock(TheWorld().mutex);
+    TheWorld().changed.wait(lock, [this] { return m_process->killed || !m_process->suspended; });
+    return !m_process->killed;
+  }
   void ExitWith(UINT exitCode) override { m_nExitCode = exitCode; }
   UINT ExitCode() const { return m_nExitCode; }
 
@@ -110,14 +120,16 @@ BOOL CreateProcessA(const char* application, char* commandLine, SECURITY_ATTRIBU
   std::shared_ptr<Pipe> output;
   if (startup->hStdOutput != nullptr) output = Find(startup->hStdOutput, Kind::kPipeEnd)->pipe;
   const auto process = std::make_shared<Object>();
+  process->suspended = (flags & CREATE_SUSPENDED) != 0;
   process->thread = std::thread([process, output, program = world.program] {
     RunningProgram running(process, output);
-    if (program) program(running);
+    if (running.Begin() && program) program(running);
     const Lock end(TheWorld().mutex);
     End(*process, running.ExitCode());
   });
   information->hProcess = Open(Kind::kProcess, process);
   information->hThread = Open(Kind::kThread);
+  Find(information->hThread, Kind::kThread)->process = process;
   return TRUE;
 }
 
@@ -146,8 +158,17 @@ HANDLE CreateJobObjectA(SECURITY_ATTRIBUTES*, const char*) {
 BOOL SetInformationJobObject(HANDLE, JOBOBJECTINFOCLASS, void*, DWORD) {
   return TRUE;
 }
-BOOL AssignProcessToJobObject(HANDLE, HANDLE) {
+BOOL AssignProcessToJobObject(HANDLE, HANDLE process) {
+  const Lock lock(TheWorld().mutex);
+  Find(process, Kind::kProcess)->inTree = true;
   return TRUE;
+}
+DWORD ResumeThread(HANDLE handle) {
+  const Lock lock(TheWorld().mutex);
+  if (threads::Fails("ResumeThread")) return static_cast<DWORD>(-1);
+  Find(handle, Kind::kThread)->process->suspended = false;
+  TheWorld().changed.notify_all();
+  return 1;
 }
 
 DWORD GetCurrentDirectoryA(DWORD size, char* buffer) {

@@ -24,6 +24,8 @@ class Program {
   virtual bool Wait(DWORD milliseconds) = 0;
   // The same; waits until all that it said was read.
   virtual bool WaitUntilRead() = 0;
+  // Whether it was assigned to a job object.
+  virtual bool IsInTree() = 0;
   // How it ends if nobody kills it; 0 without this.
   virtual void ExitWith(UINT exitCode) = 0;
 };

@@ -16,6 +16,7 @@
 #define WAIT_FAILED 0xFFFFFFFFU
 #define HANDLE_FLAG_INHERIT 1U
 #define STARTF_USESTDHANDLES 0x100U
+#define CREATE_SUSPENDED 0x4U
 #define CREATE_NO_WINDOW 0x8000000U
 #define JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE 0x2000U
 
@@ -82,6 +83,7 @@ BOOL GetExitCodeProcess(HANDLE process, DWORD* exitCode);
 HANDLE CreateJobObjectA(SECURITY_ATTRIBUTES* attributes, const char* name);
 BOOL SetInformationJobObject(HANDLE job, JOBOBJECTINFOCLASS what, void* information, DWORD size);
 BOOL AssignProcessToJobObject(HANDLE job, HANDLE process);
+DWORD ResumeThread(HANDLE thread);
 DWORD GetCurrentDirectoryA(DWORD size, char* buffer);
 BOOL SetCurrentDirectoryA(const char* directory);
 

@@ -32,6 +32,9 @@ struct Object {
   std::shared_ptr<Pipe> pipe;
   UINT exitCode = 0;
   bool killed = false;
+  bool suspended = false;
+  bool inTree = false;
+  std::shared_ptr<Object> process;  // of a process's first thread
   std::thread thread;
 };
 
