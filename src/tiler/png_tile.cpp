@@ -69,19 +69,11 @@ std::string_view PngEncoder::Encode(const Tile& tile) {
   const int channels = m_colours + (IsOpaque(tile) ? 0 : 1);
   TakeSamples(tile, channels);
   Filter(channels);
+  Compress();
 
   m_file.assign(kSignature);
   AppendChunk(m_file, "IHDR", Header(channels));
-  const std::size_t begin = m_file.size();
-  const std::size_t bound = libdeflate_zlib_compress_bound(m_compressor.get(), m_filtered.size());
-  m_file.resize(begin + 8 + bound);
-  const std::size_t size = libdeflate_zlib_compress(m_compressor.get(), m_filtered.data(), m_filtered.size(),
-                                                    m_file.data() + begin + 8, bound);
-  std::string length;
-  AppendNumber(length, static_cast<std::uint32_t>(size));
-  m_file.replace(begin, 8, length + "IDAT");
-  m_file.resize(begin + 8 + size);
-  AppendNumber(m_file, libdeflate_crc32(0, m_file.data() + begin + 4, 4 + size));
+  AppendChunk(m_file, "IDAT", m_stream);
   AppendChunk(m_file, "IEND", "");
   return m_file;
 }
@@ -105,6 +97,18 @@ void PngEncoder::Filter(int channels) {
     const std::uint8_t* above = y == 0 ? nothing.data() : row - rowSize;
     FilterRow(row, above, rowSize, static_cast<std::size_t>(channels), &m_filtered[y * (rowSize + 1)]);
   }
+}
+
+void PngEncoder::Compress() {
+  m_stream.clear();
+  m_runs.Compress(m_filtered, m_stream);
+  // Of a photograph, runs and single bytes leave the half or more, and nothing else makes it much smaller. Of
+  // drawings and what is empty they leave little, and looking for what repeats leaves less.
+  if (m_stream.size() > m_filtered.size() * 2 / 5) return;
+  m_other.resize(libdeflate_zlib_compress_bound(m_compressor.get(), m_filtered.size()));
+  m_other.resize(libdeflate_zlib_compress(m_compressor.get(), m_filtered.data(), m_filtered.size(),
+                                          m_other.data(), m_other.size()));
+  if (m_other.size() < m_stream.size()) m_stream.swap(m_other);
 }
 
 }  // namespace tiler

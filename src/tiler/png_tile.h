@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tiler/run_deflate.h"
 #include "tiler/tile_pixels.h"
 
 struct libdeflate_compressor;
@@ -33,11 +34,16 @@ class PngEncoder {
 
   void TakeSamples(const Tile& tile, int channels);
   void Filter(int channels);
+  // What was filtered, as a zlib stream.
+  void Compress();
 
   int m_colours;
   std::unique_ptr<libdeflate_compressor, Deleter> m_compressor;
   std::vector<std::uint8_t> m_samples;   // rows, without filter bytes
   std::vector<std::uint8_t> m_filtered;  // rows, each behind its filter byte
+  RunDeflater m_runs;
+  std::string m_stream;
+  std::string m_other;  // the stream of the other way
   std::string m_file;
 };
 
