@@ -3,6 +3,8 @@
 #include <array>
 #include <cctype>
 #include <chrono>
+#include <fstream>
+#include <iterator>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -116,11 +118,23 @@ void OutputFolder::CreateColumn(int level, int column) const {
 }
 
 void OutputFolder::WriteTile(const TileId& tile, const char* extension, std::string_view content) const {
-  WriteWhole(ColumnOf(tile.level, tile.column) / (std::to_string(tile.row) + "." + extension), content);
+  WriteWhole(TilePath(tile, extension), content);
+}
+
+std::optional<std::string> OutputFolder::ReadTile(const TileId& tile, const char* extension) const {
+  std::ifstream file(TilePath(tile, extension), std::ios::binary);
+  if (!file) return std::nullopt;
+  std::string content((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  if (file.bad()) return std::nullopt;
+  return content;
 }
 
 void OutputFolder::WritePage(const char* name, std::string_view content) const {
   WriteWhole(m_path / name, content);
+}
+
+fs::path OutputFolder::TilePath(const TileId& tile, const char* extension) const {
+  return ColumnOf(tile.level, tile.column) / (std::to_string(tile.row) + "." + extension);
 }
 
 fs::path OutputFolder::ColumnOf(int level, int column) const {

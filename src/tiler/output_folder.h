@@ -4,6 +4,7 @@
 #define MOSAICON_TILER_OUTPUT_FOLDER_H_
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -30,11 +31,16 @@ class OutputFolder {
   void CreateColumn(int level, int column) const;
   // extension: "png" or "kml".
   void WriteTile(const TileId& tile, const char* extension, std::string_view content) const;
+  // What such a file holds; nullopt when it cannot be read.
+  std::optional<std::string> ReadTile(const TileId& tile, const char* extension) const;
+  // Of a file in the folder itself.
+  std::filesystem::path PathOf(const char* name) const { return m_path / name; }
   // name: of a file in the folder itself.
   void WritePage(const char* name, std::string_view content) const;
 
  private:
   std::filesystem::path ColumnOf(int level, int column) const;
+  std::filesystem::path TilePath(const TileId& tile, const char* extension) const;
 
   std::filesystem::path m_path;
 };

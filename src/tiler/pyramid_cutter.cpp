@@ -1,5 +1,7 @@
 #include "tiler/pyramid_cutter.h"
 
+#include <libdeflate.h>
+
 #include <algorithm>
 #include <array>
 #include <thread>
@@ -8,14 +10,18 @@
 #include "tiler/kml_text.h"
 #include "tiler/map_reader.h"
 #include "tiler/output_folder.h"
+#include "tiler/png_reader.h"
 #include "tiler/png_tile.h"
 #include "tiler/tiler_error.h"
+#include "tiler/unit_journal.h"
 
 namespace tiler {
 
 namespace {
 
 constexpr int kUnitLevels = 2;
+constexpr const char* kImage = "png";
+constexpr const char* kDocument = "kml";
 
 TileId Above(const TileId& tile) {
   return {tile.level - 1, tile.column / 2, tile.row / 2};
@@ -42,7 +48,12 @@ class PyramidCutter::Worker {
 
   void MakeUnit(const TileId& unit) {
     TileId tile = unit;
-    Tile pixels = Make(unit);
+    Tile pixels;
+    if (!TakeUp(unit, pixels)) {
+      m_checksum = 0;
+      pixels = Make(unit);
+      m_cutter.m_journal.Add(unit, m_checksum);
+    }
     std::array<Tile, 4> finer;
     while (tile.level > m_cutter.m_pyramid.Coarsest() &&
            m_cutter.IsComplete(tile, std::move(pixels), finer)) {
@@ -53,6 +64,39 @@ class PyramidCutter::Worker {
   }
 
  private:
+  bool TakeUp(const TileId& unit, Tile& pixels) {
+    const auto wanted = m_cutter.m_journal.ChecksumOf(unit);
+    m_checksum = 0;
+    m_taken = 0;
+    if (!wanted || !AddFiles(unit) || m_checksum != *wanted) return false;
+    const auto read = PngTile(m_content);
+    if (!read) return false;
+    pixels = *read;
+    for (; m_taken > 0; --m_taken) m_cutter.TellDone();
+    return true;
+  }
+
+  // Of the tile, and of all those that it stands for, in the order in which Make writes them; false when one
+  // is missing. Leaves the content of the tile's own image.
+  bool AddFiles(const TileId& tile) {
+    if (m_cutter.IsOver()) throw Stopped();
+    for (const TileId& each : m_cutter.Finer(tile)) {
+      if (!AddFiles(each)) return false;
+    }
+    for (const char* extension : m_cutter.Extensions()) {
+      auto content = m_cutter.m_output.ReadTile(tile, extension);
+      if (!content) return false;
+      AddToChecksum(*content);
+      if (extension == kImage) m_content = std::move(*content);
+    }
+    ++m_taken;
+    return true;
+  }
+
+  void AddToChecksum(std::string_view content) {
+    m_checksum = libdeflate_crc32(m_checksum, content.data(), content.size());
+  }
+
   // The tile, and all those that it stands for.
   Tile Make(const TileId& tile) {
     if (m_cutter.IsOver()) throw Stopped();
@@ -69,22 +113,31 @@ class PyramidCutter::Worker {
   }
 
   void Write(const TileId& tile, const Tile& pixels) {
-    m_cutter.m_output.WriteTile(tile, "png", m_encoder.Encode(pixels));
-    if (m_cutter.m_kml) m_cutter.m_output.WriteTile(tile, "kml", TileKml(tile, m_cutter.Finer(tile)));
+    WriteFile(tile, kImage, m_encoder.Encode(pixels));
+    if (m_cutter.m_kml) WriteFile(tile, kDocument, TileKml(tile, m_cutter.Finer(tile)));
     m_cutter.TellDone();
+  }
+
+  void WriteFile(const TileId& tile, const char* extension, std::string_view content) {
+    m_cutter.m_output.WriteTile(tile, extension, content);
+    AddToChecksum(content);
   }
 
   PyramidCutter& m_cutter;
   MapReader m_reader;
   PngEncoder m_encoder;
+  std::uint32_t m_checksum = 0;  // of the files of a unit
+  std::int64_t m_taken = 0;      // tiles of a unit that was finished before
+  std::string m_content;
 };
 
 PyramidCutter::PyramidCutter(const MapView& view, const Pyramid& pyramid, const OutputFolder& output,
-                             bool kml, RunLog& log)
+                             bool kml, UnitJournal& journal, RunLog& log)
     : m_view(view),
       m_pyramid(pyramid),
       m_output(output),
       m_kml(kml),
+      m_journal(journal),
       m_log(log),
       m_unitLevel(std::max(pyramid.Coarsest(), pyramid.Finest() - kUnitLevels)) {}
 
@@ -118,6 +171,10 @@ void PyramidCutter::Fail() {
   const std::lock_guard lock(m_mutex);
   if (!m_failure) m_failure = std::current_exception();
   m_failed = true;
+}
+
+std::vector<const char*> PyramidCutter::Extensions() const {
+  return m_kml ? std::vector{kImage, kDocument} : std::vector{kImage};
 }
 
 std::vector<TileId> PyramidCutter::Units() const {

@@ -17,18 +17,20 @@ namespace tiler {
 
 class OutputFolder;
 class RunLog;
+class UnitJournal;
 
 // The finest levels are cut in units, squares of four by four tiles with all that lies above them: a
 // thread makes a unit alone, each tile from the four below it, and holds no more than a few tiles meanwhile.
 // Whoever makes the last of four tiles above the units goes on with the one that stands for them. So no tile
-// is ever read again, no level waits for another, and what is written does not depend on who was quicker.
+// is ever read again, no level waits for another, and what is written does not depend on who was quicker. A
+// unit that the journal of an ended run has, and whose files are still what they were, is taken up as it is.
 class PyramidCutter {
  public:
   // After each tile, from any thread, one at a time.
   using OnTile = std::function<void(std::int64_t done, std::int64_t total)>;
 
   PyramidCutter(const MapView& view, const Pyramid& pyramid, const OutputFolder& output, bool kml,
-                RunLog& log);
+                UnitJournal& journal, RunLog& log);
 
   // Throws TilerError, Stopped among them soon after stop becomes true, or std::bad_alloc. No thread is left
   // then.
@@ -46,6 +48,8 @@ class PyramidCutter {
   std::vector<TileId> Units() const;
   // The tiles that one stands for: rows from the north, columns from the west.
   std::vector<TileId> Finer(const TileId& tile) const;
+  // Of the files of a tile, in the order in which they are written.
+  std::vector<const char*> Extensions() const;
   void CreateFolders() const;
   void Work(const std::vector<TileId>& units);
   void Fail();
@@ -58,6 +62,7 @@ class PyramidCutter {
   const Pyramid& m_pyramid;
   const OutputFolder& m_output;
   const bool m_kml;
+  UnitJournal& m_journal;
   RunLog& m_log;
   const int m_unitLevel;
 

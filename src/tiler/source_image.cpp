@@ -120,6 +120,20 @@ ShownBands ShownBandsOf(GDALDataset& dataset) {
   return shown;
 }
 
+std::string StateOf(GDALDataset& dataset) {
+  const CPLStringList files(dataset.GetFileList());
+  std::string state;
+  for (int i = 0; i < files.size(); ++i) {
+    const std::string name = files[i];
+    const std::filesystem::path path(std::u8string(name.begin(), name.end()));
+    std::error_code failed;
+    state += name + " " + std::to_string(std::filesystem::file_size(path, failed));
+    state += " " + std::to_string(std::filesystem::last_write_time(path, failed).time_since_epoch().count()) +
+             "\n";
+  }
+  return state;
+}
+
 std::string Words(const std::vector<int>& numbers, const char* between) {
   std::string text;
   for (const int number : numbers) text += (text.empty() ? "" : between) + std::to_string(number);
@@ -157,6 +171,7 @@ SourceImage::SourceImage(const Request& request, RunLog& log) : m_name(request.i
   CheckGeoreference(*dataset);
   CheckReadable(request.input, *dataset, errors);
   CheckExtent(*dataset, srs);
+  m_state = StateOf(*dataset);
   errors.Forget();
 
   const ShownBands shown = ShownBandsOf(*dataset);

@@ -33,12 +33,15 @@ class SourceImage {
   const std::string& Name() const { return m_name; }
   // The coordinate system that the request asks for; empty: the image's own.
   const std::string& Srs() const { return m_srs; }
+  // Its files, how large they are and when they were written. The same for an image that nobody has touched.
+  const std::string& State() const { return m_state; }
   // The transparent colour, a value for each colour band; empty: none is to be applied.
   const std::vector<int>& Transparent() const { return m_transparent; }
 
  private:
   std::string m_name;
   std::string m_srs;
+  std::string m_state;
   std::vector<int> m_transparent;
   std::string m_virtual;  // in GDAL's memory; empty: none
 };

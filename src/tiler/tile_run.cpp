@@ -11,6 +11,7 @@
 #include "tiler/progress_records.h"
 #include "tiler/pyramid_cutter.h"
 #include "tiler/source_image.h"
+#include "tiler/unit_journal.h"
 
 namespace tiler {
 
@@ -41,6 +42,20 @@ void WritePages(const Request& request, const Pyramid& pyramid, const OutputFold
   if (request.kml) output.WritePage("doc.kml", RootKml(request.title, url, CoarsestTiles(pyramid)));
 }
 
+// Changes with whatever changes a byte of the result.
+constexpr const char* kVersion = "1";
+
+// The same text for all runs that make the same, of the same image.
+std::string IdentityOf(const Request& request, const SourceImage& source, const MapView& view) {
+  std::uint64_t hash = 0xCBF29CE484222325;  // FNV-1a
+  const auto add = [&hash](const std::string& text) {
+    for (const char c : text + '\0') hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
+  };
+  for (const std::string& each : {std::string(kVersion), source.State(), view.xml}) add(each);
+  add(request.kml ? "kml" : "");
+  return std::to_string(hash);
+}
+
 // MOSAICON_TILER_PROCESSES is for who cannot change the command line.
 int ThreadsFor(const Request& request) {
   if (request.threads > 0) return request.threads;
@@ -61,11 +76,13 @@ void RunTiler(const Request& request, RunLog& log, ProgressRecords& records, con
   const MapView view = MakeMapView(source, log);
   const Pyramid pyramid(view.image);
   output.Create();
+  UnitJournal journal(output.PathOf(".mosaicon-tiles"), IdentityOf(request, source, view));
   try {
-    PyramidCutter(view, pyramid, output, request.kml, log)
+    PyramidCutter(view, pyramid, output, request.kml, journal, log)
         .Cut(ThreadsFor(request), stop,
              [&](std::int64_t done, std::int64_t total) { records.Report(done, total); });
     WritePages(request, pyramid, output);
+    journal.Remove();
   } catch (...) {
     output.RemovePartialFiles();
     throw;

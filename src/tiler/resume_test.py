@@ -1,0 +1,123 @@
+"""A run that was ended is taken up by the next one, and the end is that of a run which nobody ended.
+MOSAICON_TILER is the engine."""
+
+import os
+import pathlib
+import random
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent / "testing"))
+import engine_cases as cases  # noqa: E402
+
+ENGINE = os.environ["MOSAICON_TILER"]
+SEED = 14  # 1,200 x 900 pixels
+KILLS = int(os.environ.get("MOSAICON_KILLS", "40"))
+JOURNAL = ".mosaicon-tiles"
+
+
+class Resume(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="wiesen é ")
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.image = self.folder / "bild.tif"
+        self.arguments = cases.make_case(SEED, self.image).arguments
+        self.reference = self.folder / "reference" / "m"
+        start = time.monotonic()
+        self.assertEqual(self.run_to_the_end(self.reference), (0, "RESULT OK"))
+        self.duration = time.monotonic() - start
+        self.output = self.folder / "cut" / "m"
+
+    def run_to_the_end(self, output, *more):
+        return cases.run([ENGINE, *more], self.arguments, self.image, output, self.folder / "log")
+
+    def run_for(self, seconds, threads):
+        """Whether the run was killed."""
+        run = subprocess.Popen(
+            [ENGINE, f"--threads={threads}", *self.arguments, str(self.image), str(self.output)],
+            env={**os.environ, "MOSAICON_TILER_LOG": str(self.folder / "log")},
+            stdout=subprocess.DEVNULL,
+        )
+        try:
+            self.assertEqual(run.wait(seconds), 0)
+            return False
+        except subprocess.TimeoutExpired:
+            run.kill()
+            run.wait()
+            return True
+
+    def start_and_fail(self):
+        """Leaves an unfinished run whose last tile had a folder in its way. Returns that folder."""
+        top = next(name for name in cases.files_of(self.reference) if name.suffix == ".png")
+        blocked = self.output / top
+        blocked.mkdir(parents=True)
+        code, reason = self.run_to_the_end(self.output)
+        self.assertEqual(code, 1)
+        self.assertIn("could not write", reason)
+        self.assertTrue((self.output / JOURNAL).exists())
+        return blocked
+
+    def finest_tiles(self):
+        tiles = list(self.output.glob("*/*/*.png"))
+        finest = max(int(tile.parts[-3]) for tile in tiles)
+        return [tile for tile in tiles if int(tile.parts[-3]) == finest]
+
+    def times(self):
+        return {tile: tile.stat().st_mtime_ns for tile in self.finest_tiles()}
+
+    def check_end(self):
+        self.assertEqual(self.run_to_the_end(self.output), (0, "RESULT OK"))
+        self.assertEqual(cases.files_of(self.output), cases.files_of(self.reference))
+        for name in cases.files_of(self.reference):
+            self.assertEqual((self.output / name).read_bytes(), (self.reference / name).read_bytes(), name)
+
+    def test_makes_the_same_however_often_it_is_killed(self):
+        chance = random.Random(1)
+        kills = 0
+        while kills < KILLS:
+            shutil.rmtree(self.output, ignore_errors=True)
+            while self.run_for(chance.uniform(0, self.duration), chance.choice([1, 2, 3])):
+                kills += 1
+            self.check_end()
+
+    def test_takes_up_what_is_finished(self):
+        self.start_and_fail().rmdir()
+        before = self.times()
+        self.check_end()
+        self.assertEqual(self.times(), before)
+
+    def test_makes_a_unit_again_whose_files_have_changed(self):
+        for change in (lambda tile: tile.write_bytes(tile.read_bytes() + b"x"), lambda tile: tile.unlink()):
+            shutil.rmtree(self.output, ignore_errors=True)
+            self.start_and_fail().rmdir()
+            change(min(self.finest_tiles()))
+            self.check_end()
+
+    def test_begins_anew_with_an_image_that_was_touched(self):
+        self.start_and_fail().rmdir()
+        before = self.times()
+        os.utime(self.image, (1, 1))
+        self.check_end()
+        self.assertFalse(set(self.times().items()) & set(before.items()))
+
+    def test_begins_anew_without_documents(self):
+        self.start_and_fail().rmdir()
+        before = self.times()
+        self.arguments = [word for word in self.arguments if word != "-k"]
+        self.assertEqual(self.run_to_the_end(self.output)[0], 0)
+        self.assertFalse(set(self.times().items()) & set(before.items()))
+
+    def test_leaves_no_journal_behind(self):
+        self.assertFalse((self.reference / JOURNAL).exists())
+        self.start_and_fail().rmdir()
+        self.check_end()
+        self.assertFalse((self.output / JOURNAL).exists())
+
+
+if __name__ == "__main__":
+    unittest.main()

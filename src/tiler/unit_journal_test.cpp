@@ -1,0 +1,67 @@
+#include "tiler/unit_journal.h"
+
+#include <gtest/gtest.h>
+
+#include "support/temporary_folder.h"
+
+namespace tiler {
+namespace {
+
+class Journal : public testing::Test {
+ protected:
+  std::string Text() const { return ReadFile(m_path); }
+
+  TemporaryFolder m_folder;
+  std::string m_path = m_folder.Path("journal");
+};
+
+TEST_F(Journal, TakesUpWhatWasFinished) {
+  {
+    UnitJournal journal(m_path, "run a");
+    EXPECT_EQ(journal.ChecksumOf({3, 4, 5}), std::nullopt);
+    journal.Add({3, 4, 5}, 4000000000U);
+    journal.Add({3, 4, 6}, 0);
+    EXPECT_EQ(journal.ChecksumOf({3, 4, 5}), std::nullopt) << "of an earlier run only";
+  }
+  const UnitJournal journal(m_path, "run a");
+  EXPECT_EQ(journal.ChecksumOf({3, 4, 5}), 4000000000U);
+  EXPECT_EQ(journal.ChecksumOf({3, 4, 6}), 0U);
+  EXPECT_EQ(journal.ChecksumOf({4, 4, 6}), std::nullopt);
+  EXPECT_EQ(Text(), "mosaicon-tiles 1 run a\n3 4 5 4000000000\n3 4 6 0\n") << "for the next one, too";
+}
+
+TEST_F(Journal, TakesUpNothingOfAnotherRun) {
+  for (const std::string first : {"mosaicon-tiles 1 run b", "mosaicon-tiles 2 run a", "run a", ""}) {
+    WriteFile(m_path, first + "\n3 4 5 6\n");
+    EXPECT_EQ(UnitJournal(m_path, "run a").ChecksumOf({3, 4, 5}), std::nullopt) << first;
+    EXPECT_EQ(Text(), "mosaicon-tiles 1 run a\n");
+  }
+}
+
+TEST_F(Journal, TakesUpWholeLinesOnly) {
+  for (const std::string line : {"3 4 5 6", "3 4 5\n", "3 4 5 -6\n", "3 4 5 6 7\n", "3 4 5 99999999999\n",
+                                 "x\n", "\n", " 3 4 5 6\n", "03 4 5 6\n", "3 4 5 6\r\n"}) {
+    WriteFile(m_path, "mosaicon-tiles 1 run a\n7 7 7 7\n" + line);
+    const UnitJournal journal(m_path, "run a");
+    EXPECT_EQ(journal.ChecksumOf({3, 4, 5}), std::nullopt) << line;
+    EXPECT_EQ(journal.ChecksumOf({7, 7, 7}), 7U) << line;
+  }
+  WriteFile(m_path, "mosaicon-tiles 1 run a");
+  EXPECT_EQ(UnitJournal(m_path, "run a").ChecksumOf({7, 7, 7}), std::nullopt);
+}
+
+TEST_F(Journal, IsGoneInTheEnd) {
+  UnitJournal journal(m_path, "run a");
+  journal.Add({3, 4, 5}, 6);
+  journal.Remove();
+  EXPECT_FALSE(FileExists(m_path));
+}
+
+TEST_F(Journal, StopsNothingWhereItCannotBeWritten) {
+  UnitJournal journal(m_folder.Path("none/journal"), "run a");
+  journal.Add({3, 4, 5}, 6);
+  journal.Remove();
+}
+
+}  // namespace
+}  // namespace tiler
