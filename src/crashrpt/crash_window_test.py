@@ -259,7 +259,13 @@ class Window(CrashTest):
     def check_failure(self, url, message):
         name = self.crash_with_window("--url=" + url)
         sending, done = self.use(
-            "click:" + SEND, "print", "await-result", "print", "click:" + DO_NOT_SEND, "await-gone"
+            "click:" + SEND,
+            "await-sending",
+            "print",
+            "await-result",
+            "print",
+            "click:" + DO_NOT_SEND,
+            "await-gone",
         )
         self.assertEqual(done[RESULT][2], message + KEPT)
         self.assertEqual((done[SEND][1], done[DO_NOT_SEND]), (False, (True, True, "&Close")))

@@ -3,8 +3,9 @@
 //   crashrpt_dialog_user screen    prints the size of the screen instead
 // Steps: print (title, the numbers of the control with the focus and of the default button, and the
 // controls, one per line: number, enabled, visible, text, checked), click:NUMBER, return:NUMBER (the key,
-// with the focus there; it opens a link), escape, close, await-result (until something was sent or could not
-// be), await-gone. Exit codes: 0 all done, 1 the window or what was awaited did not come in time.
+// with the focus there; it opens a link), escape, close, await-sending (until sending has begun),
+// await-result (until something was sent or could not be), await-gone. Exit codes: 0 all done, 1 the window
+// or what was awaited did not come in time.
 
 #include <windows.h>
 
@@ -79,11 +80,10 @@ bool Take(HWND dialog, const std::string& step) {
   }
   if (step == "close") return PostMessageA(dialog, WM_SYSCOMMAND, SC_CLOSE, 0) != FALSE;
   if (step == "await-gone") return Await([dialog] { return !IsWindow(dialog); });
+  const auto result = [dialog] { return TextOf(GetDlgItem(dialog, IDC_RESULT)); };
+  if (step == "await-sending") return Await([&] { return !result().empty(); });
   if (step == "await-result") {
-    return Await([dialog] {
-      const std::string result = TextOf(GetDlgItem(dialog, IDC_RESULT));
-      return !result.empty() && result != "Sending the report...";
-    });
+    return Await([&] { return !result().empty() && result() != "Sending the report..."; });
   }
   const size_t colon = step.find(':');
   if (colon == std::string::npos) return false;
