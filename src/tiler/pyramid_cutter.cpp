@@ -1,7 +1,5 @@
 #include "tiler/pyramid_cutter.h"
 
-#include <libdeflate.h>
-
 #include <algorithm>
 #include <array>
 #include <thread>
@@ -14,6 +12,7 @@
 #include "tiler/png_tile.h"
 #include "tiler/tiler_error.h"
 #include "tiler/unit_journal.h"
+#include "tiler/zlib_stream.h"
 
 namespace tiler {
 
@@ -93,9 +92,7 @@ class PyramidCutter::Worker {
     return true;
   }
 
-  void AddToChecksum(std::string_view content) {
-    m_checksum = libdeflate_crc32(m_checksum, content.data(), content.size());
-  }
+  void AddToChecksum(std::string_view content) { m_checksum = Crc32(m_checksum, content); }
 
   // The tile, and all those that it stands for.
   Tile Make(const TileId& tile) {
