@@ -1,5 +1,7 @@
 #include "tiler/pyramid_cutter.h"
 
+#include <libdeflate.h>
+
 #include <algorithm>
 #include <array>
 #include <thread>
@@ -12,7 +14,6 @@
 #include "tiler/png_tile.h"
 #include "tiler/tiler_error.h"
 #include "tiler/unit_journal.h"
-#include "tiler/zlib_stream.h"
 
 namespace tiler {
 
@@ -92,7 +93,9 @@ class PyramidCutter::Worker {
     return true;
   }
 
-  void AddToChecksum(std::string_view content) { m_checksum = Crc32(m_checksum, content); }
+  void AddToChecksum(std::string_view content) {
+    m_checksum = libdeflate_crc32(m_checksum, content.data(), content.size());
+  }
 
   // The tile, and all those that it stands for.
   Tile Make(const TileId& tile) {
