@@ -146,7 +146,7 @@ set_up() {
   lock_checkout
   install_packages "${packages[@]}"
   set_up_ftp_servers
-  "$top/cmake/gdal/build" > /dev/null
+  "$top/cmake/libraries/build" > /dev/null
   set_up_wine
 }
 
