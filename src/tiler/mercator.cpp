@@ -13,6 +13,14 @@ constexpr double kRadius = 6378137;  // metres
 constexpr double kResolutionOfLevel0 = 2 * kPi * kRadius / kTileSize;
 constexpr double kHalfWidth = 2 * kPi * kRadius / 2.0;  // from the centre of the map to its edges, in metres
 
+// Linux' library rounds the arc tangent nearly always to the nearest number. That of Windows does not, and
+// not every version alike; the wider type has it right there.
+#ifdef _WIN32
+using Wide = long double;
+#else
+using Wide = double;
+#endif
+
 }  // namespace
 
 double Resolution(int level) {
@@ -49,7 +57,9 @@ int TileNumber(double metres, int level) {
 LatitudeLongitude DegreesOf(double x, double y) {
   const double longitude = (x / kHalfWidth) * 180.0;
   const double stretched = (y / kHalfWidth) * 180.0;
-  const double latitude = 180 / kPi * (2 * std::atan(std::exp(stretched * kPi / 180.0)) - kPi / 2.0);
+  const auto grown = static_cast<double>(std::exp(static_cast<Wide>(stretched * kPi / 180.0)));
+  const auto angle = static_cast<double>(std::atan(static_cast<Wide>(grown)));
+  const double latitude = 180 / kPi * (2 * angle - kPi / 2.0);
   return {latitude, longitude};
 }
 

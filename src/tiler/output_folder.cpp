@@ -1,6 +1,5 @@
 #include "tiler/output_folder.h"
 
-#include <array>
 #include <cctype>
 #include <chrono>
 #include <fstream>
@@ -54,8 +53,8 @@ std::error_code Replace(const fs::path& source, const fs::path& target) {
   using std::chrono::milliseconds;
   std::error_code failed;
   for (const auto delay : {milliseconds(50), milliseconds(200), milliseconds(500), milliseconds(0)}) {
-    fs::rename(source, target, failed);
-    if (failed != std::errc::permission_denied) return failed;
+    failed = MoveFileOver(source, target);
+    if (!IsHeldOpen(failed)) return failed;
     std::this_thread::sleep_for(delay);
   }
   return failed;
@@ -69,18 +68,15 @@ void WriteWhole(const fs::path& path, std::string_view content) {
   if (!failed) return;
   std::error_code ignored;
   fs::remove(partial, ignored);
-  const bool full = failed == std::errc::no_space_on_device;
-  throw TilerError("could not write " + Utf8Of(path) + ": " + (full ? "the disk is full" : failed.message()));
+  throw TilerError("could not write " + Utf8Of(path) + ": " + WordsFor(failed));
 }
 
 void CreateFolders(const fs::path& path) {
-  std::error_code failed;
-  fs::create_directories(path, failed);
-  // Of a file of that name it says that it is no folder.
-  if (failed == std::errc::not_a_directory && fs::exists(path)) {
-    failed = std::make_error_code(std::errc::file_exists);
-  }
-  if (failed) throw TilerError(Utf8Of(path) + ": " + failed.message());
+  std::error_code ignored;
+  if (fs::is_directory(path, ignored)) return;
+  if (path.has_relative_path()) CreateFolders(path.parent_path());
+  if (const std::error_code failed = MakeFolder(path))
+    throw TilerError(Utf8Of(path) + ": " + WordsFor(failed));
 }
 
 }  // namespace
@@ -105,7 +101,7 @@ void OutputFolder::RemoveOldDocument() const {
   std::error_code failed;
   fs::remove(m_path / "doc.kml", failed);
   if (failed && failed != std::errc::not_a_directory) {
-    throw TilerError(Utf8Of(m_path / "doc.kml") + ": " + failed.message());
+    throw TilerError(Utf8Of(m_path / "doc.kml") + ": " + WordsFor(failed));
   }
 }
 

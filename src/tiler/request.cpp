@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "tiler/tiler_error.h"
+#include "version.h"
 
 namespace tiler {
 
@@ -16,6 +17,37 @@ constexpr unsigned kWhite = 0xFFFFFF;
 constexpr std::string_view kWithValue = "asptug";
 constexpr std::string_view kWithoutValue = "k";
 constexpr std::string_view kThreads = "--threads";
+
+constexpr const char* kHelp =
+    R"(mosaicon-tiler cuts an orthophoto into a pyramid of tiles for web maps and
+Google Earth.
+
+  mosaicon-tiler [OPTION...] IMAGE FOLDER
+
+IMAGE is any georeferenced raster of 8 bits that GDAL opens, FOLDER the folder
+that the map is to be in.
+
+  -s SRS         coordinate system of the image, as EPSG:32632 is one; its own
+                 by default
+  -a COLOUR      transparent colour as one number: red + 256 * green + 65536 *
+                 blue
+  -t TITLE       title of the pages; the name of the image by default
+  -k             KML documents for Google Earth
+  -u URL         address of the folder that FOLDER is to be found in
+  -g KEY         key for the page with Google Maps
+  -p mercator    the profile; there is no other
+  --threads=N    how many tiles are made at a time; as many as there are
+                 processors by default
+  --version      what this program is
+  --help         this
+
+Standard output gets the progress, as "Progress 0.37 done". Everything else
+goes to a log: the file that MOSAICON_TILER_LOG names, else gdal2tiles.log in
+%LOCALAPPDATA%\Mosaicon\Logs or in ~/.local/state/mosaicon. Its last line is
+"RESULT OK", or "RESULT FAILED" and the reason; the exit code is 0, or 1. A run
+that was ended goes on where it was when it is started again with the same
+image and options.
+)";
 
 [[noreturn]] void NotUnderstood(const std::string& why) {
   throw TilerError("the command line was not understood: " + why);
@@ -164,6 +196,12 @@ Request ParseRequest(const std::vector<std::string>& arguments) {
   request.key = options.Value("g");
   if (options.Has(std::string(kThreads))) request.threads = ThreadCount(options.Value(std::string(kThreads)));
   return request;
+}
+
+std::optional<std::string> Information(const std::vector<std::string>& arguments) {
+  if (arguments == std::vector<std::string>{"--version"}) return "mosaicon-tiler " MOSAICON_VERSION "\n";
+  if (arguments == std::vector<std::string>{"--help"}) return kHelp;
+  return std::nullopt;
 }
 
 std::string ArgumentsWithoutKey(const std::vector<std::string>& arguments) {

@@ -32,8 +32,11 @@ struct Request {
 //
 //     [-a COLOUR] [-s SRS] [-p mercator] [-t TITLE] [-k] [-u URL] [-g KEY] [--threads=N] INPUT OUTPUT
 //
-// COLOUR is R + 256*G + 65536*B. A value may begin with a dash. Throws TilerError when it is not that.
+// Information() says what they mean. A value may begin with a dash. Throws TilerError when it is not that.
 Request ParseRequest(const std::vector<std::string>& arguments);
+
+// What the program says instead of working when it is called with --help or --version alone.
+std::optional<std::string> Information(const std::vector<std::string>& arguments);
 
 // The arguments as they may be logged: the key is a secret of the user.
 std::string ArgumentsWithoutKey(const std::vector<std::string>& arguments);

@@ -116,5 +116,17 @@ TEST(Arguments, AreShownWithoutTheKey) {
   for (const auto& each : cases) EXPECT_EQ(ArgumentsWithoutKey(each.arguments), each.shown);
 }
 
+TEST(Information, IsGivenOnRequestAlone) {
+  EXPECT_EQ(Information({"--version"})->rfind("mosaicon-tiler ", 0), 0U);
+  EXPECT_NE(Information({"--version"})->find_first_of("0123456789"), std::string::npos);
+  const std::string help = *Information({"--help"});
+  for (const char* option : {"-s", "-a", "-t", "-k", "-u", "-g", "-p", "--threads", "--version", "--help"}) {
+    EXPECT_NE(help.find(std::string("\n  ") + option), std::string::npos) << option;
+  }
+  EXPECT_EQ(Information({}), std::nullopt);
+  EXPECT_EQ(Information({"--help", "in", "out"}), std::nullopt);
+  EXPECT_EQ(Information({"-t", "--help"}), std::nullopt);
+}
+
 }  // namespace
 }  // namespace tiler

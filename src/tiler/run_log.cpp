@@ -1,7 +1,8 @@
 #include "tiler/run_log.h"
 
 #include <algorithm>
-#include <cstdlib>
+
+#include "tiler/console.h"
 
 namespace tiler {
 
@@ -12,22 +13,17 @@ namespace fs = std::filesystem;
 constexpr std::uintmax_t kMostBytes = 1 << 20;
 constexpr const char* kName = "gdal2tiles.log";
 
-fs::path FromEnvironment(const char* name) {
-  const char* value = std::getenv(name);
-  return value == nullptr ? fs::path() : fs::path(value);
-}
-
 fs::path StandardPlace() {
-  if (const fs::path local = FromEnvironment("LOCALAPPDATA"); !local.empty()) {
+  if (const fs::path local = PathFromEnvironment("LOCALAPPDATA"); !local.empty()) {
     return local / "Mosaicon" / "Logs" / kName;
   }
-  fs::path state = FromEnvironment("XDG_STATE_HOME");
-  if (state.empty()) state = FromEnvironment("HOME") / ".local" / "state";
+  fs::path state = PathFromEnvironment("XDG_STATE_HOME");
+  if (state.empty()) state = PathFromEnvironment("HOME") / ".local" / "state";
   return state / "mosaicon" / kName;
 }
 
 fs::path PlaceOfLog() {
-  fs::path place = FromEnvironment("MOSAICON_TILER_LOG");
+  fs::path place = PathFromEnvironment("MOSAICON_TILER_LOG");
   std::error_code failed;  // not there yet, or held open by another run: go on appending
   if (!place.empty()) {
     fs::create_directories(place.parent_path(), failed);

@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -33,6 +34,28 @@ std::error_code WriteFile(const std::filesystem::path& path, std::string_view co
   // Some file systems say only now that there is no room.
   if (close(file) != 0 && !failed) failed = LastError();
   return failed;
+}
+
+std::error_code MakeFolder(const std::filesystem::path& path) {
+  constexpr mode_t kForAll = 0777;  // as far as the user's mask allows
+  if (mkdir(path.c_str(), kForAll) == 0) return {};
+  const std::error_code failed = LastError();
+  std::error_code ignored;
+  return std::filesystem::is_directory(path, ignored) ? std::error_code() : failed;
+}
+
+std::error_code MoveFileOver(const std::filesystem::path& source, const std::filesystem::path& target) {
+  std::error_code failed;
+  std::filesystem::rename(source, target, failed);
+  return failed;
+}
+
+std::string WordsFor(const std::error_code& error) {
+  return error == std::errc::no_space_on_device ? "the disk is full" : error.message();
+}
+
+bool IsHeldOpen(const std::error_code& error) {
+  return error == std::errc::permission_denied;  // of some network disks
 }
 
 }  // namespace tiler

@@ -15,7 +15,7 @@ ROOMS = {
     "kvtools": {"files", "handles"},
     "mfc": {"files", "handles", "kvtools"},
     "net": set(),
-    "tiler": set(),
+    "tiler": {"files", "handles"},
     "crashrpt": {"files", "handles"},
     "progress": {"kvtools", "mfc"},
     "job": {"files", "handles", "kvtools", "mfc", "progress"},
