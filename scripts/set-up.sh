@@ -191,11 +191,14 @@ build_preset() {
     { tail -n 40 "$log" >&2; die "building $preset failed, see $log"; }
 }
 
-# Lays out the program's folder, with the Linux host's python.exe, in build/<preset>/stage.
+# Lays out the program's folder in build/<preset>/stage, and beside it in stage-python one whose tiles are cut
+# by the tiling script, with the Linux host's python.exe.
 stage_preset() {
   local folder=$top/build/$1/stage log=$top/build/$1-stage.log
-  rm -rf "$folder"
+  rm -rf "$folder" "$folder-python"
   cmake --install "$top/build/$1" --prefix "$folder" > "$log" 2>&1 &&
-    cmake --install "$top/build/$1" --prefix "$folder" --component wine >> "$log" 2>&1 ||
+    cp -al "$folder" "$folder-python" &&
+    rm "$folder-python/gdal2tiles/mosaicon-tiler.exe" &&
+    cmake --install "$top/build/$1" --prefix "$folder-python" --component wine >> "$log" 2>&1 ||
     { tail -n 20 "$log" >&2; die "laying out $1 failed, see $log"; }
 }

@@ -118,7 +118,8 @@ BatchDriver::Next BatchDriver::ProcessOne(const CTifData& data, size_t index, si
   }
   m_vMapNames.push_back(output.mapName);
 
-  TilingRequest request{m_tools.script, m_settings.transparency, data.m_strSourceEPSG, output.mapName,
+  const TilerProgram tiler = FindTiler(m_tools, m_files);
+  TilingRequest request{tiler.script,   m_settings.transparency, data.m_strSourceEPSG, output.mapName,
                         output.baseUrl, m_settings.googleApiKey, data.m_strFileName,   output.folder};
   if (!FormatTilingArguments(request)) {
     // Too long for a command line: nothing is run with half a text.
@@ -140,8 +141,7 @@ BatchDriver::Next BatchDriver::ProcessOne(const CTifData& data, size_t index, si
   m_host.SetProgressLabel("Process " + std::to_string(index + 1) + "/" + std::to_string(count) + " - " +
                           output.mapName + " -");
   m_host.SetProgressPosition(0);
-  m_audit.Run(
-      {Tool::kTiler, m_tools.interpreter, *arguments, data.m_strFileName, request.inputPath, output.folder});
+  m_audit.Run({Tool::kTiler, tiler.path, *arguments, data.m_strFileName, request.inputPath, output.folder});
   // A script that was killed left what it was writing, and an upload would publish it.
   if (m_host.IsAborted()) m_files.RemovePartial(output.folder);
 

@@ -111,10 +111,10 @@ TEST_F(Maps, FailWithTheScript) {
   ExpectLogSaysOk();
 
   Fail(Tool::kTiler, {3, "", "", false});
-  EXPECT_EQ(StartOne(), "the tiling script did not start or was ended from outside");
+  EXPECT_EQ(StartOne(), "the tiler did not start or was ended from outside");
   EXPECT_EQ(Map().exitCode, 3U);
   Fail(Tool::kTiler);
-  EXPECT_EQ(StartOne(), "the tiling script did not start or was ended from outside");
+  EXPECT_EQ(StartOne(), "the tiler did not start or was ended from outside");
   EXPECT_EQ(Map().exitCode, std::nullopt);
   ExpectLogSaysOk();
 }
@@ -122,7 +122,7 @@ TEST_F(Maps, FailWithTheScript) {
 TEST_F(Maps, DoNotTakeTheDocumentOfAnEarlierJobForTheirs) {
   m_files.Put(kDocument);
   Fail(Tool::kTiler, {0, "RESULT OK", "", false});
-  EXPECT_EQ(StartOne(), "the tiling script made no doc.kml");
+  EXPECT_EQ(StartOne(), "the tiler made no doc.kml");
 }
 
 TEST_F(Maps, AreJudgedOneByOne) {

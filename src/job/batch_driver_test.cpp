@@ -25,6 +25,18 @@ TEST_F(Driver, TilesAFileInItsOwnZoneDirectly) {
   EXPECT_EQ(m_files.patterns, std::vector<std::string>{"D:\\out\\maps\\*.*"});
 }
 
+TEST_F(Driver, TilesWithTheEngineWhereItIs) {
+  m_files.Put(std::string(kTools) + "mosaicon-tiler.exe");
+  for (const char* needless : {"python.exe", "gdal2tiles.py"}) m_files.Remove(std::string(kTools) + needless);
+  EXPECT_EQ(Start({MakeData("a")}), JobResult::kReported);
+  const std::string call =
+      TileCall("EPSG:32632", "-t \"title\"", "../", "", "D:\\in\\a.tif", "D:\\out\\maps");
+  const std::string options = call.substr(call.find(" -a "));
+  EXPECT_EQ(CountEvents(std::string("tile ") + kTools + "mosaicon-tiler.exe" + options), 1U);
+  EXPECT_EQ(CountEvents("tile "), 1U);
+  EXPECT_EQ(m_host.report.log, "- D:\\in\\a.tif: OK\r\n");
+}
+
 TEST_F(Driver, TellsHowLongTheJobTook) {
   ToldTime time;
   KVT_StartTimer();

@@ -11,14 +11,15 @@ std::optional<std::string> FormatTilingArguments(const TilingRequest& request) {
   }
   std::string titleOption;
   if (!request.mapName.empty()) titleOption = "-t \"" + request.mapName + "\"";
+  std::string script;
+  if (!request.scriptPath.empty()) script = " \"" + request.scriptPath + "\"";
   // The place of a resampling option, left empty on purpose: the script's own choice suits all maps.
   const char* resamplingSlot = "";
 
-  return FormatBounded(kMaxPathText, " \"%s\" -a %d -s %s -p mercator %s %s -k -u %s %s \"%s\" \"%s\"",
-                       request.scriptPath.c_str(), static_cast<int>(request.transparency),
-                       request.sourceEPSG.c_str(), titleOption.c_str(), resamplingSlot,
-                       request.baseUrl.c_str(), keyOption.c_str(), request.inputPath.c_str(),
-                       request.outputFolder.c_str());
+  return FormatBounded(kMaxPathText, "%s -a %d -s %s -p mercator %s %s -k -u %s %s \"%s\" \"%s\"",
+                       script.c_str(), static_cast<int>(request.transparency), request.sourceEPSG.c_str(),
+                       titleOption.c_str(), resamplingSlot, request.baseUrl.c_str(), keyOption.c_str(),
+                       request.inputPath.c_str(), request.outputFolder.c_str());
 }
 
 std::optional<std::string> FormatTranslateArguments(const CTifData& data, const std::string& translatedFile) {

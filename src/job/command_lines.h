@@ -11,7 +11,7 @@
 
 // What the tiling script is asked to do for one orthophoto.
 struct TilingRequest {
-  std::string scriptPath;
+  std::string scriptPath;     // empty: the program itself cuts the tiles
   uint32_t transparency = 0;  // R + 256 * G + 65536 * B, handed over as that one number
   std::string sourceEPSG;     // reference of inputPath
   std::string mapName;        // empty: no title option

@@ -24,6 +24,14 @@ TEST(TilingArguments, LeaveTitleAndKeyOutWhenEmpty) {
             "\"D:\\out\\maps\"");
 }
 
+TEST(TilingArguments, LeaveOutTheScriptWhereThereIsNone) {
+  TilingRequest request = MakeRequest();
+  request.scriptPath = "";
+  EXPECT_EQ(FormatTilingArguments(request),
+            " -a 0 -s EPSG:32632 -p mercator -t \"My_map\"  -k -u ../  \"D:\\maps\\a b.tif\" "
+            "\"D:\\out\\maps\"");
+}
+
 TEST(TilingArguments, PackTheColourIntoOneNumber) {
   TilingRequest request = MakeRequest();
   request.transparency = 0xFFFFFF;

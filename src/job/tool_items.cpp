@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include "job/child_process.h"
+#include "job/tool_paths.h"
 #include "kvtools/kvtools.h"
 #include "kvtools/split_path.h"
 
@@ -96,17 +97,18 @@ void CGDAL2TilesThread::DoWork(void* /*pThreadData*/) {
     startup.hStdInput = g_hInputRead;
     startup.hStdOutput = g_hOutputWrite;
     startup.hStdError = g_hOutputWrite;
-    ChildProcess python;
-    const bool started = python.Start("python.exe", m_strCommandLine, FolderOf(m_strToolPath), startup, true);
-    // They stay open, but the interpreters of later runs need not inherit them.
+    ChildProcess tiler;
+    const bool started = tiler.Start(NameOfTiler(m_strToolPath).c_str(), m_strCommandLine,
+                                     FolderOf(m_strToolPath), startup, true);
+    // They stay open, but the programs of later runs need not inherit them.
     MakePrivate(startup.hStdOutput);
     MakePrivate(startup.hStdInput);
     if (started) {
-      Watch(python.Process());
+      Watch(tiler.Process());
     } else {
       m_nStatus = kTilesNotStarted;
     }
-    python.Terminate();
+    tiler.Terminate();
   }
   m_bRunning = 0;
   Finish(g_pTilesJob, this);

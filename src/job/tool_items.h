@@ -75,8 +75,8 @@ class CToolItem : public CWorkItemBase {
   std::atomic<int32_t> m_bAbortAsked{0};  // set by the user-interface thread, never cleared
 };
 
-// Runs "python.exe" of the tool folder with its output caught, and shows the progress that the
-// script writes.
+// Runs the tile engine or "python.exe", as NameOfTiler() says, in the folder of its path with its output
+// caught, and shows the progress that it writes.
 class CGDAL2TilesThread : public CToolItem {
  public:
   // pProgressCtrl gets PBM_SETPOS with 0 to 100; null: the output is never read.

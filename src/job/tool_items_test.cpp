@@ -41,10 +41,8 @@ class ToolItems : public ToolFixture {
   }
   void TearDown() override { m_queue.Destroy(); }
 
-  std::string Python() const { return m_folder.Path("python"); }
-
   void Insert(const std::string& commandLine, CWnd* progress, DWORD turn = kTurn) {
-    auto* item = new TracedTiles(m_trace, Python(), commandLine, progress, turn);
+    auto* item = new TracedTiles(m_trace, m_strTiler, commandLine, progress, turn);
     g_pTilesJob = item;
     ASSERT_TRUE(m_queue.InsertWorkItem(item));
   }
@@ -63,6 +61,7 @@ class ToolItems : public ToolFixture {
     EXPECT_EQ(m_trace.destroyed, 1);
   }
 
+  std::string m_strTiler = m_folder.Path("python");
   CWorkQueue m_queue;
   Trace m_trace;
   ProgressWindow m_window;
@@ -106,7 +105,7 @@ TEST_F(ToolItems, ReadNothingWithoutAProgressBar) {
 }
 
 TEST_F(ToolItems, DoNotBeginAfterAnAbort) {
-  auto* tiles = new TracedTiles(m_trace, Python(), " touch:" + m_folder.Path("1"), &m_window, kTurn);
+  auto* tiles = new TracedTiles(m_trace, m_strTiler, " touch:" + m_folder.Path("1"), &m_window, kTurn);
   auto* warp = new CGDALWarpThread(m_folder.Path("gdalwarp.exe"), " touch:" + m_folder.Path("2"));
   g_pTilesJob = tiles;
   g_pWarpJob = warp;
@@ -124,6 +123,16 @@ TEST_F(ToolItems, FindTheInterpreterInTheToolFolderAndWorkThere) {
   RunTiles(" args:" + m_folder.Path("out.txt"), nullptr);
   const std::string text = ReadFile(m_folder.Path("out.txt"));
   EXPECT_EQ(text.substr(text.find('\n') + 1), m_folder.Path() + "\n");
+}
+
+TEST_F(ToolItems, RunTheEngineWhenItIsNamed) {
+  m_strTiler = m_folder.Path("mosaicon-tiler.exe");
+  ASSERT_TRUE(MoveFileA(m_folder.Path("python.exe").c_str(), m_strTiler.c_str()));
+  RunTiles(" say:Progress_0.5_done args:" + m_folder.Path("out.txt"), &m_window);
+  EXPECT_EQ(m_window.positions, std::vector<int>{50});
+  const std::string text = ReadFile(m_folder.Path("out.txt"));
+  EXPECT_EQ(text.substr(text.find('\n') + 1), m_folder.Path() + "\n");
+  EXPECT_EQ(m_trace.status, kTilesEndedByItself);
 }
 
 TEST_F(ToolItems, EndAtOnceWithoutAnInterpreter) {

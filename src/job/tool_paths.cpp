@@ -7,6 +7,9 @@ namespace {
 
 // Characters of an environment variable with its terminator, by the system's rules.
 constexpr size_t kMaxVariable = 32767;
+constexpr const char* kEngine = "mosaicon-tiler";
+constexpr const char* kInterpreter = "python";
+constexpr const char* kExtension = "exe";
 
 }  // namespace
 
@@ -15,24 +18,37 @@ ToolPaths MakeToolPaths(const std::string& programPath) {
   const std::string directory = program.directory + "gdal2tiles\\";
   ToolPaths tools;
   tools.folder = program.drive + program.directory + "gdal2tiles";
+  tools.engine = JoinPath(program.drive, directory, kEngine, kExtension);
   tools.script = JoinPath(program.drive, directory, "gdal2tiles", "py");
-  tools.translator = JoinPath(program.drive, directory, "gdal_translate", "exe");
-  tools.warper = JoinPath(program.drive, directory, "gdalwarp", "exe");
-  tools.interpreter = JoinPath(program.drive, directory, "python", "exe");
+  tools.translator = JoinPath(program.drive, directory, "gdal_translate", kExtension);
+  tools.warper = JoinPath(program.drive, directory, "gdalwarp", kExtension);
+  tools.interpreter = JoinPath(program.drive, directory, kInterpreter, kExtension);
   return tools;
+}
+
+TilerProgram FindTiler(const ToolPaths& tools, FileSystem& files) {
+  if (files.Exists(tools.engine)) return {tools.engine, ""};
+  return {tools.interpreter, tools.script};
+}
+
+std::string NameOfTiler(const std::string& path) {
+  const bool isEngine = SplitPath(path).name == kEngine;
+  return std::string(isEngine ? kEngine : kInterpreter) + "." + kExtension;
 }
 
 bool CheckTools(const ToolPaths& tools, FileSystem& files, MessageSink& messages) {
   struct Check {
     const std::string& path;
     const char* what;
+    bool cutsTiles;
   };
-  const Check checks[] = {{tools.script, "script gdal2tiles"},
-                          {tools.translator, "tool gdal_translate"},
-                          {tools.warper, "tool gdalwarp"},
-                          {tools.interpreter, "scripts"}};
+  const Check checks[] = {{tools.script, "script gdal2tiles", true},
+                          {tools.translator, "tool gdal_translate", false},
+                          {tools.warper, "tool gdalwarp", false},
+                          {tools.interpreter, "scripts", true}};
+  const bool hasEngine = files.Exists(tools.engine);
   for (const Check& check : checks) {
-    if (files.Exists(check.path)) continue;
+    if ((check.cutsTiles && hasEngine) || files.Exists(check.path)) continue;
     messages.ShowMessage(MessageIcon::kInformation, std::string("Unable to find the process data ") +
                                                         check.what + ". Please contact " + kMakerName + " (" +
                                                         kSupportEmail + ")");

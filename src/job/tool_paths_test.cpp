@@ -20,6 +20,7 @@ class Tools : public testing::Test {
 
 TEST_F(Tools, LieInAFolderBesideTheProgram) {
   EXPECT_EQ(m_tools.folder, kFolder);
+  EXPECT_EQ(m_tools.engine, std::string(kFolder) + "\\mosaicon-tiler.exe");
   EXPECT_EQ(m_tools.script, std::string(kFolder) + "\\gdal2tiles.py");
   EXPECT_EQ(m_tools.translator, std::string(kFolder) + "\\gdal_translate.exe");
   EXPECT_EQ(m_tools.warper, std::string(kFolder) + "\\gdalwarp.exe");
@@ -43,6 +44,33 @@ TEST_F(Tools, AreNamedOneByOneWhenMissing) {
   m_events.clear();
   EXPECT_TRUE(CheckTools(m_tools, m_files, m_host));
   EXPECT_TRUE(m_events.empty());
+}
+
+TEST_F(Tools, NeedNoScriptAndInterpreterBesideTheEngine) {
+  m_files.Put(m_tools.engine);
+  for (const std::string& missing : {m_tools.translator, m_tools.warper}) {
+    EXPECT_FALSE(CheckTools(m_tools, m_files, m_host)) << missing;
+    m_files.Put(missing);
+  }
+  EXPECT_TRUE(CheckTools(m_tools, m_files, m_host));
+  EXPECT_EQ(m_events.size(), 2U);
+}
+
+TEST_F(Tools, CutTilesByTheEngineWhereItIs) {
+  TilerProgram tiler = FindTiler(m_tools, m_files);
+  EXPECT_EQ(tiler.path, m_tools.interpreter);
+  EXPECT_EQ(tiler.script, m_tools.script);
+  m_files.Put(m_tools.engine);
+  tiler = FindTiler(m_tools, m_files);
+  EXPECT_EQ(tiler.path, m_tools.engine);
+  EXPECT_EQ(tiler.script, "");
+}
+
+TEST_F(Tools, AreStartedByTheirNames) {
+  EXPECT_EQ(NameOfTiler(m_tools.engine), "mosaicon-tiler.exe");
+  EXPECT_EQ(NameOfTiler(m_tools.interpreter), "python.exe");
+  EXPECT_EQ(NameOfTiler("C:\\t\\python"), "python.exe");
+  EXPECT_EQ(NameOfTiler("C:\\t\\anything"), "python.exe");
 }
 
 TEST_F(Tools, AreMadeKnownByTheEnvironment) {

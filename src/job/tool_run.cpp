@@ -9,11 +9,10 @@ std::string FindTilerProblem(const ToolOutcome& outcome) {
   const std::string& words = outcome.lastWords;
   if (words.rfind(kFailure, 0) == 0) return words.substr(sizeof kFailure - 1);
   if (words != kSuccess) {
-    if (!outcome.madeProduct) return "the tiling script did not start or was ended from outside";
-    return "the tiling script could not write its log " + outcome.log +
-           ", so nothing is known of its success";
+    if (!outcome.madeProduct) return "the tiler did not start or was ended from outside";
+    return "the tiler could not write its log " + outcome.log + ", so nothing is known of its success";
   }
-  return outcome.madeProduct ? "" : "the tiling script made no doc.kml";
+  return outcome.madeProduct ? "" : "the tiler made no doc.kml";
 }
 
 }  // namespace

@@ -36,11 +36,11 @@ TEST(ToolRun, OfTheScriptSucceedsWithItsWordAndItsFile) {
   };
   const Case cases[] = {
       {"RESULT OK", true, ""},
-      {"RESULT OK", false, "the tiling script made no doc.kml"},
+      {"RESULT OK", false, "the tiler made no doc.kml"},
       {"RESULT FAILED no memory", true, "no memory"},
       {"RESULT FAILED no memory", false, "no memory"},
-      {"", false, "the tiling script did not start or was ended from outside"},
-      {"", true, "the tiling script could not write its log C:\\t.log, so nothing is known of its success"},
+      {"", false, "the tiler did not start or was ended from outside"},
+      {"", true, "the tiler could not write its log C:\\t.log, so nothing is known of its success"},
   };
   for (const Case& each : cases) {
     for (const uint32_t exitCode : {0U, 1U}) {

@@ -1,7 +1,7 @@
 """Fixture of the end-to-end tests: runs mosaicon-batch under Wine and watches what it leaves.
 
 Needs in the environment:
-  MOSAICON_STAGE      the program's folder, laid out with python.exe for Wine
+  MOSAICON_STAGE      the program's folder, laid out with the tile engine or with python.exe for Wine
   MOSAICON_FAKE_TOOL  fake_tool.exe, which stands in for tools (see fake_tool.cpp)
   WINEPREFIX          a complete Wine prefix; what runs uses a copy of it, beside it
 """
@@ -35,6 +35,11 @@ FAKE_TOOL = folder_from_environment("MOSAICON_FAKE_TOOL", "fake_tool.exe").resol
 WINEPREFIX = folder_from_environment("WINEPREFIX", "the Wine prefix to use").resolve()
 if not (STAGE / "mosaicon-batch.exe").exists():
     sys.exit(f"there is no mosaicon-batch.exe in {STAGE}")
+
+# What cuts the tiles, and a word of its command line on this side: the engine is started without its name.
+ENGINE = "mosaicon-tiler.exe"
+TILER = ENGINE if (STAGE / "gdal2tiles" / ENGINE).exists() else "python.exe"
+TILER_AT_WORK = "mercator" if TILER == ENGINE else "gdal2tiles.py"
 
 
 def start_wine():

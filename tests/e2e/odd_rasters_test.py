@@ -33,7 +33,7 @@ class CanBeTiled(OddRasters):
         transparent = solid([10, 120, 240, 255], 200, 200)
         transparent[:, :, 100:] = 0
         cases = {
-            "grey": (dict(pixels=solid([77], 200, 200)), {(77,)}),
+            "grey": (dict(pixels=solid([77], 200, 200)), {(77, 77, 77)}),
             "four": (
                 dict(pixels=solid([10, 120, 240, 30], 200, 200), options=["ALPHA=NO"]),
                 {(10, 120, 240)},

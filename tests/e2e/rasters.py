@@ -65,6 +65,17 @@ def make_raster(
     return path
 
 
+def make_endless_raster(path, size=40000):
+    """One that no tiler is done with soon. It takes no room: its pixels were never written."""
+    dataset = gdal.GetDriverByName("GTiff").Create(
+        str(path), size, size, 3, gdal.GDT_Byte, ["SPARSE_OK=TRUE", "TILED=YES", "BIGTIFF=YES"]
+    )
+    epsg, left, top = OWN_ZONE
+    dataset.SetProjection(wkt_of(epsg))
+    dataset.SetGeoTransform((left, 0.5, 0, top, 0, -0.5))
+    return path
+
+
 def corners_in_degrees(path):
     """West, south, east and north of a raster, straight from its own reference."""
     dataset = gdal.Open(str(path))
@@ -87,4 +98,10 @@ def corners_in_degrees(path):
 
 
 def read_pixels(path):
-    return gdal.Open(str(path)).ReadAsArray()
+    """Red, green, blue and alpha of a tile, whatever its file leaves out."""
+    pixels = gdal.Open(str(path)).ReadAsArray()
+    if pixels.ndim == 2:
+        pixels = pixels[numpy.newaxis]
+    if len(pixels) % 2 == 1:
+        pixels = numpy.concatenate([pixels, numpy.full_like(pixels[:1], 255)])
+    return numpy.concatenate([pixels[:1]] * 3 + [pixels[1:]]) if len(pixels) == 2 else pixels

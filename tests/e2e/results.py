@@ -2,6 +2,7 @@
 
 import math
 import os
+import re
 import pathlib
 import posixpath
 import subprocess
@@ -167,7 +168,11 @@ class ResultChecks(unittest.TestCase):
             )
         for path in expected:
             if path.endswith(".html"):
-                self.assertEqual((folder / path).read_text(), (plain / path).read_text(), path)
+                self.assertEqual(
+                    with_fewer_digits((folder / path).read_text()),
+                    with_fewer_digits((plain / path).read_text()),
+                    path,
+                )
 
     def run_plain_tiler(self, job, name, tile_input, epsg, output):
         base = "../" if job.count == 1 else "../../" + job.target.name
@@ -202,6 +207,11 @@ class ResultChecks(unittest.TestCase):
             stdout=subprocess.DEVNULL,
             cwd=self.folder,
         )
+
+
+def with_fewer_digits(text):
+    """The last digits depend on the mathematical library of the system: less than a millimetre."""
+    return re.sub(r"\d+\.\d{9,}", lambda number: f"{float(number[0]):.9f}", text)
 
 
 def files_below(folder):

@@ -50,7 +50,7 @@ class ToolsTest(BatchTest, ResultChecks):
         told = [line for line in run.errors if "FAILED" in line]
         self.assertEqual(len(told), len(orthophotos), run)
         for path, line in zip(orthophotos, told):
-            start = f"mosaicon-batch: FAILED {windows_path(path)}: the tiling script did not start"
+            start = f"mosaicon-batch: FAILED {windows_path(path)}: the tiler did not start"
             self.assertEqual(line[: len(start)], start)
 
 

@@ -82,7 +82,12 @@ class Build:
 
     def program_is_touched(self):
         """Whether the laid-out program is."""
-        names = ("src/app/Mosaicon.exe", "src/batch/mosaicon-batch.exe", "src/crashrpt/crashsender.exe")
+        names = (
+            "src/app/Mosaicon.exe",
+            "src/batch/mosaicon-batch.exe",
+            "src/crashrpt/crashsender.exe",
+            "src/tiler/mosaicon-tiler.exe",
+        )
         tools = TOP / "tools"
         return any(map(self.is_touched, names)) or any(
             path.is_relative_to(tools) and not path.name.endswith("_test.py") for path in self.changed
@@ -93,7 +98,7 @@ class Build:
             return True
         for word in [*test["command"], *properties_of(test).get("ENVIRONMENT", [])]:
             path = pathlib.Path(word.partition("=")[2] if "=" in word else word)
-            if path.name == "stage" and self.program_is_touched():
+            if path.name in ("stage", "stage-python") and self.program_is_touched():
                 return True
             if not path.is_file():
                 continue

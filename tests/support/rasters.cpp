@@ -3,6 +3,32 @@
 #include <gtest/gtest.h>
 #include <ogr_spatialref.h>
 
+namespace {
+
+void SetPlace(GDALDataset& image, const RasterRecipe& recipe) {
+  OGRSpatialReference reference;
+  if (recipe.epsg != 0) {
+    ASSERT_EQ(reference.importFromEPSG(recipe.epsg), OGRERR_NONE);
+    reference.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
+    ASSERT_EQ(image.SetSpatialRef(&reference), CE_None);
+  }
+  std::vector<double> transform = recipe.geoTransform;
+  if (!transform.empty()) {
+    ASSERT_EQ(image.SetGeoTransform(transform.data()), CE_None);
+  }
+}
+
+}  // namespace
+
+void MakeEmptyRaster(const std::string& path, const RasterRecipe& recipe) {
+  GDALAllRegister();
+  const char* options[] = {"SPARSE_OK=TRUE", "TILED=YES", "BIGTIFF=YES", nullptr};
+  const GDALDatasetUniquePtr image(GetGDALDriverManager()->GetDriverByName("GTiff")->Create(
+      path.c_str(), recipe.width, recipe.height, 3, GDT_Byte, const_cast<char**>(options)));
+  ASSERT_NE(image, nullptr) << path;
+  SetPlace(*image, recipe);
+}
+
 void MakeRaster(const std::string& path, const RasterRecipe& recipe) {
   GDALAllRegister();
   GDALDriver* memory = GetGDALDriverManager()->GetDriverByName("MEM");
@@ -18,16 +44,7 @@ void MakeRaster(const std::string& path, const RasterRecipe& recipe) {
                 CE_None);
     }
   }
-  OGRSpatialReference reference;
-  if (recipe.epsg != 0) {
-    ASSERT_EQ(reference.importFromEPSG(recipe.epsg), OGRERR_NONE);
-    reference.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
-    ASSERT_EQ(image->SetSpatialRef(&reference), CE_None);
-  }
-  std::vector<double> transform = recipe.geoTransform;
-  if (!transform.empty()) {
-    ASSERT_EQ(image->SetGeoTransform(transform.data()), CE_None);
-  }
+  SetPlace(*image, recipe);
   for (const auto& [key, value] : recipe.metadata) image->SetMetadataItem(key.c_str(), value.c_str());
   GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(recipe.driver);
   ASSERT_NE(driver, nullptr);

@@ -19,6 +19,10 @@ struct RasterRecipe {
   const char* driver = "GTiff";
 };
 
+// A GeoTIFF of three bands and of any size that takes no room: its pixels were never written, and are read as
+// 0. Width, height and place are those of the recipe.
+void MakeEmptyRaster(const std::string& path, const RasterRecipe& recipe);
+
 // Writes a raster whose band b holds the value b + x + y.
 void MakeRaster(const std::string& path, const RasterRecipe& recipe);
 

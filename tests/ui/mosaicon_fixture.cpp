@@ -8,7 +8,7 @@
 namespace {
 
 constexpr DWORD kStartPatience = 60000;  // ms; the machine may have much to do
-constexpr int kLargeSide = 4000;         // pixels
+constexpr int kLargeSide = 40000;        // pixels
 
 std::string ProfilePath(const std::string& section) {
   return std::string("Software\\") + kMakerName + "\\Mosaicon\\" + section;
@@ -178,5 +178,9 @@ std::string MosaiconTest::MakeOrthophoto(const std::string& name, int width, int
 }
 
 std::string MosaiconTest::MakeLargeOrthophoto() {
-  return MakeOrthophoto("large.tif", kLargeSide, kLargeSide);
+  RasterRecipe recipe;
+  recipe.width = recipe.height = kLargeSide;
+  const std::string path = Path("large.tif");
+  MakeEmptyRaster(path, recipe);
+  return path;
 }

@@ -97,7 +97,7 @@ class MosaiconTest : public testing::Test {
 
   // A small orthophoto in its UTM zone, in the folder of this test.
   std::string MakeOrthophoto(const std::string& name, int width = 120, int height = 90);
-  // One that keeps the tiling script busy for a minute.
+  // One that keeps a tiler busy for a minute.
   std::string MakeLargeOrthophoto();
   std::string Path(const std::string& name = "") const { return m_folder.Path(name); }
 

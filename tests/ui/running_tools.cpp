@@ -13,7 +13,8 @@
 namespace {
 
 constexpr char kHostProcesses[] = "Z:\\proc";
-constexpr const char* kToolPrograms[] = {"python.exe", "gdal_translate.exe", "gdalwarp.exe"};
+constexpr const char* kToolPrograms[] = {"mosaicon-tiler.exe", "python.exe", "gdal_translate.exe",
+                                         "gdalwarp.exe"};
 // Parts of the command lines of what a Linux host runs for python.exe.
 constexpr const char* kHostTools[] = {"python_host.py", "gdal2tiles.py", "spawn_main"};
 

@@ -92,8 +92,7 @@ TEST_F(Tools, ThatDoNothingAreToldInTheReport) {
   ASSERT_TRUE(report);
   EXPECT_EQ(report->log, "- " + Path("a.tif") + ": OK\r\n");
   EXPECT_EQ(report->problemCount, "The map is missing or incomplete:");
-  EXPECT_EQ(report->problems,
-            Path("a.tif") + ": the tiling script did not start or was ended from outside\r\n");
+  EXPECT_EQ(report->problems, Path("a.tif") + ": the tiler did not start or was ended from outside\r\n");
   StopProgram();
   Restore("python.exe");
 }
