@@ -2,6 +2,7 @@
 #ifndef MOSAICON_TILER_RUN_DEFLATE_H_
 #define MOSAICON_TILER_RUN_DEFLATE_H_
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -18,21 +19,29 @@ class RunDeflater {
   void Compress(const std::vector<std::uint8_t>& bytes, std::string& out);
 
  private:
-  // A byte, or a run of the byte before.
-  struct Token {
-    std::uint16_t symbol;  // of deflate's literals and lengths
-    std::uint8_t extraBits;
-    std::uint8_t extra;
+  // Equal to the byte before.
+  struct Run {
+    std::size_t begin;
+    std::size_t length;
+  };
+  struct Code {
+    std::uint16_t bits;
+    std::uint16_t length;
   };
   class BitWriter;
 
   // bytes from begin to end; what stands before them can be run on.
   void CompressBlock(const std::vector<std::uint8_t>& bytes, std::size_t begin, std::size_t end, bool isLast,
                      BitWriter& writer);
-  void Tokenize(const std::vector<std::uint8_t>& bytes, std::size_t begin, std::size_t end);
+  // Leaves the runs, and how often each symbol occurs.
+  void FindRuns(const std::uint8_t* all, std::size_t begin, std::size_t end);
+  static void WriteCode(const std::vector<std::uint8_t>& lengths, BitWriter& writer);
+  void WriteBytes(const std::uint8_t* bytes, std::size_t count, BitWriter& writer) const;
 
-  std::vector<Token> m_tokens;
+  std::vector<Run> m_runs;
   std::vector<std::uint32_t> m_counts;
+  std::array<Code, 256> m_byteCodes = {};
+  std::vector<std::uint8_t> m_out;
 };
 
 }  // namespace tiler
