@@ -1,6 +1,4 @@
 #include <cpl_string.h>
-#include <gdal_alg.h>
-#include <gdal_priv.h>
 #include <ogr_spatialref.h>
 
 #include <algorithm>
@@ -8,6 +6,7 @@
 #include <limits>
 
 #include "tiler/gdal_errors.h"
+#include "tiler/gdal_objects.h"
 #include "tiler/map_srs.h"
 #include "tiler/tiler_error.h"
 #include "tiler/window_reader.h"
@@ -16,13 +15,7 @@ namespace tiler {
 
 namespace {
 
-constexpr const char* kNotRead = "the image could not be read or tiled";
 constexpr int kPixelBytes = static_cast<int>(sizeof(Pixel));
-
-struct TransformerDeleter {
-  void operator()(void* transformer) const { GDALDestroyGenImgProjTransformer(transformer); }
-};
-using Transformer = std::unique_ptr<void, TransformerDeleter>;
 
 Transformer MakeTransformer(GDALDataset& source, const MapView& view) {
   CPLStringList options;
@@ -60,12 +53,9 @@ class DirectReader : public WindowReader {
   DirectReader(const MapView& view, RunLog& log)
       : m_colours(view.colours),
         m_errors(log),
-        m_source(GDALDataset::Open(view.direct->source.c_str(),
-                                   GDAL_OF_RASTER | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR)),
+        m_source(OpenImage(view.direct->source, m_errors, kNotRead)),
         m_index([this](std::vector<double>& xs, std::vector<double>& ys) { Transform(xs, ys); },
-                m_source ? m_source->GetRasterXSize() : 0, m_source ? m_source->GetRasterYSize() : 0) {
-    m_errors.Check(kNotRead);
-    if (!m_source) throw TilerError(kNotRead);
+                m_source->GetRasterXSize(), m_source->GetRasterYSize()) {
     m_transformer = MakeTransformer(*m_source, view);
     SetOutside(view.direct->transparent);
   }

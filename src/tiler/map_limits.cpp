@@ -1,23 +1,21 @@
 #include "tiler/map_limits.h"
 
 #include <cpl_string.h>
-#include <gdal_alg.h>
-#include <gdal_priv.h>
 #include <ogr_spatialref.h>
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <vector>
 
+#include "tiler/gdal_objects.h"
 #include "tiler/map_srs.h"
+#include "tiler/mercator.h"
 #include "tiler/tiler_error.h"
 
 namespace tiler {
 
 namespace {
 
-constexpr double kLatitudeLimit = 85.0511287798066;  // where the map of the whole globe is a square
 constexpr double kHalfGlobe = 180.0;
 constexpr int kSteps = 20;  // in each direction
 
@@ -44,10 +42,6 @@ double Wrapped(double degrees) {
   return rest - kHalfGlobe;
 }
 
-struct TransformerDeleter {
-  void operator()(void* transformer) const { GDALDestroyGenImgProjTransformer(transformer); }
-};
-
 // Rows of the image; empty when a part of it lies nowhere on the globe.
 std::vector<Line> PlacesOnTheGlobe(GDALDataset& image, const OGRSpatialReference& srs) {
   OGRSpatialReference wgs84;
@@ -56,7 +50,7 @@ std::vector<Line> PlacesOnTheGlobe(GDALDataset& image, const OGRSpatialReference
   options.SetNameValue("SRC_SRS", WktOf(srs).c_str());
   options.SetNameValue("DST_SRS", WktOf(wgs84).c_str());
   options.SetNameValue("INSERT_CENTER_LONG", "NO");
-  const std::unique_ptr<void, TransformerDeleter> transformer(
+  const Transformer transformer(
       GDALCreateGenImgProjTransformer2(GDALDataset::ToHandle(&image), nullptr, options.List()));
   if (!transformer) return {};
   std::vector<Line> rows;

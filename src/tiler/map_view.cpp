@@ -1,7 +1,6 @@
 #include "tiler/map_view.h"
 
 #include <cpl_string.h>
-#include <gdal_priv.h>
 #include <gdal_utils.h>
 #include <gdalwarper.h>
 #include <ogr_spatialref.h>
@@ -13,7 +12,9 @@
 #include <optional>
 
 #include "tiler/gdal_errors.h"
+#include "tiler/gdal_objects.h"
 #include "tiler/map_srs.h"
+#include "tiler/number_text.h"
 #include "tiler/source_image.h"
 #include "tiler/tiler_error.h"
 #include "tiler/warp_options.h"
@@ -22,17 +23,7 @@ namespace tiler {
 
 namespace {
 
-constexpr const char* kNotTiled = "the image could not be read or tiled";
-constexpr double kLatitudeLimit = 85.0511287798066;  // where the map of the whole globe is a square
 constexpr const char* kNodataValues = "NODATA_VALUES";
-
-GDALDatasetUniquePtr Open(const std::string& name, GdalErrors& errors) {
-  GDALDatasetUniquePtr dataset(
-      GDALDataset::Open(name.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR));
-  errors.Check(kNotTiled);
-  if (!dataset) throw TilerError(kNotTiled);
-  return dataset;
-}
 
 OGRSpatialReference SrsOf(GDALDataset& dataset, const std::string& wanted) {
   OGRSpatialReference srs;
@@ -57,12 +48,6 @@ std::vector<int> NodataOf(GDALDataset& dataset) {
     values.push_back(static_cast<int>(value));
   }
   return values;
-}
-
-std::string Words(const std::vector<int>& values) {
-  std::string text;
-  for (const int value : values) text += (text.empty() ? "" : " ") + std::to_string(value);
-  return text;
 }
 
 std::string XmlOf(GDALDataset& dataset) {
@@ -97,7 +82,7 @@ GDALDatasetUniquePtr WarpedWithinTheMap(GDALDataset& dataset, const OGRSpatialRe
   double ys[] = {std::max(latitudes.south, -kLatitudeLimit), std::min(latitudes.north, kLatitudeLimit)};
   const OGRSpatialReference map = MapSrs();
   const std::unique_ptr<OGRCoordinateTransformation> toMap(OGRCreateCoordinateTransformation(&srs, &map));
-  if (!toMap || !toMap->Transform(2, xs, ys)) throw TilerError(kNotTiled);
+  if (!toMap || !toMap->Transform(2, xs, ys)) throw TilerError(kNotRead);
   CPLStringList words;
   words.AddString("-of").AddString("VRT").AddString("-t_srs").AddString("EPSG:3857").AddString("-te");
   for (const double side : {xs[0], ys[0], xs[1], ys[1]}) words.AddString(CPLSPrintf("%.18g", side));
@@ -109,9 +94,10 @@ GDALDatasetUniquePtr WarpedWithinTheMap(GDALDataset& dataset, const OGRSpatialRe
   return warped;
 }
 
-GDALDatasetUniquePtr Warped(GDALDataset& dataset, const OGRSpatialReference& srs) {
-  const std::optional<Latitudes> latitudes = LatitudesOf(dataset, srs);
-  if (latitudes && latitudes->BeyondTheMap()) return WarpedWithinTheMap(dataset, srs, *latitudes);
+// beyondTheMap: its latitudes when a part of it lies there.
+GDALDatasetUniquePtr Warped(GDALDataset& dataset, const OGRSpatialReference& srs,
+                            const std::optional<Latitudes>& beyondTheMap) {
+  if (beyondTheMap) return WarpedWithinTheMap(dataset, srs, *beyondTheMap);
   constexpr double kExact = 0.0;  // pixels that a position may be wrong by
   return GDALDatasetUniquePtr(GDALDataset::FromHandle(
       GDALAutoCreateWarpedVRT(GDALDataset::ToHandle(&dataset), WktOf(srs).c_str(), WktOf(MapSrs()).c_str(),
@@ -119,26 +105,27 @@ GDALDatasetUniquePtr Warped(GDALDataset& dataset, const OGRSpatialReference& srs
 }
 
 GDALDatasetUniquePtr Reprojected(GDALDataset& dataset, const OGRSpatialReference& srs,
+                                 const std::optional<Latitudes>& beyondTheMap,
                                  const std::vector<int>& transparent, GdalErrors& errors) {
-  const GDALDatasetUniquePtr warped = Warped(dataset, srs);
-  errors.Check(kNotTiled);
-  if (!warped) throw TilerError(kNotTiled);
+  const GDALDatasetUniquePtr warped = Warped(dataset, srs, beyondTheMap);
+  errors.Check(kNotRead);
+  if (!warped) throw TilerError(kNotRead);
   const std::vector<int> nodata = transparent.empty() ? NodataOf(dataset) : transparent;
   const int bands = warped->GetRasterCount();
   if (!nodata.empty()) {
-    GDALDatasetUniquePtr masked = Open(WithNodata(XmlOf(*warped), transparent), errors);
-    masked->SetMetadataItem(kNodataValues, Words(nodata).c_str());
+    GDALDatasetUniquePtr masked = OpenImage(WithNodata(XmlOf(*warped), transparent), errors, kNotRead);
+    masked->SetMetadataItem(kNodataValues, Joined(nodata, " ").c_str());
     return masked;
   }
-  if (bands != 1 && bands != 3) return Open(XmlOf(*warped), errors);
-  return Open(WithAlphaBand(XmlOf(*warped), bands), errors);
+  if (bands != 1 && bands != 3) return OpenImage(XmlOf(*warped), errors, kNotRead);
+  return OpenImage(WithAlphaBand(XmlOf(*warped), bands), errors, kNotRead);
 }
 
 GDALDatasetUniquePtr AsItIs(GDALDataset& dataset, GdalErrors& errors) {
   GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("VRT");
   GDALDatasetUniquePtr copy(driver->CreateCopy("", &dataset, FALSE, nullptr, nullptr, nullptr));
-  errors.Check(kNotTiled);
-  if (!copy) throw TilerError(kNotTiled);
+  errors.Check(kNotRead);
+  if (!copy) throw TilerError(kNotRead);
   return copy;
 }
 
@@ -180,17 +167,19 @@ MapImage ImageOf(GDALDataset& dataset) {
 
 MapView MakeMapView(const SourceImage& source, RunLog& log) {
   GdalErrors errors(log);
-  const GDALDatasetUniquePtr dataset = Open(source.Name(), errors);
+  const GDALDatasetUniquePtr dataset = OpenImage(source.Name(), errors, kNotRead);
   const OGRSpatialReference srs = SrsOf(*dataset, source.Srs());
   const bool isInMapSrs = IsInMapSrs(*dataset, srs);
+  std::optional<Latitudes> beyondTheMap = LatitudesOf(*dataset, srs);
+  if (beyondTheMap && !beyondTheMap->BeyondTheMap()) beyondTheMap.reset();
   const GDALDatasetUniquePtr view =
-      isInMapSrs ? AsItIs(*dataset, errors) : Reprojected(*dataset, srs, source.Transparent(), errors);
+      isInMapSrs ? AsItIs(*dataset, errors)
+                 : Reprojected(*dataset, srs, beyondTheMap, source.Transparent(), errors);
   MapView made = {XmlOf(*view), ImageOf(*view), ColoursOf(*view), std::nullopt};
-  const std::optional<Latitudes> latitudes = LatitudesOf(*dataset, srs);
-  if (!isInMapSrs && IsSimple(*dataset) && !(latitudes && latitudes->BeyondTheMap())) {
+  if (!isInMapSrs && IsSimple(*dataset) && !beyondTheMap) {
     made.direct = {source.Name(), WktOf(srs), source.Transparent()};
   }
-  errors.Check(kNotTiled);
+  errors.Check(kNotRead);
   return made;
 }
 

@@ -8,6 +8,9 @@
 
 namespace tiler {
 
+// Degrees north and south: where the map of the whole globe is a square.
+inline constexpr double kLatitudeLimit = 85.0511287798066;
+
 inline constexpr int kTileSize = 256;  // pixels
 inline constexpr int kLevels = 32;     // 0 to 31
 

@@ -25,4 +25,10 @@ std::string ShortestText(double value) {
   return plain;
 }
 
+std::string Joined(const std::vector<int>& numbers, const char* between) {
+  std::string text;
+  for (const int number : numbers) text += (text.empty() ? "" : between) + std::to_string(number);
+  return text;
+}
+
 }  // namespace tiler

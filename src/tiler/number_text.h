@@ -3,6 +3,7 @@
 #define MOSAICON_TILER_NUMBER_TEXT_H_
 
 #include <string>
+#include <vector>
 
 namespace tiler {
 
@@ -11,6 +12,9 @@ std::string WithDecimals(double value, int decimals);
 
 // Like repr: the shortest decimal fraction that means this very number.
 std::string ShortestText(double value);
+
+// All of them, with this text between any two.
+std::string Joined(const std::vector<int>& numbers, const char* between);
 
 }  // namespace tiler
 

@@ -34,5 +34,11 @@ TEST(ShortestText, IsThatOfPython) {
   for (const auto& each : cases) EXPECT_EQ(ShortestText(each.value), each.text);
 }
 
+TEST(Joined, HasTheTextBetweenAnyTwo) {
+  EXPECT_EQ(Joined({}, ", "), "");
+  EXPECT_EQ(Joined({7}, ", "), "7");
+  EXPECT_EQ(Joined({1, 20, -3}, ", "), "1, 20, -3");
+}
+
 }  // namespace
 }  // namespace tiler

@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "tiler/path_text.h"
 #include "tiler/tiler_error.h"
 #include "tiler/write_file.h"
 
@@ -20,11 +21,6 @@ namespace fs = std::filesystem;
 // Short, because of the path length that Windows allows. The name of a partial file depends on nothing but
 // the final name, so a later run into the same folder takes up what a killed one left.
 constexpr const char* kPartialSuffix = ".~mos";
-
-std::string Utf8Of(const fs::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
 
 bool IsNumber(const fs::path& name) {
   const std::string text = Utf8Of(name);
@@ -81,7 +77,7 @@ void CreateFolders(const fs::path& path) {
 
 }  // namespace
 
-OutputFolder::OutputFolder(const std::string& path) : m_path(std::u8string(path.begin(), path.end())) {}
+OutputFolder::OutputFolder(const std::string& path) : m_path(tiler::PathOf(path)) {}
 
 std::string OutputFolder::Name() const {
   return Utf8Of(m_path.filename());

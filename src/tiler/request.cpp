@@ -6,6 +6,7 @@
 #include <map>
 #include <utility>
 
+#include "tiler/path_text.h"
 #include "tiler/tiler_error.h"
 #include "version.h"
 
@@ -149,15 +150,6 @@ class Options {
   std::map<std::string, std::string, std::less<>> m_values;
   std::vector<std::string> m_names;
 };
-
-std::filesystem::path PathOf(const std::string& utf8) {
-  return {std::u8string(utf8.begin(), utf8.end())};
-}
-
-std::string Utf8Of(const std::filesystem::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
 
 // Also of a name that begins with a dash, which nobody can take for an option then.
 std::string Absolute(const std::string& name) {

@@ -2,7 +2,6 @@
 
 #include <cpl_string.h>
 #include <cpl_vsi.h>
-#include <gdal_priv.h>
 #include <gdal_utils.h>
 #include <ogr_spatialref.h>
 
@@ -12,8 +11,11 @@
 #include <filesystem>
 
 #include "tiler/gdal_errors.h"
+#include "tiler/gdal_objects.h"
 #include "tiler/map_limits.h"
 #include "tiler/map_srs.h"
+#include "tiler/number_text.h"
+#include "tiler/path_text.h"
 #include "tiler/run_log.h"
 #include "tiler/tiler_error.h"
 
@@ -21,14 +23,11 @@ namespace tiler {
 
 namespace {
 
-GDALDatasetUniquePtr Open(const std::string& path, GdalErrors& errors) {
-  const std::u8string utf8(path.begin(), path.end());
-  if (!std::filesystem::is_regular_file(utf8)) throw TilerError("the image " + path + " does not exist");
-  GDALDatasetUniquePtr dataset(
-      GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR));
-  errors.Check("the image " + path + " could not be opened");
-  if (!dataset) throw TilerError("the image " + path + " could not be opened");
-  return dataset;
+GDALDatasetUniquePtr Open(const std::string& path, const GdalErrors& errors) {
+  if (!std::filesystem::is_regular_file(PathOf(path))) {
+    throw TilerError("the image " + path + " does not exist");
+  }
+  return OpenImage(path, errors, "the image " + path + " could not be opened");
 }
 
 void CheckPixels(GDALDataset& dataset) {
@@ -125,19 +124,13 @@ std::string StateOf(GDALDataset& dataset) {
   std::string state;
   for (int i = 0; i < files.size(); ++i) {
     const std::string name = files[i];
-    const std::filesystem::path path(std::u8string(name.begin(), name.end()));
+    const std::filesystem::path path = PathOf(name);
     std::error_code failed;
     state += name + " " + std::to_string(std::filesystem::file_size(path, failed));
     state += " " + std::to_string(std::filesystem::last_write_time(path, failed).time_since_epoch().count()) +
              "\n";
   }
   return state;
-}
-
-std::string Words(const std::vector<int>& numbers, const char* between) {
-  std::string text;
-  for (const int number : numbers) text += (text.empty() ? "" : between) + std::to_string(number);
-  return text;
 }
 
 // Makes a virtual raster of these bands and leaves it in GDAL's memory; its name there.
@@ -155,8 +148,8 @@ std::string MakeVirtual(GDALDataset& dataset, const std::vector<int>& bands, con
   const GDALDatasetUniquePtr made(GDALDataset::FromHandle(
       GDALTranslate(name.c_str(), GDALDataset::ToHandle(&dataset), options, &misused)));
   GDALTranslateOptionsFree(options);
-  errors.Check("the image could not be read or tiled");
-  if (!made) throw TilerError("the image could not be read or tiled");
+  errors.Check(kNotRead);
+  if (!made) throw TilerError(kNotRead);
   return name;
 }
 
@@ -188,11 +181,11 @@ SourceImage::SourceImage(const Request& request, RunLog& log) : m_name(request.i
   std::vector<int> all;
   for (GDALRasterBand* band : dataset->GetBands()) all.push_back(band->GetBand());
   if (bands.size() != all.size()) {
-    log.Line("Of the image's bands only [" + Words(bands, ", ") + "] can be shown.");
+    log.Line("Of the image's bands only [" + Joined(bands, ", ") + "] can be shown.");
   }
   std::string metadata;
   if (!m_transparent.empty() && IsInMapSrs(*dataset, srs)) {
-    metadata = "NODATA_VALUES=" + Words(m_transparent, " ");
+    metadata = "NODATA_VALUES=" + Joined(m_transparent, " ");
   }
   if (bands != all || (isTransparent && HasNodata(*dataset)) || !metadata.empty()) {
     m_virtual = MakeVirtual(*dataset, bands, metadata, errors);

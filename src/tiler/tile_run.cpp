@@ -1,5 +1,7 @@
 #include "tiler/tile_run.h"
 
+#include <gdal.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <thread>
@@ -51,7 +53,9 @@ std::string IdentityOf(const Request& request, const SourceImage& source, const 
   const auto add = [&hash](const std::string& text) {
     for (const char c : text + '\0') hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
   };
-  for (const std::string& each : {std::string(kVersion), source.State(), view.xml}) add(each);
+  for (const std::string& each :
+       {std::string(kVersion), std::string(GDALVersionInfo("RELEASE_NAME")), source.State(), view.xml})
+    add(each);
   add(request.kml ? "kml" : "");
   return std::to_string(hash);
 }

@@ -14,6 +14,9 @@ class TilerError : public std::runtime_error {
   explicit TilerError(const std::string& sentence);
 };
 
+// When GDAL gives up and no better is known.
+inline constexpr const char* kNotRead = "the image could not be read or tiled";
+
 // The run was asked to end before it was complete.
 class Stopped : public TilerError {
  public:

@@ -1,6 +1,5 @@
-#include <gdal_priv.h>
-
 #include "tiler/gdal_errors.h"
+#include "tiler/gdal_objects.h"
 #include "tiler/tiler_error.h"
 #include "tiler/window_reader.h"
 
@@ -8,19 +7,12 @@ namespace tiler {
 
 namespace {
 
-constexpr const char* kNotRead = "the image could not be read or tiled";
 constexpr int kPixelBytes = static_cast<int>(sizeof(Pixel));
 
 class VirtualReader : public WindowReader {
  public:
   VirtualReader(const MapView& view, RunLog& log)
-      : m_colours(view.colours),
-        m_errors(log),
-        m_dataset(
-            GDALDataset::Open(view.xml.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR)) {
-    m_errors.Check(kNotRead);
-    if (!m_dataset) throw TilerError(kNotRead);
-  }
+      : m_colours(view.colours), m_errors(log), m_dataset(OpenImage(view.xml, m_errors, kNotRead)) {}
 
   void Read(const PixelWindow& window, std::vector<Pixel>& pixels) override {
     pixels.resize(static_cast<std::size_t>(window.width) * static_cast<std::size_t>(window.height));

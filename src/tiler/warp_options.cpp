@@ -18,8 +18,7 @@ class Document {
  public:
   explicit Document(const std::string& xml) : m_tree(CPLParseXMLString(xml.c_str())) {
     m_root = m_tree ? CPLGetXMLNode(m_tree.get(), "=VRTDataset") : nullptr;
-    if (m_root == nullptr)
-      throw TilerError("the image could not be read or tiled: no virtual raster was made");
+    if (m_root == nullptr) throw TilerError(std::string(kNotRead) + ": no virtual raster was made");
   }
 
   CPLXMLNode* Root() const { return m_root; }
