@@ -144,6 +144,7 @@ fetch_ftp_servers() {
 
 set_up() {
   lock_checkout
+  mkdir -p "$cache"
   install_packages "${packages[@]}"
   set_up_ftp_servers
   "$top/cmake/libraries/build" > /dev/null
