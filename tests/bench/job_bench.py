@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Times a whole job against plain gdal2tiles: bench.py STAGE SIZE ROUNDS.
+"""Times a whole job against plain gdal2tiles: job_bench.py STAGE SIZE ROUNDS.
 
 The three ways take turns, so that a machine whose speed drifts treats them
 alike; the ratios are taken round by round and their median is what counts.
