@@ -64,13 +64,12 @@ class DirectReader : public WindowReader {
     const std::vector<SourcePixel>& index = m_index.Of(window);
     const PixelWindow box = BoxAround(index);
     ReadBox(box);
-    pixels.clear();
-    pixels.reserve(index.size());
-    for (const SourcePixel& each : index) {
-      pixels.push_back(
-          each.IsOutside()
-              ? m_outside
-              : m_box[static_cast<std::size_t>((each.row - box.y) * box.width + each.column - box.x)]);
+    pixels.resize(index.size());
+    for (std::size_t i = 0; i < index.size(); ++i) {
+      const SourcePixel& each = index[i];
+      pixels[i] = each.IsOutside()
+                      ? m_outside
+                      : m_box[static_cast<std::size_t>((each.row - box.y) * box.width + each.column - box.x)];
     }
   }
 

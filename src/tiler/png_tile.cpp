@@ -79,12 +79,15 @@ std::string_view PngEncoder::Encode(const Tile& tile) {
 }
 
 void PngEncoder::TakeSamples(const Tile& tile, int channels) {
-  m_samples.clear();
-  m_samples.reserve(kTilePixels * sizeof(Pixel));
+  m_samples.resize(kTilePixels * static_cast<std::size_t>(channels));
+  std::uint8_t* sample = m_samples.data();
   for (const Pixel& pixel : tile) {
-    const std::array<std::uint8_t, 4> all = {pixel.red, pixel.green, pixel.blue, pixel.alpha};
-    m_samples.insert(m_samples.end(), all.begin(), all.begin() + m_colours);
-    if (channels > m_colours) m_samples.push_back(pixel.alpha);
+    *sample++ = pixel.red;
+    if (m_colours == 3) {
+      *sample++ = pixel.green;
+      *sample++ = pixel.blue;
+    }
+    if (channels > m_colours) *sample++ = pixel.alpha;
   }
 }
 
@@ -102,9 +105,9 @@ void PngEncoder::Filter(int channels) {
 void PngEncoder::Compress() {
   m_stream.clear();
   m_runs.Compress(m_filtered, m_stream);
-  // Of a photograph, runs and single bytes leave the half or more, and nothing else makes it much smaller. Of
-  // drawings and what is empty they leave little, and looking for what repeats leaves less.
-  if (m_stream.size() > m_filtered.size() * 2 / 5) return;
+  // What this makes very small is a drawing, or empty for the most part: looking for what repeats makes it
+  // smaller still. Of photographs it leaves more, and nothing else would make that much smaller.
+  if (m_stream.size() > m_filtered.size() / 6) return;
   m_other.resize(libdeflate_zlib_compress_bound(m_compressor.get(), m_filtered.size()));
   m_other.resize(libdeflate_zlib_compress(m_compressor.get(), m_filtered.data(), m_filtered.size(),
                                           m_other.data(), m_other.size()));

@@ -81,9 +81,10 @@ Tile AveragedTile(const std::vector<Pixel>& window, std::int64_t windowWidth, co
   Tile tile(kTilePixels);
   // A column for each of the window, and an empty one for what lies outside of the image.
   std::vector<ColumnSums> sums(static_cast<std::size_t>(windowWidth) + 1);
-  const auto columnAt = [&](std::size_t place) -> const ColumnSums& {
-    return sums[static_cast<std::size_t>(columns[place] == kNoPixel ? windowWidth : columns[place])];
-  };
+  std::array<std::size_t, kQuerySize> places;
+  for (std::size_t k = 0; k < places.size(); ++k) {
+    places[k] = static_cast<std::size_t>(columns[k] == kNoPixel ? windowWidth : columns[k]);
+  }
   for (std::size_t y = 0; y < kTileSize; ++y) {
     std::fill(sums.begin(), sums.end(), ColumnSums{});
     bool isEmpty = true;
@@ -96,7 +97,10 @@ Tile AveragedTile(const std::vector<Pixel>& window, std::int64_t windowWidth, co
     for (std::size_t x = 0; x < kTileSize; ++x) {
       ColumnSums sum = {};
       for (std::size_t k = x * kEnlarged; k < (x + 1) * kEnlarged; ++k) {
-        for (std::size_t channel = 0; channel < sum.size(); ++channel) sum[channel] += columnAt(k)[channel];
+        const ColumnSums& column = sums[places[k]];
+        for (std::size_t channel = 0; channel < sum.size(); ++channel) {
+          sum[channel] = static_cast<std::uint16_t>(sum[channel] + column[channel]);
+        }
       }
       tile[y * kTileSize + x] = {Rounded(sum[0]), Rounded(sum[1]), Rounded(sum[2]), Rounded(sum[3])};
     }
