@@ -149,7 +149,7 @@ class WhileTiles(AbortTest):
         self.assertTrue(tiles)
         for tile in tiles:
             read_pixels(tile)
-        self.assertFalse((self.target / "tile_0" / "doc.kml").exists(), "all was done already")
+        self.assertFalse((self.target / "tile_0" / "leaflet.html").exists(), "all was done already")
 
 
 class Twice(AbortTest):
