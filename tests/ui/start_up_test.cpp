@@ -175,18 +175,18 @@ Picture PictureOf(const std::string& program, int number) {
 }
 
 TEST_F(StartUp, ShowsTheSplashScreenForASecondBeforeTheMainDialog) {
+  const ULONGLONG begin = GetTickCount64();
   auto program = std::make_unique<Program>(ProgramPath());
   Window splash;
   ASSERT_TRUE(WaitUntil([&] { return static_cast<bool>(splash = FindSplash(*program)); }));
-  const ULONGLONG begin = GetTickCount64();
   EXPECT_TRUE(IsRecorded()) << "crash reporting comes first";
   EXPECT_FALSE(program->Find(kMainTitle));
   const Picture expected = PictureOf(ProgramPath(), IDB_SPLASH);
   EXPECT_GT(expected.width, 0);
   EXPECT_TRUE(WaitUntil([&] { return TakePicture(splash.Place()) == expected; }, kSplashTime));
   ASSERT_TRUE(splash.WaitUntilGone());
-  // It was there before it was seen here.
-  EXPECT_GT(GetTickCount64() - begin, kSplashTime / 2);
+  // Reckoned from the start of the program: nobody knows how long it was there before it was seen here.
+  EXPECT_GT(GetTickCount64() - begin, kSplashTime);
   EXPECT_TRUE(Use(std::move(program)));
 }
 

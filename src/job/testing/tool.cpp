@@ -2,6 +2,7 @@
 //   say:TEXT        writes TEXT, with "_" for blanks, to standard output, at once
 //   fail:TEXT       the same to standard error
 //   sleep:MS        waits
+//   await:FILE      waits until FILE is there
 //   touch:FILE      creates FILE
 //   write:FILE:TEXT creates FILE with TEXT, with "_" for blanks
 //   args:FILE       writes its raw command line and its current directory to FILE, a line each
@@ -33,6 +34,10 @@ void WriteText(const std::string& path, const std::string& text) {
 void WriteHandle(DWORD which, const std::string& text) {
   DWORD written = 0;
   WriteFile(GetStdHandle(which), text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+}
+
+void Await(const std::string& path) {
+  while (GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES) Sleep(10);
 }
 
 void StartChild(const std::string& milliseconds) {
@@ -73,6 +78,7 @@ void Do(const std::string& verb, const std::string& value) {
   if (verb == "say") WriteHandle(STD_OUTPUT_HANDLE, Unescape(value));
   if (verb == "fail") WriteHandle(STD_ERROR_HANDLE, Unescape(value));
   if (verb == "sleep") Sleep(static_cast<DWORD>(std::atoi(value.c_str())));
+  if (verb == "await") Await(value);
   if (verb == "touch") WriteText(value, "");
   if (verb == "write") WriteLine(value);
   if (verb == "args") WriteDescription(value);
