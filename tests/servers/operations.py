@@ -193,7 +193,7 @@ def empty_listing(trial):
 def missing_listing(trial):
     trial.must("mkdir", "gone")
     trial.must("chdir", "gone")
-    # A server may still have work in the folder when it has answered, but not when it answers the next command.
+    # A server may still have work in the folder when it has answered, but not when the next answer comes.
     trial.must("pwd")
     trial.remove("gone")
     answer = trial.ask("list")
