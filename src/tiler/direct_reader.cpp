@@ -48,15 +48,23 @@ PixelWindow BoxAround(const std::vector<SourcePixel>& pixels) {
   return {left, top, right - left + 1, bottom - top + 1};
 }
 
+std::shared_ptr<SharedImage> SourceOf(const MapView& view, const GdalErrors& errors) {
+  if (view.direct->shared) return view.direct->shared;
+  auto own = std::make_shared<SharedImage>();
+  own->dataset = OpenImage(view.direct->source, errors, kNotRead);
+  return own;
+}
+
 class DirectReader : public WindowReader {
  public:
   DirectReader(const MapView& view, RunLog& log)
       : m_colours(view.colours),
         m_errors(log),
-        m_source(OpenImage(view.direct->source, m_errors, kNotRead)),
+        m_source(SourceOf(view, m_errors)),
         m_index([this](std::vector<double>& xs, std::vector<double>& ys) { Transform(xs, ys); },
-                m_source->GetRasterXSize(), m_source->GetRasterYSize()) {
-    m_transformer = MakeTransformer(*m_source, view);
+                m_source->dataset->GetRasterXSize(), m_source->dataset->GetRasterYSize()) {
+    const std::lock_guard lock(m_source->mutex);
+    m_transformer = MakeTransformer(*m_source->dataset, view);
     SetOutside(view.direct->transparent);
   }
 
@@ -98,10 +106,7 @@ class DirectReader : public WindowReader {
     if (box.width == 0) return;
     m_errors.Forget();
     m_box.assign(static_cast<std::size_t>(box.width) * static_cast<std::size_t>(box.height), {0, 0, 0, 255});
-    const CPLErr result =
-        m_source->RasterIO(GF_Read, static_cast<int>(box.x), static_cast<int>(box.y), box.width, box.height,
-                           &m_box.front().red, box.width, box.height, GDT_Byte, m_colours, nullptr,
-                           kPixelBytes, GSpacing{kPixelBytes} * box.width, 1, nullptr);
+    const CPLErr result = ReadSource(box);
     m_errors.Check(kNotRead);
     if (result != CE_None) throw TilerError(kNotRead);
     if (m_colours == 1) {
@@ -115,9 +120,17 @@ class DirectReader : public WindowReader {
     }
   }
 
+  CPLErr ReadSource(const PixelWindow& box) {
+    const std::lock_guard lock(m_source->mutex);
+    return m_source->dataset->RasterIO(GF_Read, static_cast<int>(box.x), static_cast<int>(box.y), box.width,
+                                       box.height, &m_box.front().red, box.width, box.height, GDT_Byte,
+                                       m_colours, nullptr, kPixelBytes, GSpacing{kPixelBytes} * box.width, 1,
+                                       nullptr);
+  }
+
   int m_colours;
   GdalErrors m_errors;
-  GDALDatasetUniquePtr m_source;
+  std::shared_ptr<SharedImage> m_source;
   Transformer m_transformer;
   WarpIndex m_index;
   bool m_hasTransparent = false;

@@ -6,6 +6,7 @@
 #include <gdal_priv.h>
 
 #include <memory>
+#include <mutex>
 #include <string>
 
 namespace tiler {
@@ -17,6 +18,12 @@ struct TransformerDeleter {
 };
 // Between the pixels of an image and positions elsewhere.
 using Transformer = std::unique_ptr<void, TransformerDeleter>;
+
+// Several threads read from it, one at a time.
+struct SharedImage {
+  GDALDatasetUniquePtr dataset;
+  std::mutex mutex;
+};
 
 // For reading. Throws TilerError with this text, and with what GDAL complains of.
 GDALDatasetUniquePtr OpenImage(const std::string& name, const GdalErrors& errors, const std::string& failure);

@@ -163,6 +163,12 @@ MapImage ImageOf(GDALDataset& dataset) {
           transform[5]};
 }
 
+std::shared_ptr<SharedImage> Shared(const std::string& name, const GdalErrors& errors) {
+  auto image = std::make_shared<SharedImage>();
+  image->dataset = OpenImage(name, errors, kNotRead);
+  return image;
+}
+
 }  // namespace
 
 MapView MakeMapView(const SourceImage& source, RunLog& log) {
@@ -177,7 +183,8 @@ MapView MakeMapView(const SourceImage& source, RunLog& log) {
                  : Reprojected(*dataset, srs, beyondTheMap, source.Transparent(), errors);
   MapView made = {XmlOf(*view), ImageOf(*view), ColoursOf(*view), std::nullopt};
   if (!isInMapSrs && IsSimple(*dataset) && !beyondTheMap) {
-    made.direct = {source.Name(), WktOf(srs), source.Transparent()};
+    made.direct = {source.Name(), WktOf(srs), source.Transparent(), nullptr};
+    if (source.Layout().IsStriped()) made.direct->shared = Shared(source.Name(), errors);
   }
   errors.Check(kNotRead);
   return made;

@@ -2,6 +2,7 @@
 #ifndef MOSAICON_TILER_MAP_VIEW_H_
 #define MOSAICON_TILER_MAP_VIEW_H_
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@ namespace tiler {
 
 class RunLog;
 class SourceImage;
+struct SharedImage;
 
 // What the virtual raster does, where that is simple: each pixel is one of the source image, or it lies
 // outside of it and shows nothing.
@@ -19,6 +21,8 @@ struct DirectWarp {
   std::string source;            // the image, as GDAL opens it
   std::string srs;               // its coordinate system, well-known text
   std::vector<int> transparent;  // a colour that shows nothing; empty: there is none
+  // All threads read from this one when there is one: its strips are decoded once then, and kept once.
+  std::shared_ptr<SharedImage> shared;
 };
 
 struct MapView {

@@ -23,8 +23,7 @@
 namespace {
 
 constexpr int kFailed = 1;
-constexpr int kStopped = 128 + 15;          // as shells tell of a program that was ended
-constexpr GIntBig kCacheBytes = 128 << 20;  // of decoded blocks of the image, for all threads
+constexpr int kStopped = 128 + 15;  // as shells tell of a program that was ended
 
 std::atomic<bool> g_stop = false;
 static_assert(std::atomic<bool>::is_always_lock_free);  // it is set while a signal is handled
@@ -69,7 +68,6 @@ int main(int argc, char** argv) {
   log.Line("START " + tiler::LocalTime() + " mosaicon-tiler, GDAL " + GDALVersionInfo("RELEASE_NAME") +
            ", arguments " + tiler::ArgumentsWithoutKey(arguments));
   GDALAllRegister();
-  GDALSetCacheMax64(kCacheBytes);
   int code = 0;
   {
     tiler::ProgressRecords records([&output](const std::string& record) { return output.Write(record); });

@@ -1,6 +1,6 @@
 #include "tiler/output_folder.h"
 
-#include <cctype>
+#include <charconv>
 #include <chrono>
 #include <fstream>
 #include <iterator>
@@ -22,9 +22,13 @@ namespace fs = std::filesystem;
 // the final name, so a later run into the same folder takes up what a killed one left.
 constexpr const char* kPartialSuffix = ".~mos";
 
-bool IsNumber(const fs::path& name) {
-  const std::string text = Utf8Of(name);
-  return !text.empty() && std::isdigit(static_cast<unsigned char>(text.front())) != 0;
+// That a name begins with: of a level's folder, a column's, or of a file of a tile.
+std::optional<int> NumberOf(const fs::path& entry) {
+  const std::string name = Utf8Of(entry.filename());
+  int number = 0;
+  const auto read = std::from_chars(name.data(), name.data() + name.size(), number);
+  if (read.ec != std::errc() || number < 0) return std::nullopt;
+  return number;
 }
 
 // Of a folder that cannot be looked into: nothing.
@@ -37,11 +41,9 @@ std::vector<fs::path> EntriesOf(const fs::path& folder) {
   return entries;
 }
 
-void RemovePartialFilesIn(const fs::path& folder) {
-  for (const fs::path& entry : EntriesOf(folder)) {
-    std::error_code ignored;
-    if (entry.extension() == kPartialSuffix) fs::remove(entry, ignored);
-  }
+void RemoveWhenPartial(const fs::path& file) {
+  std::error_code ignored;
+  if (file.extension() == kPartialSuffix) fs::remove(file, ignored);
 }
 
 // With patience for virus scanners that hold a new file for a moment.
@@ -84,11 +86,19 @@ std::string OutputFolder::Name() const {
 }
 
 void OutputFolder::RemovePartialFiles() const {
-  RemovePartialFilesIn(m_path);
+  for (const fs::path& entry : EntriesOf(m_path)) RemoveWhenPartial(entry);
+  RemovePartialTiles([](const TileId&) { return true; });
+}
+
+void OutputFolder::RemovePartialTiles(const std::function<bool(const TileId& tile)>& which) const {
   for (const fs::path& level : EntriesOf(m_path)) {
-    if (!IsNumber(level.filename())) continue;
+    if (!NumberOf(level)) continue;
     for (const fs::path& column : EntriesOf(level)) {
-      if (IsNumber(column.filename())) RemovePartialFilesIn(column);
+      if (!NumberOf(column)) continue;
+      for (const fs::path& file : EntriesOf(column)) {
+        const auto row = NumberOf(file);
+        if (row && which({*NumberOf(level), *NumberOf(column), *row})) RemoveWhenPartial(file);
+      }
     }
   }
 }

@@ -4,6 +4,7 @@
 #define MOSAICON_TILER_OUTPUT_FOLDER_H_
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,6 +23,8 @@ class OutputFolder {
 
   // Removes what killed runs left under partial names; looks only where tiles and pages are.
   void RemovePartialFiles() const;
+  // The same for these tiles alone: others may be under way at this moment.
+  void RemovePartialTiles(const std::function<bool(const TileId& tile)>& which) const;
   // Removes the doc.kml of an earlier run: whoever finds one takes it for this run's. Throws TilerError when
   // it stays.
   void RemoveOldDocument() const;
@@ -33,8 +36,7 @@ class OutputFolder {
   void WriteTile(const TileId& tile, const char* extension, std::string_view content) const;
   // What such a file holds; nullopt when it cannot be read.
   std::optional<std::string> ReadTile(const TileId& tile, const char* extension) const;
-  // Of a file in the folder itself.
-  std::filesystem::path PathOf(const char* name) const { return m_path / name; }
+  const std::filesystem::path& Path() const { return m_path; }
   // name: of a file in the folder itself.
   void WritePage(const char* name, std::string_view content) const;
 

@@ -59,6 +59,18 @@ TEST_F(Output, RemovesPartialFilesWhereItWrites) {
   for (const std::string& name : kept) EXPECT_TRUE(FileExists(InFolder(name))) << name;
 }
 
+TEST_F(Output, RemovesPartialFilesOfSomeTilesAlone) {
+  for (const char* folder : {"7/3", "7/4"}) fs::create_directories(InFolder(folder));
+  const std::string gone[] = {"7/3/12.png.~mos", "7/3/12.kml.~mos"};
+  const std::string kept[] = {"7/3/12.png", "7/3/11.png.~mos", "7/4/12.png.~mos", "7/3/x.png.~mos",
+                              "doc.kml.~mos"};
+  for (const std::string& name : gone) WriteFile(InFolder(name), "x");
+  for (const std::string& name : kept) WriteFile(InFolder(name), "x");
+  m_output.RemovePartialTiles([](const TileId& tile) { return tile == TileId{7, 3, 12}; });
+  for (const std::string& name : gone) EXPECT_FALSE(FileExists(InFolder(name))) << name;
+  for (const std::string& name : kept) EXPECT_TRUE(FileExists(InFolder(name))) << name;
+}
+
 TEST_F(Output, FindsNothingToRemoveWhereNothingIs) {
   m_output.RemovePartialFiles();
   m_output.RemoveOldDocument();

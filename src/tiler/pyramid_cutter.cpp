@@ -19,13 +19,8 @@ namespace tiler {
 
 namespace {
 
-constexpr int kUnitLevels = 2;
 constexpr const char* kImage = "png";
 constexpr const char* kDocument = "kml";
-
-TileId Above(const TileId& tile) {
-  return {tile.level - 1, tile.column / 2, tile.row / 2};
-}
 
 // Of the four that a tile stands for, as HalvedTile takes them.
 std::size_t PlaceInAbove(const TileId& tile) {
@@ -55,11 +50,14 @@ class PyramidCutter::Worker {
       m_cutter.m_journal.Add(unit, m_checksum);
     }
     std::array<Tile, 4> finer;
-    while (tile.level > m_cutter.m_pyramid.Coarsest() &&
+    while (tile.level > m_cutter.m_pyramid.Coarsest() && m_cutter.m_plan.Makes(Above(tile)) &&
            m_cutter.IsComplete(tile, std::move(pixels), finer)) {
       tile = Above(tile);
       pixels = Halved(finer);
+      if (IsThere(tile)) continue;
+      m_checksum = 0;
       Write(tile, pixels);
+      m_cutter.m_journal.Add(tile, m_checksum);
     }
   }
 
@@ -76,20 +74,33 @@ class PyramidCutter::Worker {
     return true;
   }
 
+  // A tile above the units.
+  bool IsThere(const TileId& tile) {
+    const auto wanted = m_cutter.m_journal.ChecksumOf(tile);
+    m_checksum = 0;
+    if (!wanted || !AddOwnFiles(tile) || m_checksum != *wanted) return false;
+    m_cutter.TellDone();
+    return true;
+  }
+
   // Of the tile, and of all those that it stands for, in the order in which Make writes them; false when one
   // is missing. Leaves the content of the tile's own image.
   bool AddFiles(const TileId& tile) {
     if (m_cutter.IsOver()) throw Stopped();
-    for (const TileId& each : m_cutter.Finer(tile)) {
+    for (const TileId& each : m_cutter.m_plan.Finer(tile)) {
       if (!AddFiles(each)) return false;
     }
+    ++m_taken;
+    return AddOwnFiles(tile);
+  }
+
+  bool AddOwnFiles(const TileId& tile) {
     for (const char* extension : m_cutter.Extensions()) {
       auto content = m_cutter.m_output.ReadTile(tile, extension);
       if (!content) return false;
       AddToChecksum(*content);
       if (extension == kImage) m_content = std::move(*content);
     }
-    ++m_taken;
     return true;
   }
 
@@ -105,7 +116,7 @@ class PyramidCutter::Worker {
       pixels = m_reader.Read(m_cutter.m_pyramid.QueryOf(tile));
     } else {
       std::array<Tile, 4> finer;
-      for (const TileId& each : m_cutter.Finer(tile)) finer[PlaceInAbove(each)] = Make(each);
+      for (const TileId& each : m_cutter.m_plan.Finer(tile)) finer[PlaceInAbove(each)] = Make(each);
       pixels = Halved(finer);
     }
     Write(tile, pixels);
@@ -114,7 +125,7 @@ class PyramidCutter::Worker {
 
   void Write(const TileId& tile, const Tile& pixels) {
     WriteFile(tile, kImage, m_encoder.Encode(pixels));
-    if (m_cutter.m_kml) WriteFile(tile, kDocument, TileKml(tile, m_cutter.Finer(tile)));
+    if (m_cutter.m_kml) WriteFile(tile, kDocument, TileKml(tile, m_cutter.m_plan.Finer(tile)));
     m_cutter.TellDone();
   }
 
@@ -131,34 +142,34 @@ class PyramidCutter::Worker {
   std::string m_content;
 };
 
-PyramidCutter::PyramidCutter(const MapView& view, const Pyramid& pyramid, const OutputFolder& output,
-                             bool kml, UnitJournal& journal, RunLog& log)
+PyramidCutter::PyramidCutter(const MapView& view, const Pyramid& pyramid, const TilePlan& plan,
+                             const OutputFolder& output, bool kml, UnitJournal& journal, RunLog& log)
     : m_view(view),
       m_pyramid(pyramid),
+      m_plan(plan),
+      m_total(plan.TileCount()),
       m_output(output),
       m_kml(kml),
       m_journal(journal),
-      m_log(log),
-      m_unitLevel(std::max(pyramid.Coarsest(), pyramid.Finest() - kUnitLevels)) {}
+      m_log(log) {}
 
 void PyramidCutter::Cut(int threads, const std::atomic<bool>& stop, const OnTile& onTile) {
   m_stop = &stop;
   m_onTile = &onTile;
   CreateFolders();
-  const std::vector<TileId> units = Units();
   {
     std::vector<std::jthread> others;
-    const int useful =
-        static_cast<int>(std::min<std::size_t>(static_cast<std::size_t>(threads), units.size()));
-    for (int i = 1; i < useful; ++i) others.emplace_back([&] { Work(units); });
-    Work(units);
+    const auto useful = std::min(static_cast<std::size_t>(threads), m_plan.Units().size());
+    for (std::size_t i = 1; i < useful; ++i) others.emplace_back([this] { Work(); });
+    Work();
   }
   if (m_failure) std::rethrow_exception(m_failure);
 }
 
-void PyramidCutter::Work(const std::vector<TileId>& units) {
+void PyramidCutter::Work() {
   try {
     Worker worker(*this);
+    const std::vector<TileId>& units = m_plan.Units();
     for (std::size_t next = m_nextUnit++; next < units.size(); next = m_nextUnit++) {
       worker.MakeUnit(units[next]);
     }
@@ -177,28 +188,6 @@ std::vector<const char*> PyramidCutter::Extensions() const {
   return m_kml ? std::vector{kImage, kDocument} : std::vector{kImage};
 }
 
-std::vector<TileId> PyramidCutter::Units() const {
-  const TileRange& range = m_pyramid.Range(m_unitLevel);
-  std::vector<TileId> units;
-  for (int row = range.north; row >= range.south; --row) {
-    for (int column = range.west; column <= range.east; ++column) units.push_back({m_unitLevel, column, row});
-  }
-  return units;
-}
-
-std::vector<TileId> PyramidCutter::Finer(const TileId& tile) const {
-  std::vector<TileId> finer;
-  if (tile.level == m_pyramid.Finest()) return finer;
-  const TileRange& range = m_pyramid.Range(tile.level + 1);
-  for (int row = std::min(range.north, 2 * tile.row + 1); row >= std::max(range.south, 2 * tile.row); --row) {
-    for (int column = std::max(range.west, 2 * tile.column);
-         column <= std::min(range.east, 2 * tile.column + 1); ++column) {
-      finer.push_back({tile.level + 1, column, row});
-    }
-  }
-  return finer;
-}
-
 void PyramidCutter::CreateFolders() const {
   for (int level = m_pyramid.Coarsest(); level <= m_pyramid.Finest(); ++level) {
     const TileRange& range = m_pyramid.Range(level);
@@ -208,12 +197,12 @@ void PyramidCutter::CreateFolders() const {
 
 void PyramidCutter::TellDone() {
   const std::lock_guard lock(m_mutex);
-  (*m_onTile)(++m_done, m_pyramid.TileCount());
+  (*m_onTile)(++m_done, m_total);
 }
 
 bool PyramidCutter::IsComplete(const TileId& tile, Tile pixels, std::array<Tile, 4>& tiles) {
   const TileId above = Above(tile);
-  const std::size_t needed = Finer(above).size();
+  const std::size_t needed = m_plan.Finer(above).size();
   const std::lock_guard lock(m_mutex);
   Waiting& waiting = m_waiting[above];
   waiting.tiles[PlaceInAbove(tile)] = std::move(pixels);

@@ -1,4 +1,4 @@
-// Cuts all tiles of a pyramid, with several threads.
+// Cuts all tiles of a plan, with several threads.
 #ifndef MOSAICON_TILER_PYRAMID_CUTTER_H_
 #define MOSAICON_TILER_PYRAMID_CUTTER_H_
 
@@ -12,6 +12,7 @@
 
 #include "tiler/map_view.h"
 #include "tiler/tile_pixels.h"
+#include "tiler/tile_plan.h"
 
 namespace tiler {
 
@@ -19,18 +20,18 @@ class OutputFolder;
 class RunLog;
 class UnitJournal;
 
-// The finest levels are cut in units, squares of four by four tiles with all that lies above them: a
-// thread makes a unit alone, each tile from the four below it, and holds no more than a few tiles meanwhile.
-// Whoever makes the last of four tiles above the units goes on with the one that stands for them. So no tile
-// is ever read again, no level waits for another, and what is written does not depend on who was quicker. A
-// unit that the journal of an ended run has, and whose files are still what they were, is taken up as it is.
+// A thread makes a unit of the plan alone, each tile from the four below it, and holds no more than a few
+// tiles meanwhile. Whoever makes the last of four tiles above the units goes on with the one that stands for
+// them. So no tile is ever read again, no level waits for another, and what is written does not depend on who
+// was quicker. A unit that the journal has, of an ended run or of other shares, and whose files are still
+// what they were, is taken up as it is; so is a tile above the units.
 class PyramidCutter {
  public:
   // After each tile, from any thread, one at a time.
   using OnTile = std::function<void(std::int64_t done, std::int64_t total)>;
 
-  PyramidCutter(const MapView& view, const Pyramid& pyramid, const OutputFolder& output, bool kml,
-                UnitJournal& journal, RunLog& log);
+  PyramidCutter(const MapView& view, const Pyramid& pyramid, const TilePlan& plan, const OutputFolder& output,
+                bool kml, UnitJournal& journal, RunLog& log);
 
   // Throws TilerError, Stopped among them soon after stop becomes true, or std::bad_alloc. No thread is left
   // then.
@@ -45,13 +46,10 @@ class PyramidCutter {
     std::size_t count = 0;
   };
 
-  std::vector<TileId> Units() const;
-  // The tiles that one stands for: rows from the north, columns from the west.
-  std::vector<TileId> Finer(const TileId& tile) const;
   // Of the files of a tile, in the order in which they are written.
   std::vector<const char*> Extensions() const;
   void CreateFolders() const;
-  void Work(const std::vector<TileId>& units);
+  void Work();
   void Fail();
   bool IsOver() const { return m_failed || *m_stop; }
   void TellDone();
@@ -60,11 +58,12 @@ class PyramidCutter {
 
   const MapView& m_view;
   const Pyramid& m_pyramid;
+  const TilePlan& m_plan;
+  const std::int64_t m_total;
   const OutputFolder& m_output;
   const bool m_kml;
   UnitJournal& m_journal;
   RunLog& m_log;
-  const int m_unitLevel;
 
   const std::atomic<bool>* m_stop = nullptr;
   const OnTile* m_onTile = nullptr;

@@ -17,7 +17,10 @@ namespace {
 constexpr unsigned kWhite = 0xFFFFFF;
 constexpr std::string_view kWithValue = "asptug";
 constexpr std::string_view kWithoutValue = "k";
-constexpr std::string_view kThreads = "--threads";
+constexpr const char* kThreads = "--threads";
+constexpr const char* kMemory = "--memory";
+constexpr const char* kShard = "--shard";
+constexpr const char* kMerge = "--merge";
 
 constexpr const char* kHelp =
     R"(mosaicon-tiler cuts an orthophoto into a pyramid of tiles for web maps and
@@ -39,6 +42,13 @@ that the map is to be in.
   -p mercator    the profile; there is no other
   --threads=N    how many tiles are made at a time; as many as there are
                  processors by default
+  --memory=MB    about how many megabytes to take; 460 by default, and 24 for
+                 each thread
+  --shard=I/N    makes share I of N alone, counted from 0: N runs with the same
+                 image, options and folder, on as many computers as one likes,
+                 make the tiles together
+  --merge        makes the rest of the map when all shares are there, with the
+                 same image, options and folder
   --version      what this program is
   --help         this
 
@@ -85,6 +95,27 @@ int ThreadCount(const std::string& text) {
                      std::to_string(kMostThreads));
   }
   return static_cast<int>(*count);
+}
+
+int Megabytes(const std::string& text) {
+  const auto count = NumberUpTo(unsigned{kMostMemory}, text);
+  if (!count || *count < unsigned{kLeastMemory}) {
+    throw TilerError("the memory " + Quoted(text) + " is not a number of megabytes from " +
+                     std::to_string(kLeastMemory) + " to " + std::to_string(kMostMemory));
+  }
+  return static_cast<int>(*count);
+}
+
+Share ShareOf(const std::string& text) {
+  const std::size_t sign = text.find('/');
+  const auto index = NumberUpTo(unsigned{kMostShares}, text.substr(0, sign));
+  const auto count =
+      sign == std::string::npos ? std::nullopt : NumberUpTo(unsigned{kMostShares}, text.substr(sign + 1));
+  if (!index || !count || *index >= *count) {
+    throw TilerError("the share " + Quoted(text) + " is not I/N, with N from 1 to " +
+                     std::to_string(kMostShares) + " and I from 0 to N - 1");
+  }
+  return {static_cast<int>(*index), static_cast<int>(*count)};
 }
 
 // Options by their name, short ones by their letter; of one that is given twice, the last. A value may begin
@@ -140,7 +171,13 @@ class Options {
   Argument TakeLong(Argument argument, Argument end) {
     const std::size_t sign = argument->find('=');
     const std::string name = argument->substr(0, sign);
-    if (name != kThreads) NotUnderstood("option " + name + " not recognized");
+    if (name == kMerge) {
+      if (sign != std::string::npos) NotUnderstood("option " + name + " must not have an argument");
+      m_values[name] = "";
+      return argument;
+    }
+    if (name != kThreads && name != kMemory && name != kShard)
+      NotUnderstood("option " + name + " not recognized");
     if (sign == std::string::npos && ++argument == end)
       NotUnderstood("option " + name + " requires argument");
     m_values[name] = sign == std::string::npos ? *argument : argument->substr(sign + 1);
@@ -186,7 +223,13 @@ Request ParseRequest(const std::vector<std::string>& arguments) {
   request.kml = options.Has("k");
   request.url = options.Value("u");
   request.key = options.Value("g");
-  if (options.Has(std::string(kThreads))) request.threads = ThreadCount(options.Value(std::string(kThreads)));
+  if (options.Has(kThreads)) request.threads = ThreadCount(options.Value(kThreads));
+  if (options.Has(kMemory)) request.memory = Megabytes(options.Value(kMemory));
+  if (options.Has(kShard)) request.share = ShareOf(options.Value(kShard));
+  request.merge = options.Has(kMerge);
+  if (request.share && request.merge) {
+    throw TilerError("a run makes either a share or what is left when all shares are there");
+  }
   return request;
 }
 

@@ -11,9 +11,18 @@
 namespace tiler {
 
 inline constexpr int kMostThreads = 256;
+inline constexpr int kLeastMemory = 128;  // megabytes
+inline constexpr int kMostMemory = 1000000;
+inline constexpr int kMostShares = 10000;
 
 // Red, green, blue.
 using Colour = std::array<std::uint8_t, 3>;
+
+// One of several runs that make a map together.
+struct Share {
+  int index = 0;  // from 0 to count - 1
+  int count = 1;
+};
 
 // All texts in UTF-8.
 struct Request {
@@ -26,11 +35,16 @@ struct Request {
   std::string url;  // the folder that doc.kml finds its own folder in; empty: none
   std::string key;  // Google Maps key; empty: none
   int threads = 0;  // 0: as many as there are processors
+  int memory = 0;   // megabytes; 0: as the engine thinks best
+  // Makes a share of the tiles alone; without it the whole map is made.
+  std::optional<Share> share;
+  bool merge = false;  // makes what is left when all shares are there; not together with share
 };
 
 // What follows the program's name:
 //
-//     [-a COLOUR] [-s SRS] [-p mercator] [-t TITLE] [-k] [-u URL] [-g KEY] [--threads=N] INPUT OUTPUT
+//     [-a COLOUR] [-s SRS] [-p mercator] [-t TITLE] [-k] [-u URL] [-g KEY] [--threads=N]
+//         [--memory=MB] [--shard=I/N | --merge] INPUT OUTPUT
 //
 // Information() says what they mean. A value may begin with a dash. Throws TilerError when it is not that.
 Request ParseRequest(const std::vector<std::string>& arguments);

@@ -101,6 +101,39 @@ TEST(Request, TakesANumberOfThreads) {
   }
 }
 
+TEST(Request, TakesAnAmountOfMemory) {
+  EXPECT_EQ(ParseRequest({"i", "o"}).memory, 0);
+  EXPECT_EQ(ParseRequest({"--memory=128", "i", "o"}).memory, 128);
+  EXPECT_EQ(ParseRequest({"--memory", "1000000", "i", "o"}).memory, 1000000);
+  for (const std::string text : {"127", "1000001", "1G", ""}) {
+    EXPECT_EQ(Refusal({"--memory=" + text, "i", "o"}),
+              "the memory '" + text + "' is not a number of megabytes from 128 to 1000000");
+  }
+}
+
+TEST(Request, TakesAShareOfTheTiles) {
+  EXPECT_FALSE(ParseRequest({"i", "o"}).share);
+  const Request request = ParseRequest({"--shard=2/7", "i", "o"});
+  EXPECT_EQ(request.share->index, 2);
+  EXPECT_EQ(request.share->count, 7);
+  EXPECT_EQ(ParseRequest({"--shard", "0/1", "i", "o"}).share->count, 1);
+  EXPECT_EQ(ParseRequest({"--shard=9999/10000", "i", "o"}).share->index, 9999);
+  for (const std::string text :
+       {"7/7", "0/0", "1/10001", "-1/7", "1", "1/", "/7", "", "a/b", "1/7/9", "1 /7"}) {
+    EXPECT_EQ(Refusal({"--shard=" + text, "i", "o"}),
+              "the share '" + text + "' is not I/N, with N from 1 to 10000 and I from 0 to N - 1");
+  }
+}
+
+TEST(Request, MergesOrMakesAShare) {
+  EXPECT_FALSE(ParseRequest({"i", "o"}).merge);
+  EXPECT_TRUE(ParseRequest({"--merge", "i", "o"}).merge);
+  EXPECT_EQ(Refusal({"--merge=2", "i", "o"}),
+            "the command line was not understood: option --merge must not have an argument");
+  EXPECT_EQ(Refusal({"--merge", "--shard=0/2", "i", "o"}),
+            "a run makes either a share or what is left when all shares are there");
+}
+
 TEST(Arguments, AreShownWithoutTheKey) {
   const struct {
     Words arguments;
@@ -120,7 +153,8 @@ TEST(Information, IsGivenOnRequestAlone) {
   EXPECT_EQ(Information({"--version"})->rfind("mosaicon-tiler ", 0), 0U);
   EXPECT_NE(Information({"--version"})->find_first_of("0123456789"), std::string::npos);
   const std::string help = *Information({"--help"});
-  for (const char* option : {"-s", "-a", "-t", "-k", "-u", "-g", "-p", "--threads", "--version", "--help"}) {
+  for (const char* option : {"-s", "-a", "-t", "-k", "-u", "-g", "-p", "--threads", "--memory", "--shard",
+                             "--merge", "--version", "--help"}) {
     EXPECT_NE(help.find(std::string("\n  ") + option), std::string::npos) << option;
   }
   EXPECT_EQ(Information({}), std::nullopt);

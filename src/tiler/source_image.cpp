@@ -133,6 +133,14 @@ std::string StateOf(GDALDataset& dataset) {
   return state;
 }
 
+// Its pixels are bytes.
+SourceLayout LayoutOf(GDALDataset& dataset) {
+  SourceLayout layout = {dataset.GetRasterXSize(),
+                         std::int64_t{dataset.GetRasterXSize()} * dataset.GetRasterCount(), 0, 0};
+  dataset.GetRasterBand(1)->GetBlockSize(&layout.blockWidth, &layout.blockHeight);
+  return layout;
+}
+
 // Makes a virtual raster of these bands and leaves it in GDAL's memory; its name there.
 std::string MakeVirtual(GDALDataset& dataset, const std::vector<int>& bands, const std::string& metadata,
                         GdalErrors& errors) {
@@ -165,6 +173,7 @@ SourceImage::SourceImage(const Request& request, RunLog& log) : m_name(request.i
   CheckReadable(request.input, *dataset, errors);
   CheckExtent(*dataset, srs);
   m_state = StateOf(*dataset);
+  m_layout = LayoutOf(*dataset);
   errors.Forget();
 
   const ShownBands shown = ShownBandsOf(*dataset);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tiler/memory_plan.h"
 #include "tiler/request.h"
 
 namespace tiler {
@@ -35,6 +36,8 @@ class SourceImage {
   const std::string& Srs() const { return m_srs; }
   // Its files, how large they are and when they were written. The same for an image that nobody has touched.
   const std::string& State() const { return m_state; }
+  // How it lies in its file.
+  const SourceLayout& Layout() const { return m_layout; }
   // The transparent colour, a value for each colour band; empty: none is to be applied.
   const std::vector<int>& Transparent() const { return m_transparent; }
 
@@ -42,6 +45,7 @@ class SourceImage {
   std::string m_name;
   std::string m_srs;
   std::string m_state;
+  SourceLayout m_layout;
   std::vector<int> m_transparent;
   std::string m_virtual;  // in GDAL's memory; empty: none
 };

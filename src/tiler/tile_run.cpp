@@ -4,15 +4,22 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <thread>
+#include <vector>
 
 #include "tiler/kml_text.h"
 #include "tiler/map_pages.h"
 #include "tiler/map_view.h"
+#include "tiler/memory_plan.h"
 #include "tiler/output_folder.h"
+#include "tiler/path_text.h"
 #include "tiler/progress_records.h"
 #include "tiler/pyramid_cutter.h"
+#include "tiler/share_journals.h"
 #include "tiler/source_image.h"
+#include "tiler/tile_plan.h"
+#include "tiler/tiler_error.h"
 #include "tiler/unit_journal.h"
 
 namespace tiler {
@@ -69,26 +76,74 @@ int ThreadsFor(const Request& request) {
   return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
 }
 
+// Rows of the image that a tile of the finest level covers.
+double RowsOfTile(const Pyramid& pyramid, const MapImage& image) {
+  return kTileSize * Resolution(pyramid.Finest()) / image.pixelWidth;
+}
+
+// GDAL keeps so many bytes of decoded blocks, for all threads.
+void LimitMemory(const Request& request, const SourceImage& source, const MapView& view, double rowsOfTile,
+                 int threads) {
+  const std::int64_t memory = request.memory > 0 ? request.memory * kMebibyte : UsualMemory(threads);
+  const int copies = view.direct && view.direct->shared ? 1 : threads;
+  GDALSetCacheMax64(CacheFor(source.Layout(), rowsOfTile, copies, threads, memory));
+}
+
+// What ended runs left. A share leaves alone what others may be writing at this moment.
+void RemovePartialFiles(const OutputFolder& output, const Request& request, const TilePlan& plan) {
+  if (request.share) {
+    output.RemovePartialTiles([&plan](const TileId& tile) { return plan.Makes(tile); });
+  } else {
+    output.RemovePartialFiles();
+  }
+}
+
+void FinishMap(const Request& request, const Pyramid& pyramid, const OutputFolder& output,
+               UnitJournal& journal) {
+  WritePages(request, pyramid, output);
+  journal.Close();
+  RemoveJournals(output.Path());
+}
+
+void FinishShare(UnitJournal& journal, const std::filesystem::path& path) {
+  if (!journal.Complete()) throw TilerError("could not write " + Utf8Of(path));
+}
+
 }  // namespace
 
 void RunTiler(const Request& request, RunLog& log, ProgressRecords& records, const std::atomic<bool>& stop) {
   const OutputFolder output(request.output);
-  output.RemovePartialFiles();
-  output.RemoveOldDocument();
+  if (!request.share && !request.merge) output.RemovePartialFiles();
+  if (!request.merge) output.RemoveOldDocument();
   const SourceImage source(request, log);
   records.Start();
   const MapView view = MakeMapView(source, log);
   const Pyramid pyramid(view.image);
+  const double rowsOfTile = RowsOfTile(pyramid, view.image);
+  const TilePlan plan(pyramid, UnitLevelsFor(source.Layout(), rowsOfTile), request.share);
+  const int threads = ThreadsFor(request);
+  LimitMemory(request, source, view, rowsOfTile, threads);
+  const std::string identity = IdentityOf(request, source, view);
+  std::vector<std::filesystem::path> shares;
+  if (request.merge) {
+    shares = CompleteShares(output.Path(), identity);
+    output.RemoveOldDocument();
+  }
+  RemovePartialFiles(output, request, plan);
   output.Create();
-  UnitJournal journal(output.PathOf(".mosaicon-tiles"), IdentityOf(request, source, view));
+  const std::filesystem::path path = JournalOf(output.Path(), request.share);
+  UnitJournal journal(path, identity);
+  for (const std::filesystem::path& share : shares) journal.TakeOver(share, identity);
   try {
-    PyramidCutter(view, pyramid, output, request.kml, journal, log)
-        .Cut(ThreadsFor(request), stop,
-             [&](std::int64_t done, std::int64_t total) { records.Report(done, total); });
-    WritePages(request, pyramid, output);
-    journal.Remove();
+    PyramidCutter(view, pyramid, plan, output, request.kml, journal, log)
+        .Cut(threads, stop, [&](std::int64_t done, std::int64_t total) { records.Report(done, total); });
+    if (request.share) {
+      FinishShare(journal, path);
+    } else {
+      FinishMap(request, pyramid, output, journal);
+    }
   } catch (...) {
-    output.RemovePartialFiles();
+    RemovePartialFiles(output, request, plan);
     throw;
   }
   records.Finish();

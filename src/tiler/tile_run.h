@@ -12,7 +12,8 @@ class ProgressRecords;
 class RunLog;
 
 // Makes the pyramid of an image and the pages that show it, which come last: a run that fails or is killed
-// before leaves no document whose links lead nowhere. Throws TilerError, Stopped among them soon after stop
+// before leaves no document whose links lead nowhere. Or a share of the pyramid, without pages; or, when all
+// shares are there, what is left. Throws TilerError, Stopped among them soon after stop
 // becomes true, or std::bad_alloc; no partial file is left then.
 void RunTiler(const Request& request, RunLog& log, ProgressRecords& records, const std::atomic<bool>& stop);
 

@@ -1,50 +1,30 @@
 #include "tiler/unit_journal.h"
 
 #include <iterator>
-#include <sstream>
-#include <system_error>
 
 namespace tiler {
 
 namespace {
 
-constexpr const char* kFirstWords = "mosaicon-tiles 1 ";
-
-// Whole lines alone.
-std::string LinesOf(const std::filesystem::path& path) {
+JournalEntries Read(const std::filesystem::path& path, const std::string& run) {
   std::ifstream file(path, std::ios::binary);
-  std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-  text.resize(text.rfind('\n') + 1);
-  return text;
-}
-
-std::string LineOf(const TileId& unit, std::uint32_t checksum) {
-  return std::to_string(unit.level) + " " + std::to_string(unit.column) + " " + std::to_string(unit.row) +
-         " " + std::to_string(checksum) + "\n";
+  if (!file) return {};
+  const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  return ParseJournal(text, run);
 }
 
 }  // namespace
 
-UnitJournal::UnitJournal(const std::filesystem::path& path, const std::string& run) : m_path(path) {
-  const std::string first = kFirstWords + run;
-  std::istringstream before(LinesOf(path));
-  std::string line;
-  if (std::getline(before, line) && line == first) {
-    while (std::getline(before, line)) {
-      std::istringstream words(line);
-      TileId unit;
-      std::uint32_t checksum = 0;
-      // Only what is written in the same way again was read well.
-      if (words >> unit.level >> unit.column >> unit.row >> checksum &&
-          LineOf(unit, checksum) == line + "\n") {
-        m_finished[unit] = checksum;
-      }
-    }
-  }
+UnitJournal::UnitJournal(const std::filesystem::path& path, const std::string& run)
+    : m_finished(Read(path, run).finished) {
   m_file.open(path, std::ios::binary | std::ios::trunc);
-  m_file << first << "\n";
-  for (const auto& [unit, checksum] : m_finished) m_file << LineOf(unit, checksum);
+  m_file << FirstJournalLine(run);
+  for (const auto& [unit, checksum] : m_finished) m_file << JournalLine(unit, checksum);
   m_file.flush();
+}
+
+void UnitJournal::TakeOver(const std::filesystem::path& other, const std::string& run) {
+  m_finished.merge(Read(other, run).finished);
 }
 
 std::optional<std::uint32_t> UnitJournal::ChecksumOf(const TileId& unit) const {
@@ -55,15 +35,23 @@ std::optional<std::uint32_t> UnitJournal::ChecksumOf(const TileId& unit) const {
 
 void UnitJournal::Add(const TileId& unit, std::uint32_t checksum) {
   const std::lock_guard lock(m_mutex);
-  m_file << LineOf(unit, checksum) << std::flush;
+  m_file << JournalLine(unit, checksum) << std::flush;
   m_file.clear();
 }
 
-void UnitJournal::Remove() {
+bool UnitJournal::Complete() {
+  const std::lock_guard lock(m_mutex);
+  m_file << kLastJournalLine << std::flush;
+  return m_file.good();
+}
+
+void UnitJournal::Close() {
   const std::lock_guard lock(m_mutex);
   m_file.close();
-  std::error_code ignored;
-  std::filesystem::remove(m_path, ignored);
+}
+
+JournalState StateOfJournal(const std::filesystem::path& path, const std::string& run) {
+  return Read(path, run).state;
 }
 
 }  // namespace tiler

@@ -1,4 +1,4 @@
-// What of a run is finished, for a run that takes up one that was ended before.
+// What of a run is finished, for a run that takes up one that was ended before, or what others have made.
 #ifndef MOSAICON_TILER_UNIT_JOURNAL_H_
 #define MOSAICON_TILER_UNIT_JOURNAL_H_
 
@@ -10,32 +10,37 @@
 #include <optional>
 #include <string>
 
-#include "tiler/mercator.h"
+#include "tiler/journal_text.h"
 
 namespace tiler {
 
-// A text file in the output folder: a first line that says which run it belongs to, and one for each unit of
-// tiles whose files were all written and closed. A line without its end does not count, nor does a file that
-// belongs to another run. What cannot be written is lost without a word: the tiles are made again then. Any
-// thread.
+// A text file in the output folder: a line for each unit of tiles and each tile above them whose files were
+// all written and closed, and a last one when all are that the journal is kept of. What cannot be written is
+// lost without a word: the tiles are made again then. Any thread.
 class UnitJournal {
  public:
-  // Takes up what is there when it belongs to this run, else begins anew. run: a text without line breaks,
-  // the same for all runs that make the same of the same, and another for any other.
+  // Takes up what is there when it belongs to this run, else begins anew. run: see journal_text.h.
   UnitJournal(const std::filesystem::path& path, const std::string& run);
 
-  // Of all files of a unit that was finished before; nullopt when it was not.
+  // Takes over what another journal of the same run has. Before anything is added.
+  void TakeOver(const std::filesystem::path& other, const std::string& run);
+
+  // Of all files of a unit that was finished before, or of a tile above the units; nullopt when it was not.
   std::optional<std::uint32_t> ChecksumOf(const TileId& unit) const;
   void Add(const TileId& unit, std::uint32_t checksum);
-  // When the run is complete.
-  void Remove();
+  // All is finished. False when that could not be written.
+  bool Complete();
+  // Lets go of the file, which may be removed then.
+  void Close();
 
  private:
-  std::filesystem::path m_path;
   std::map<TileId, std::uint32_t> m_finished;  // before this run
   std::mutex m_mutex;
   std::ofstream m_file;
 };
+
+// Without taking it up.
+JournalState StateOfJournal(const std::filesystem::path& path, const std::string& run);
 
 }  // namespace tiler
 

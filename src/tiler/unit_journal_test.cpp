@@ -50,17 +50,51 @@ TEST_F(Journal, TakesUpWholeLinesOnly) {
   EXPECT_EQ(UnitJournal(m_path, "run a").ChecksumOf({7, 7, 7}), std::nullopt);
 }
 
-TEST_F(Journal, IsGoneInTheEnd) {
+TEST_F(Journal, TakesOverWhatOthersHaveFinished) {
+  WriteFile(m_path, "mosaicon-tiles 1 run a\n3 4 5 6\n3 4 6 7\n");
+  const std::string other = m_folder.Path("other");
+  WriteFile(other, "mosaicon-tiles 1 run a\n3 4 6 8\n3 4 7 9\n");
   UnitJournal journal(m_path, "run a");
-  journal.Add({3, 4, 5}, 6);
-  journal.Remove();
-  EXPECT_FALSE(FileExists(m_path));
+  journal.TakeOver(other, "run a");
+  journal.TakeOver(m_folder.Path("none"), "run a");
+  EXPECT_EQ(journal.ChecksumOf({3, 4, 5}), 6U);
+  EXPECT_EQ(journal.ChecksumOf({3, 4, 6}), 7U) << "its own";
+  EXPECT_EQ(journal.ChecksumOf({3, 4, 7}), 9U);
+  UnitJournal stranger(m_folder.Path("stranger"), "run b");
+  stranger.TakeOver(other, "run b");
+  EXPECT_EQ(stranger.ChecksumOf({3, 4, 7}), std::nullopt);
+}
+
+TEST_F(Journal, TellsItsState) {
+  const auto state = [this] { return StateOfJournal(m_path, "run a"); };
+  EXPECT_EQ(state(), JournalState::kNone);
+  WriteFile(m_path, "");
+  EXPECT_EQ(state(), JournalState::kOfAnotherRun);
+  {
+    UnitJournal journal(m_path, "run a");
+    EXPECT_EQ(state(), JournalState::kUnfinished);
+    journal.Add({3, 4, 5}, 6);
+    EXPECT_EQ(state(), JournalState::kUnfinished);
+    EXPECT_TRUE(journal.Complete());
+    EXPECT_EQ(state(), JournalState::kComplete);
+    EXPECT_EQ(StateOfJournal(m_path, "run b"), JournalState::kOfAnotherRun);
+  }
+  const UnitJournal again(m_path, "run a");
+  EXPECT_EQ(state(), JournalState::kUnfinished) << "its files have to be looked at again";
+  WriteFile(m_path, "mosaicon-tiles 1 run a\ncomplete");
+  EXPECT_EQ(state(), JournalState::kUnfinished) << "a line without its end";
+}
+
+TEST_F(Journal, MayBeRemovedOnceItIsClosed) {
+  UnitJournal journal(m_path, "run a");
+  journal.Close();
+  EXPECT_TRUE(std::filesystem::remove(m_path));
 }
 
 TEST_F(Journal, StopsNothingWhereItCannotBeWritten) {
   UnitJournal journal(m_folder.Path("none/journal"), "run a");
   journal.Add({3, 4, 5}, 6);
-  journal.Remove();
+  EXPECT_FALSE(journal.Complete());
 }
 
 }  // namespace
