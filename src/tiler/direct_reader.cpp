@@ -59,6 +59,7 @@ class DirectReader : public WindowReader {
  public:
   DirectReader(const MapView& view, RunLog& log)
       : m_colours(view.colours),
+        m_hasAlpha(view.direct->hasAlpha),
         m_errors(log),
         m_source(SourceOf(view, m_errors)),
         m_index([this](std::vector<double>& xs, std::vector<double>& ys) { Transform(xs, ys); },
@@ -122,13 +123,16 @@ class DirectReader : public WindowReader {
 
   CPLErr ReadSource(const PixelWindow& box) {
     const std::lock_guard lock(m_source->mutex);
+    const int bands = m_colours + (m_hasAlpha ? 1 : 0);
+    constexpr GSpacing kFromRedToAlpha = 3;
     return m_source->dataset->RasterIO(GF_Read, static_cast<int>(box.x), static_cast<int>(box.y), box.width,
-                                       box.height, &m_box.front().red, box.width, box.height, GDT_Byte,
-                                       m_colours, nullptr, kPixelBytes, GSpacing{kPixelBytes} * box.width, 1,
-                                       nullptr);
+                                       box.height, &m_box.front().red, box.width, box.height, GDT_Byte, bands,
+                                       nullptr, kPixelBytes, GSpacing{kPixelBytes} * box.width,
+                                       bands == 2 ? kFromRedToAlpha : 1, nullptr);
   }
 
   int m_colours;
+  bool m_hasAlpha;
   GdalErrors m_errors;
   std::shared_ptr<SharedImage> m_source;
   Transformer m_transformer;

@@ -129,15 +129,21 @@ GDALDatasetUniquePtr AsItIs(GDALDataset& dataset, GdalErrors& errors) {
   return copy;
 }
 
-// Whether its pixels are shown as they are, where they lie by position and size alone.
+// By their number: colours, and transparency as the last one.
+bool HasAlphaBand(GDALDataset& dataset) {
+  return dataset.GetRasterCount() % 2 == 0;
+}
+
+// Whether its pixels are shown as they are, where they lie by position and size alone. Its bands are one or
+// three colours, with or without transparency behind them, which nothing else decides on.
 bool IsSimple(GDALDataset& dataset) {
   std::array<double, 6> transform = {};
-  const int bands = dataset.GetRasterCount();
   if (dataset.GetGeoTransform(transform.data()) != CE_None || dataset.GetGCPCount() != 0) return false;
-  if (bands != 1 && bands != 3) return false;
+  const int masks = HasAlphaBand(dataset) ? GMF_ALPHA | GMF_PER_DATASET : GMF_ALL_VALID;
   for (GDALRasterBand* band : dataset.GetBands()) {
-    if (band->GetColorInterpretation() == GCI_AlphaBand || band->GetMaskFlags() != GMF_ALL_VALID)
-      return false;
+    const bool isAlpha = HasAlphaBand(dataset) && band->GetBand() == dataset.GetRasterCount();
+    if ((band->GetColorInterpretation() == GCI_AlphaBand) != isAlpha) return false;
+    if (band->GetMaskFlags() != (isAlpha ? GMF_ALL_VALID : masks)) return false;
   }
   return true;
 }
@@ -183,7 +189,7 @@ MapView MakeMapView(const SourceImage& source, RunLog& log) {
                  : Reprojected(*dataset, srs, beyondTheMap, source.Transparent(), errors);
   MapView made = {XmlOf(*view), ImageOf(*view), ColoursOf(*view), std::nullopt};
   if (!isInMapSrs && IsSimple(*dataset) && !beyondTheMap) {
-    made.direct = {source.Name(), WktOf(srs), source.Transparent(), nullptr};
+    made.direct = {source.Name(), WktOf(srs), source.Transparent(), HasAlphaBand(*dataset), nullptr};
     if (source.Layout().IsStriped()) made.direct->shared = Shared(source.Name(), errors);
   }
   errors.Check(kNotRead);

@@ -21,6 +21,7 @@ struct DirectWarp {
   std::string source;            // the image, as GDAL opens it
   std::string srs;               // its coordinate system, well-known text
   std::vector<int> transparent;  // a colour that shows nothing; empty: there is none
+  bool hasAlpha = false;         // its last band is transparency; there is no transparent colour then
   // All threads read from this one when there is one: its strips are decoded once then, and kept once.
   std::shared_ptr<SharedImage> shared;
 };
