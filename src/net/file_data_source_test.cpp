@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <vector>
 
+#include "net/testing/file_source_fixture.h"
 #include "support/temporary_folder.h"
 #ifndef _WIN32
 #include "support/file_size_limit.h"
@@ -17,40 +17,7 @@
 
 namespace {
 
-// What ReadLine puts into a buffer of exactly size bytes, so that the sanitizers see one too much.
-std::string Line(CUT_DataSource& source, size_t size = 8192) {
-  std::vector<char> buffer(size, '#');
-  const int count = source.ReadLine(buffer.data(), size);
-  if (count < 0) return "failed";
-  EXPECT_EQ(buffer.at(static_cast<size_t>(count)), '\0');
-  return std::string(buffer.data(), static_cast<size_t>(count));
-}
-
-std::string Bytes(CUT_DataSource& source, size_t count) {
-  std::string text(count, '\0');
-  const int read = source.Read(text.data(), count);
-  return read < 0 ? "failed" : text.substr(0, static_cast<size_t>(read));
-}
-
-class FileDataSource : public testing::Test {
- protected:
-  std::string Make(const std::string& bytes) {
-    WriteFile(m_strPath, bytes);
-    return m_strPath;
-  }
-
-  // The test's source over a file of these bytes, opened for reading. The one before is closed.
-  CUT_FileDataSource& Holding(const std::string& bytes, int bufferSize = kLineBufferSize) {
-    m_pSource.reset();
-    m_pSource = std::make_unique<CUT_FileDataSource>(Make(bytes).c_str(), bufferSize);
-    EXPECT_EQ(m_pSource->Open(kSourceRead), 0);
-    return *m_pSource;
-  }
-
-  TemporaryFolder m_folder;
-  std::string m_strPath = m_folder.Path("a");
-  std::unique_ptr<CUT_FileDataSource> m_pSource;
-};
+class FileDataSource : public FileSourceFixture {};
 
 TEST_F(FileDataSource, OpensForReadingWhatIsThere) {
   CUT_FileDataSource source(m_strPath.c_str(), kLineBufferSize);
@@ -171,7 +138,7 @@ TEST_F(FileDataSource, WritesALineEndUnlessThereIsOne) {
   EXPECT_EQ(source.WriteLine(""), 0);
   EXPECT_EQ(source.WriteLine("a\nb"), 3);
   EXPECT_EQ(source.WriteLine("\n"), 1);
-  const char* const justAfterALineEnd = "\n" + 1;
+  const char* const justAfterALineEnd = &"\n"[1];
   EXPECT_EQ(source.WriteLine(justAfterALineEnd), 0);
   source.Close();
   EXPECT_EQ(ReadFile(m_strPath), "abc\r\nabc\nabc\rabc\r\n\r\na\nb\r\n\n\r\n");
@@ -186,126 +153,6 @@ TEST_F(FileDataSource, TellsHowMuchOfALineAFullDiskHeld) {
   EXPECT_EQ(ReadFile(m_strPath), "abc");
 }
 #endif
-
-TEST_F(FileDataSource, ReadsLinesWithTheirEnds) {
-  CUT_FileDataSource& source = Holding("first\r\n\r\nthird line\r\nno\nend\rhere\r\nlast");
-  EXPECT_EQ(Line(source), "first\r\n");
-  EXPECT_EQ(Line(source), "\r\n");
-  EXPECT_EQ(Line(source), "third line\r\n");
-  EXPECT_EQ(Line(source), "no\nend\rhere\r\n");
-  EXPECT_EQ(Line(source), "last");
-  EXPECT_EQ(Line(source), "");
-  EXPECT_EQ(Line(source), "");
-}
-
-TEST_F(FileDataSource, ReadsEmptyAndTinyFiles) {
-  EXPECT_EQ(Line(Holding("")), "");
-  EXPECT_EQ(Bytes(Holding(""), 10), "");
-  EXPECT_EQ(Line(Holding("x")), "x");
-  EXPECT_EQ(Line(Holding("\n")), "\n");
-  EXPECT_EQ(Line(Holding("\r\n")), "\r\n");
-}
-
-TEST_F(FileDataSource, KeepsZeroBytesInLines) {
-  CUT_FileDataSource& source = Holding(std::string("a\0b\r\nc\0", 7));
-  EXPECT_EQ(Line(source), std::string("a\0b\r\n", 5));
-  EXPECT_EQ(Line(source), std::string("c\0", 2));
-}
-
-TEST_F(FileDataSource, GivesALineInPiecesToASmallBuffer) {
-  CUT_FileDataSource& source = Holding("abcdefgh\r\nxy\r\n");
-  EXPECT_EQ(Line(source, 5), "abcd");
-  EXPECT_EQ(Line(source, 5), "efgh");
-  EXPECT_EQ(Line(source, 5), "\r\n");
-  EXPECT_EQ(Line(source, 5), "xy\r\n");
-}
-
-TEST_F(FileDataSource, GivesALineWholeFromTheSizeThatHoldsIt) {
-  EXPECT_EQ(Line(Holding("abcdef\r\nnext"), 10), "abcdef\r\n");
-  EXPECT_EQ(Line(Holding("abcdef\r\nnext"), 9), "abcdef\r\n");
-  EXPECT_EQ(Line(Holding("abcdef\r\nnext"), 8), "abcdef\r");
-  EXPECT_EQ(Line(Holding("abcdef\r\nnext"), 7), "abcdef");
-  EXPECT_EQ(Line(Holding("abcdef\r\nnext"), 2), "a");
-  EXPECT_EQ(Line(Holding("abcdef\r\nnext"), 1), "");
-}
-
-TEST_F(FileDataSource, GivesALineWholeWhenItFitsTheLineBuffer) {
-  for (const size_t length : {4091U, 4092U, 4093U}) {
-    const std::string line = std::string(length, 'x') + "\r\n";
-    CUT_FileDataSource& source = Holding(line + "next\r\n");
-    EXPECT_EQ(Line(source), line) << length;
-    EXPECT_EQ(Line(source), "next\r\n");
-    // And into a buffer of the same size.
-    EXPECT_EQ(Line(Holding(line + "next\r\n"), 4096), line) << length;
-  }
-}
-
-TEST_F(FileDataSource, CutsALineThatExceedsTheLineBuffer) {
-  const std::string x4095(4095, 'x');
-  CUT_FileDataSource& source = Holding(x4095 + "\r\nnext\r\n");
-  EXPECT_EQ(Line(source), x4095);
-  EXPECT_EQ(Line(source), "\r\n");
-  EXPECT_EQ(Line(source), "next\r\n");
-  CUT_FileDataSource& longer = Holding(x4095 + "x\r\nnext\r\n");
-  EXPECT_EQ(Line(longer), x4095);
-  EXPECT_EQ(Line(longer), "x\r\n");
-  EXPECT_EQ(Line(longer), "next\r\n");
-}
-
-TEST_F(FileDataSource, ReadsOnWhereTheLineBufferEndsWithinALineEnd) {
-  CUT_FileDataSource& source = Holding(std::string(4094, 'x') + "\r\nnext\r\n");
-  EXPECT_EQ(Line(source), std::string(4094, 'x') + "\r");
-  EXPECT_EQ(Line(source), "\nnext\r\n");
-  EXPECT_EQ(Line(source), "");
-}
-
-// Whatever is read in which pieces: nothing is lost, nothing comes twice.
-TEST_F(FileDataSource, GivesEveryByteOnceWhateverTheSizes) {
-  std::string text;
-  for (const size_t length : {0U, 1U, 2U, 3U, 15U, 16U, 17U, 300U, 4094U, 5000U}) {
-    text += std::string(length, static_cast<char>('a' + length % 26)) + "\r\n";
-  }
-  text += "\r\r\n\n\rlast";
-  for (const int bufferSize : {2, 3, 4, 16, 17, 261, 4095, 4096, 4097, 100000}) {
-    for (const size_t size : {2U, 3U, 4U, 5U, 16U, 261U, 4096U, 8192U}) {
-      CUT_FileDataSource& source = Holding(text, bufferSize);
-      std::string together;
-      for (std::string line = Line(source, size); !line.empty(); line = Line(source, size)) together += line;
-      EXPECT_EQ(together, text) << bufferSize << " " << size;
-    }
-  }
-}
-
-TEST_F(FileDataSource, ReadsNoLinesWithoutALineBuffer) {
-  for (const int bufferSize : {1, 0, -1, -2147483647}) {
-    CUT_FileDataSource& source = Holding("abc\r\n", bufferSize);
-    EXPECT_EQ(Line(source), "") << bufferSize;
-    EXPECT_EQ(Bytes(source, 10), "abc\r\n");
-  }
-}
-
-TEST_F(FileDataSource, LosesWhatWasBufferedWhenBytesAreRead) {
-  CUT_FileDataSource& source = Holding("first\r\nsecond\r\n");
-  EXPECT_EQ(Line(source), "first\r\n");
-  EXPECT_EQ(Bytes(source, 10), "");
-  EXPECT_EQ(Line(source), "");
-}
-
-TEST_F(FileDataSource, ForgetsWhatWasBufferedWhenOpenedAnew) {
-  CUT_FileDataSource& source = Holding("first\r\nsecond\r\n");
-  EXPECT_EQ(Line(source), "first\r\n");
-  EXPECT_EQ(source.Open(kSourceRead), 0);
-  EXPECT_EQ(Line(source), "first\r\n");
-  source.Close();
-  EXPECT_EQ(Line(source), "failed");
-}
-
-TEST_F(FileDataSource, KeepsWhatWasBufferedWhenAnOpeningIsRefused) {
-  CUT_FileDataSource& source = Holding("one\r\ntwo\r\n");
-  EXPECT_EQ(Line(source), "one\r\n");
-  for (const int mode : {3, -1}) EXPECT_EQ(source.Open(mode), -1);
-  EXPECT_EQ(Line(source), "two\r\n");
-}
 
 TEST_F(FileDataSource, SeeksFromWhatWasConsumed) {
   CUT_FileDataSource& source = Holding("first\r\nsecond\r\nthird\r\n");
