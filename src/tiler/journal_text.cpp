@@ -13,7 +13,7 @@ JournalEntries ParseJournal(const std::string& text, const std::string& run) {
   entries.state = JournalState::kUnfinished;
   while (std::getline(lines, line)) {
     line += "\n";
-    if (line == kLastJournalLine) entries.state = JournalState::kComplete;
+    entries.state = line == kLastJournalLine ? JournalState::kComplete : JournalState::kUnfinished;
     std::istringstream words(line);
     TileId unit;
     std::uint32_t checksum = 0;

@@ -23,9 +23,10 @@ struct JournalEntries {
 // is not as it would have been written.
 JournalEntries ParseJournal(const std::string& text, const std::string& run);
 
-// Lines with their ends.
+// Lines with their ends. A journal is complete when the line that says so is its last.
 std::string FirstJournalLine(const std::string& run);
 std::string JournalLine(const TileId& unit, std::uint32_t checksum);
+inline constexpr const char* kTakenUpJournalLine = "taken up\n";
 inline constexpr const char* kLastJournalLine = "complete\n";
 
 }  // namespace tiler

@@ -18,10 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Short, because of the path length that Windows allows. The name of a partial file depends on nothing but
-// the final name, so a later run into the same folder takes up what a killed one left.
-constexpr const char* kPartialSuffix = ".~mos";
-
 // That a name begins with: of a level's folder, a column's, or of a file of a tile.
 std::optional<int> NumberOf(const fs::path& entry) {
   const std::string name = Utf8Of(entry.filename());
@@ -41,9 +37,13 @@ std::vector<fs::path> EntriesOf(const fs::path& folder) {
   return entries;
 }
 
-void RemoveWhenPartial(const fs::path& file) {
+bool IsPartial(const fs::path& file) {
+  return file.extension() == kPartialSuffix;
+}
+
+void Remove(const fs::path& file) {
   std::error_code ignored;
-  if (file.extension() == kPartialSuffix) fs::remove(file, ignored);
+  fs::remove(file, ignored);
 }
 
 // With patience for virus scanners that hold a new file for a moment.
@@ -86,7 +86,9 @@ std::string OutputFolder::Name() const {
 }
 
 void OutputFolder::RemovePartialFiles() const {
-  for (const fs::path& entry : EntriesOf(m_path)) RemoveWhenPartial(entry);
+  for (const fs::path& entry : EntriesOf(m_path)) {
+    if (IsPartial(entry)) Remove(entry);
+  }
   RemovePartialTiles([](const TileId&) { return true; });
 }
 
@@ -96,8 +98,8 @@ void OutputFolder::RemovePartialTiles(const std::function<bool(const TileId& til
     for (const fs::path& column : EntriesOf(level)) {
       if (!NumberOf(column)) continue;
       for (const fs::path& file : EntriesOf(column)) {
-        const auto row = NumberOf(file);
-        if (row && which({*NumberOf(level), *NumberOf(column), *row})) RemoveWhenPartial(file);
+        const auto row = IsPartial(file) ? NumberOf(file) : std::nullopt;
+        if (row && which({*NumberOf(level), *NumberOf(column), *row})) Remove(file);
       }
     }
   }

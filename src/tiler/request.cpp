@@ -55,9 +55,9 @@ that the map is to be in.
 Standard output gets the progress, as "Progress 0.37 done". Everything else
 goes to a log: the file that MOSAICON_TILER_LOG names, else gdal2tiles.log in
 %LOCALAPPDATA%\Mosaicon\Logs or in ~/.local/state/mosaicon. Its last line is
-"RESULT OK", or "RESULT FAILED" and the reason; the exit code is 0, or 1. A run
-that was ended goes on where it was when it is started again with the same
-image and options.
+"RESULT OK", or "RESULT FAILED" and the reason; the exit code is 0, or 1, or 143
+when the run was asked to end. A run that was ended goes on where it was when it
+is started again with the same image and options.
 )";
 
 [[noreturn]] void NotUnderstood(const std::string& why) {

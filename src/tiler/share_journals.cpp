@@ -7,6 +7,7 @@
 #include "tiler/path_text.h"
 #include "tiler/tiler_error.h"
 #include "tiler/unit_journal.h"
+#include "tiler/write_file.h"
 
 namespace tiler {
 
@@ -35,7 +36,8 @@ std::vector<fs::path> JournalsIn(const fs::path& folder) {
   std::vector<fs::path> journals;
   std::error_code failed;
   for (fs::directory_iterator entry(folder, failed), end; !failed && entry != end; entry.increment(failed)) {
-    if (Utf8Of(entry->path().filename()).starts_with(kName)) journals.push_back(entry->path());
+    const std::string name = Utf8Of(entry->path().filename());
+    if (name == kName || (name.starts_with(kName) && ShareOfJournal(name))) journals.push_back(entry->path());
   }
   return journals;
 }
@@ -71,11 +73,16 @@ std::vector<fs::path> JournalsOfAll(const fs::path& folder, int count) {
 
 // What the shares of a map have left, by what is to be said of them.
 struct Lacking {
+  bool areOurs = false;  // one of them at least
   std::vector<Share> missing;
   std::vector<Share> unfinished;
   std::vector<Share> ofAnotherRun;
 
   std::size_t Count() const { return missing.size() + unfinished.size() + ofAnotherRun.size(); }
+  // Whether the user rather means these shares than others.
+  bool IsNearerThan(const Lacking& other) const {
+    return areOurs != other.areOurs ? areOurs : Count() < other.Count();
+  }
   std::string Sentences() const {
     std::string text;
     const auto add = [&text](const std::vector<Share>& shares, const char* what) {
@@ -94,6 +101,7 @@ Lacking LackingOf(const fs::path& folder, int count, const std::string& run) {
     const Share share = {index, count};
     const JournalState state = StateOfJournal(JournalOf(folder, share), run);
     if (state == JournalState::kNone) lacking.missing.push_back(share);
+    if (state == JournalState::kComplete || state == JournalState::kUnfinished) lacking.areOurs = true;
     if (state == JournalState::kUnfinished) lacking.unfinished.push_back(share);
     if (state == JournalState::kOfAnotherRun) lacking.ofAnotherRun.push_back(share);
   }
@@ -106,12 +114,21 @@ fs::path JournalOf(const fs::path& folder, const std::optional<Share>& share) {
   return folder / (share ? NameOfJournal(*share) : kName);
 }
 
+void CheckNobodyIsAtWork(const fs::path& folder, const std::optional<Share>& share) {
+  for (const fs::path& journal : JournalsIn(folder)) {
+    const bool concernsUs = !share || journal.filename() == NameOfJournal(*share);
+    if (concernsUs && LockedFile().Open(journal) == std::errc::device_or_resource_busy) {
+      throw TilerError("another run is at work in " + Utf8Of(folder));
+    }
+  }
+}
+
 std::vector<fs::path> CompleteShares(const fs::path& folder, const std::string& run) {
   std::optional<Lacking> nearest;
   for (const int count : CountsIn(folder)) {
     const Lacking lacking = LackingOf(folder, count, run);
     if (lacking.Count() == 0) return JournalsOfAll(folder, count);
-    if (!nearest || lacking.Count() < nearest->Count()) nearest = lacking;
+    if (!nearest || lacking.IsNearerThan(*nearest)) nearest = lacking;
   }
   if (!nearest) throw TilerError("there are no shares of a map in " + Utf8Of(folder));
   throw TilerError(nearest->Sentences());

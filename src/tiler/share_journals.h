@@ -14,6 +14,10 @@ namespace tiler {
 // In the output folder.
 std::filesystem::path JournalOf(const std::filesystem::path& folder, const std::optional<Share>& share);
 
+// Throws TilerError when another run writes what a run with this share would write; without a share, when any
+// run is at work in the folder.
+void CheckNobodyIsAtWork(const std::filesystem::path& folder, const std::optional<Share>& share);
+
 // Those of all shares of a map, each complete. run: as the journals have it. Throws TilerError, which says
 // what is missing.
 std::vector<std::filesystem::path> CompleteShares(const std::filesystem::path& folder,

@@ -4,6 +4,7 @@
 
 #include "support/temporary_folder.h"
 #include "tiler/tiler_error.h"
+#include "tiler/unit_journal.h"
 
 namespace tiler {
 namespace {
@@ -64,6 +65,12 @@ TEST_F(Shares, AreThoseOfWhichMostIsThere) {
   EXPECT_EQ(Refusal(), "the share 1/2 is missing");
 }
 
+TEST_F(Shares, AreRatherThoseOfThisRun) {
+  Put(".mosaicon-tiles-0-of-1", "mosaicon-tiles 1 run b\ncomplete\n");
+  Put(".mosaicon-tiles-1-of-3");
+  EXPECT_EQ(Refusal(), "the shares 0/3 and 2/3 are missing");
+}
+
 TEST_F(Shares, AreNotWhatLooksLikeThem) {
   for (const char* name : {".mosaicon-tiles-00-of-1", ".mosaicon-tiles-0-of-1x", ".mosaicon-tiles-0-of-0",
                            ".mosaicon-tiles-0-of-10001", ".mosaicon-tiles--1-of-1", "mosaicon-tiles-0-of-1"})
@@ -75,12 +82,24 @@ TEST_F(Shares, AreNotInAFolderThatIsNotThere) {
   EXPECT_THROW(CompleteShares(Folder() / "none", "run a"), TilerError);
 }
 
+TEST_F(Shares, DoNotDisturbOneAnother) {
+  const auto check = [this](const std::optional<Share>& share) { CheckNobodyIsAtWork(Folder(), share); };
+  Put(".mosaicon-tiles-0-of-2");
+  EXPECT_NO_THROW(check(std::nullopt));
+  const UnitJournal atWork(m_folder.Path(".mosaicon-tiles-1-of-2"), "run a");
+  EXPECT_NO_THROW(check(Share{0, 2}));
+  EXPECT_THROW(check((Share{1, 2})), TilerError);
+  EXPECT_THROW(check(std::nullopt), TilerError);
+}
+
 TEST_F(Shares, LeaveNoJournalBehind) {
-  for (const char* name : {".mosaicon-tiles-0-of-2", ".mosaicon-tiles", "doc.kml"}) Put(name);
+  for (const char* name : {".mosaicon-tiles-0-of-2", ".mosaicon-tiles", ".mosaicon-tiles-mine", "doc.kml"})
+    Put(name);
   RemoveJournals(Folder());
   EXPECT_FALSE(FileExists(m_folder.Path(".mosaicon-tiles-0-of-2")));
   EXPECT_FALSE(FileExists(m_folder.Path(".mosaicon-tiles")));
   EXPECT_TRUE(FileExists(m_folder.Path("doc.kml")));
+  EXPECT_TRUE(FileExists(m_folder.Path(".mosaicon-tiles-mine")));
 }
 
 }  // namespace

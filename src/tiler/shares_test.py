@@ -4,9 +4,11 @@ run. MOSAICON_TILER is the engine."""
 import os
 import pathlib
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent / "testing"))
@@ -100,8 +102,30 @@ class Shares(unittest.TestCase):
             )
             for index in range(3)
         ]
+        for run in runs:
+            self.addCleanup(run.kill)
         self.assertEqual([run.wait(cases.PATIENCE) for run in runs], [0, 0, 0])
         self.merge()
+        self.check_end()
+
+    def test_refuse_to_do_what_another_run_does(self):
+        run = subprocess.Popen(
+            [ENGINE, "--threads=1", *self.arguments, str(self.image), str(self.output)],
+            env={**os.environ, "MOSAICON_TILER_LOG": str(self.folder / "log of the first")},
+            stdout=subprocess.DEVNULL,
+        )
+        self.addCleanup(run.kill)
+        while not (self.output / ".mosaicon-tiles").exists():
+            self.assertIsNone(run.poll())
+            time.sleep(0.01)
+        run.send_signal(signal.SIGSTOP)  # so that it is still there however slow this is
+        for what in ([], ["--merge"]):
+            self.assertEqual(
+                self.run_engine(self.output, *what),
+                (1, f"RESULT FAILED another run is at work in {self.output}"),
+            )
+        run.send_signal(signal.SIGCONT)
+        self.assertEqual(run.wait(cases.PATIENCE), 0)
         self.check_end()
 
     def test_are_missed_by_name(self):

@@ -82,6 +82,7 @@ void TilePlan::AddOverviews() {
 }
 
 bool TilePlan::Makes(const TileId& tile) const {
+  if (tile.level < m_pyramid.Coarsest() || tile.level > m_pyramid.Finest()) return false;
   TileId maker = tile;
   while (maker.level > m_unitLevel) maker = Above(maker);
   return std::binary_search(m_made.begin(), m_made.end(), maker);

@@ -23,7 +23,7 @@ class TilePlan {
   // Of this share, each as the tile that stands for it: rows from the north, columns from the west, as most
   // images lie on the disk.
   const std::vector<TileId>& Units() const { return m_units; }
-  // Whether this share makes the tile, which is one of the pyramid's.
+  // Whether this share makes the tile. False for one that the pyramid does not have.
   bool Makes(const TileId& tile) const;
   // How many this share makes.
   std::int64_t TileCount() const;

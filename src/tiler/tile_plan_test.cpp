@@ -41,6 +41,14 @@ TEST(TilePlan, OfAWholeRunHasAllTiles) {
   }
 }
 
+TEST(TilePlan, MakesNothingThatThePyramidDoesNotHave) {
+  const Pyramid pyramid = OfTiles(3, 2);
+  const TilePlan plan(pyramid, 2);
+  EXPECT_FALSE(plan.Makes({20240510, 1, 1}));
+  EXPECT_FALSE(plan.Makes({pyramid.Coarsest() - 1, 0, 0}));
+  EXPECT_FALSE(plan.Makes({kLevel, 1, 1}));
+}
+
 TEST(TilePlan, GoesThroughTheImageFromTheNorth) {
   const Pyramid pyramid = OfTiles(21, 13);
   const TilePlan plan(pyramid, 2);

@@ -21,6 +21,7 @@
 #include "tiler/tile_plan.h"
 #include "tiler/tiler_error.h"
 #include "tiler/unit_journal.h"
+#include "tiler/write_file.h"
 
 namespace tiler {
 
@@ -105,16 +106,19 @@ void FinishMap(const Request& request, const Pyramid& pyramid, const OutputFolde
   RemoveJournals(output.Path());
 }
 
-void FinishShare(UnitJournal& journal, const std::filesystem::path& path) {
-  if (!journal.Complete()) throw TilerError("could not write " + Utf8Of(path));
+// Without its journal a share would work for nothing.
+void CheckWritten(const std::error_code& failure, const std::filesystem::path& path) {
+  if (failure) throw TilerError("could not write " + Utf8Of(path) + ": " + WordsFor(failure));
 }
 
 }  // namespace
 
 void RunTiler(const Request& request, RunLog& log, ProgressRecords& records, const std::atomic<bool>& stop) {
   const OutputFolder output(request.output);
-  if (!request.share && !request.merge) output.RemovePartialFiles();
-  if (!request.merge) output.RemoveOldDocument();
+  CheckNobodyIsAtWork(output.Path(), request.share);
+  const bool isAlone = !request.share && !request.merge;
+  if (isAlone) output.RemovePartialFiles();
+  if (isAlone) output.RemoveOldDocument();
   const SourceImage source(request, log);
   records.Start();
   const MapView view = MakeMapView(source, log);
@@ -125,20 +129,21 @@ void RunTiler(const Request& request, RunLog& log, ProgressRecords& records, con
   LimitMemory(request, source, view, rowsOfTile, threads);
   const std::string identity = IdentityOf(request, source, view);
   std::vector<std::filesystem::path> shares;
-  if (request.merge) {
-    shares = CompleteShares(output.Path(), identity);
+  if (request.merge) shares = CompleteShares(output.Path(), identity);
+  if (!isAlone) {
+    RemovePartialFiles(output, request, plan);
     output.RemoveOldDocument();
   }
-  RemovePartialFiles(output, request, plan);
   output.Create();
   const std::filesystem::path path = JournalOf(output.Path(), request.share);
   UnitJournal journal(path, identity);
+  if (request.share) CheckWritten(journal.Failure(), path);
   for (const std::filesystem::path& share : shares) journal.TakeOver(share, identity);
   try {
     PyramidCutter(view, pyramid, plan, output, request.kml, journal, log)
         .Cut(threads, stop, [&](std::int64_t done, std::int64_t total) { records.Report(done, total); });
     if (request.share) {
-      FinishShare(journal, path);
+      CheckWritten(journal.Complete(), path);
     } else {
       FinishMap(request, pyramid, output, journal);
     }

@@ -13,8 +13,8 @@ class RunLog;
 
 // Makes the pyramid of an image and the pages that show it, which come last: a run that fails or is killed
 // before leaves no document whose links lead nowhere. Or a share of the pyramid, without pages; or, when all
-// shares are there, what is left. Throws TilerError, Stopped among them soon after stop
-// becomes true, or std::bad_alloc; no partial file is left then.
+// shares are there, the tiles that none of them made, and the pages. Throws TilerError, Stopped among them
+// soon after stop becomes true, or std::bad_alloc; no partial file is left then.
 void RunTiler(const Request& request, RunLog& log, ProgressRecords& records, const std::atomic<bool>& stop);
 
 }  // namespace tiler

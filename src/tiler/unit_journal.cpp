@@ -1,6 +1,10 @@
 #include "tiler/unit_journal.h"
 
+#include <fstream>
 #include <iterator>
+#include <utility>
+
+#include "tiler/tiler_error.h"
 
 namespace tiler {
 
@@ -15,12 +19,22 @@ JournalEntries Read(const std::filesystem::path& path, const std::string& run) {
 
 }  // namespace
 
-UnitJournal::UnitJournal(const std::filesystem::path& path, const std::string& run)
-    : m_finished(Read(path, run).finished) {
-  m_file.open(path, std::ios::binary | std::ios::trunc);
-  m_file << FirstJournalLine(run);
-  for (const auto& [unit, checksum] : m_finished) m_file << JournalLine(unit, checksum);
-  m_file.flush();
+UnitJournal::UnitJournal(const std::filesystem::path& path, const std::string& run) {
+  m_failure = m_file.Open(path);
+  if (m_failure == std::errc::device_or_resource_busy) {
+    throw TilerError("another run is at work on the same tiles");
+  }
+  if (m_failure) {
+    m_finished = Read(path, run).finished;
+    return;
+  }
+  const std::string text = m_file.Content();
+  JournalEntries entries = ParseJournal(text, run);
+  const bool isOurs = entries.state != JournalState::kOfAnotherRun;
+  m_finished = std::move(entries.finished);
+  m_size = isOurs ? text.rfind('\n') + 1 : 0;
+  m_failure = m_file.CutTo(m_size);
+  if (!m_failure) m_failure = Append(isOurs ? kTakenUpJournalLine : FirstJournalLine(run));
 }
 
 void UnitJournal::TakeOver(const std::filesystem::path& other, const std::string& run) {
@@ -35,19 +49,30 @@ std::optional<std::uint32_t> UnitJournal::ChecksumOf(const TileId& unit) const {
 
 void UnitJournal::Add(const TileId& unit, std::uint32_t checksum) {
   const std::lock_guard lock(m_mutex);
-  m_file << JournalLine(unit, checksum) << std::flush;
-  m_file.clear();
+  if (m_file.IsOpen()) Append(JournalLine(unit, checksum));
 }
 
-bool UnitJournal::Complete() {
+std::error_code UnitJournal::Complete() {
   const std::lock_guard lock(m_mutex);
-  m_file << kLastJournalLine << std::flush;
-  return m_file.good();
+  if (!m_file.IsOpen()) return m_failure;
+  const std::error_code failed = Append(kLastJournalLine);
+  const std::error_code closing = m_file.Close();
+  return failed ? failed : closing;
 }
 
 void UnitJournal::Close() {
   const std::lock_guard lock(m_mutex);
-  m_file.close();
+  m_file.Close();
+}
+
+std::error_code UnitJournal::Append(std::string_view text) {
+  const std::error_code failed = m_file.Append(text);
+  if (failed) {
+    m_file.CutTo(m_size);
+  } else {
+    m_size += text.size();
+  }
+  return failed;
 }
 
 JournalState StateOfJournal(const std::filesystem::path& path, const std::string& run) {

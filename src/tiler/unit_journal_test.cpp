@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "support/temporary_folder.h"
+#include "tiler/tiler_error.h"
 
 namespace tiler {
 namespace {
@@ -27,7 +30,8 @@ TEST_F(Journal, TakesUpWhatWasFinished) {
   EXPECT_EQ(journal.ChecksumOf({3, 4, 5}), 4000000000U);
   EXPECT_EQ(journal.ChecksumOf({3, 4, 6}), 0U);
   EXPECT_EQ(journal.ChecksumOf({4, 4, 6}), std::nullopt);
-  EXPECT_EQ(Text(), "mosaicon-tiles 1 run a\n3 4 5 4000000000\n3 4 6 0\n") << "for the next one, too";
+  EXPECT_EQ(Text(), "mosaicon-tiles 1 run a\n3 4 5 4000000000\n3 4 6 0\ntaken up\n")
+      << "for the next one, too";
 }
 
 TEST_F(Journal, TakesUpNothingOfAnotherRun) {
@@ -75,7 +79,7 @@ TEST_F(Journal, TellsItsState) {
     EXPECT_EQ(state(), JournalState::kUnfinished);
     journal.Add({3, 4, 5}, 6);
     EXPECT_EQ(state(), JournalState::kUnfinished);
-    EXPECT_TRUE(journal.Complete());
+    EXPECT_FALSE(journal.Complete());
     EXPECT_EQ(state(), JournalState::kComplete);
     EXPECT_EQ(StateOfJournal(m_path, "run b"), JournalState::kOfAnotherRun);
   }
@@ -93,8 +97,28 @@ TEST_F(Journal, MayBeRemovedOnceItIsClosed) {
 
 TEST_F(Journal, StopsNothingWhereItCannotBeWritten) {
   UnitJournal journal(m_folder.Path("none/journal"), "run a");
+  EXPECT_TRUE(journal.Failure());
   journal.Add({3, 4, 5}, 6);
-  EXPECT_FALSE(journal.Complete());
+  EXPECT_TRUE(journal.Complete());
+}
+
+TEST_F(Journal, GoesOnBehindTheLastWholeLine) {
+  WriteFile(m_path, "mosaicon-tiles 1 run a\n3 4 5 6\n3 4");
+  UnitJournal journal(m_path, "run a");
+  EXPECT_FALSE(journal.Failure());
+  journal.Add({3, 4, 7}, 8);
+  journal.Close();
+  EXPECT_EQ(Text(), "mosaicon-tiles 1 run a\n3 4 5 6\ntaken up\n3 4 7 8\n");
+}
+
+TEST_F(Journal, BelongsToOneRunAtATime) {
+  {
+    const UnitJournal journal(m_path, "run a");
+    EXPECT_THROW(UnitJournal(m_path, "run a"), TilerError);
+    EXPECT_THROW(UnitJournal(m_path, "run b"), TilerError);
+    EXPECT_EQ(StateOfJournal(m_path, "run a"), JournalState::kUnfinished) << "but may be read";
+  }
+  EXPECT_NO_THROW(UnitJournal(m_path, "run a"));
 }
 
 }  // namespace

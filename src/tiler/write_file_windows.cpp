@@ -21,6 +21,10 @@ bool IsOneOf(const std::error_code& error, std::initializer_list<DWORD> numbers)
          std::find(numbers.begin(), numbers.end(), static_cast<DWORD>(error.value())) != numbers.end();
 }
 
+HANDLE HandleOf(std::intptr_t file) {
+  return reinterpret_cast<HANDLE>(file);
+}
+
 std::error_code WriteAll(HANDLE file, std::string_view content) {
   constexpr std::size_t kMost = 1 << 30;
   while (!content.empty()) {
@@ -52,6 +56,55 @@ std::error_code MakeFolder(const std::filesystem::path& path) {
 std::error_code MoveFileOver(const std::filesystem::path& source, const std::filesystem::path& target) {
   if (MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING)) return {};
   return LastError();
+}
+
+LockedFile::~LockedFile() {
+  Close();
+}
+
+std::error_code LockedFile::Open(const std::filesystem::path& path) {
+  // A virus scanner may have it open for a moment.
+  for (const DWORD delay : {50, 200, 500, 0}) {
+    HANDLE file = CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                              OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    m_file = reinterpret_cast<std::intptr_t>(file);
+    if (IsOpen()) return {};
+    if (GetLastError() != ERROR_SHARING_VIOLATION) return LastError();
+    Sleep(delay);
+  }
+  return std::make_error_code(std::errc::device_or_resource_busy);
+}
+
+std::string LockedFile::Content() const {
+  std::string content;
+  std::array<char, 65536> piece = {};
+  DWORD count = 0;
+  SetFilePointerEx(HandleOf(m_file), {}, nullptr, FILE_BEGIN);
+  while (::ReadFile(HandleOf(m_file), piece.data(), static_cast<DWORD>(piece.size()), &count, nullptr) &&
+         count > 0) {
+    content.append(piece.data(), count);
+  }
+  return content;
+}
+
+std::error_code LockedFile::CutTo(std::size_t bytes) {
+  LARGE_INTEGER end = {};
+  end.QuadPart = static_cast<LONGLONG>(bytes);
+  const bool isCut =
+      SetFilePointerEx(HandleOf(m_file), end, nullptr, FILE_BEGIN) && SetEndOfFile(HandleOf(m_file));
+  return isCut ? std::error_code() : LastError();
+}
+
+std::error_code LockedFile::Append(std::string_view text) {
+  if (!SetFilePointerEx(HandleOf(m_file), {}, nullptr, FILE_END)) return LastError();
+  return WriteAll(HandleOf(m_file), text);
+}
+
+std::error_code LockedFile::Close() {
+  if (!IsOpen()) return {};
+  HANDLE file = HandleOf(m_file);
+  m_file = kNone;
+  return CloseHandle(file) ? std::error_code() : LastError();
 }
 
 std::string WordsFor(const std::error_code& error) {
