@@ -190,7 +190,8 @@ MapView MakeMapView(const SourceImage& source, RunLog& log) {
   MapView made = {XmlOf(*view), ImageOf(*view), ColoursOf(*view), std::nullopt};
   if (!isInMapSrs && IsSimple(*dataset) && !beyondTheMap) {
     made.direct = {source.Name(), WktOf(srs), source.Transparent(), HasAlphaBand(*dataset), nullptr};
-    if (source.Layout().IsStriped()) made.direct->shared = Shared(source.Name(), errors);
+    const bool isShared = source.Layout().IsStriped() && !source.IsComputed();
+    if (isShared) made.direct->shared = Shared(source.Name(), errors);
   }
   errors.Check(kNotRead);
   return made;

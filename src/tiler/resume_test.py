@@ -59,14 +59,16 @@ class Resume(unittest.TestCase):
 
     def start_and_fail(self):
         """Leaves an unfinished run whose last tile had a folder in its way. Returns that folder."""
-        top = next(name for name in cases.files_of(self.reference) if name.suffix == ".png")
-        blocked = self.output / top
+        blocked = self.output / self.top_tile()
         blocked.mkdir(parents=True)
         code, reason = self.run_to_the_end(self.output)
         self.assertEqual(code, 1)
         self.assertIn("could not write", reason)
         self.assertTrue((self.output / JOURNAL).exists())
         return blocked
+
+    def top_tile(self):
+        return next(name for name in cases.files_of(self.reference) if name.suffix == ".png")
 
     def finest_tiles(self):
         tiles = list(self.output.glob("*/*/*.png"))
@@ -87,8 +89,11 @@ class Resume(unittest.TestCase):
         kills = 0
         while kills < KILLS:
             shutil.rmtree(self.output, ignore_errors=True)
-            while self.run_for(chance.uniform(0, self.duration), chance.choice([1, 2, 3])):
+            # A machine that has become slower may need more than a whole run took at first.
+            longest = self.duration
+            while self.run_for(chance.uniform(0, longest), chance.choice([1, 2, 3])):
                 kills += 1
+                longest *= 1.2
             self.check_end()
 
     def test_takes_up_what_is_finished(self):
@@ -111,6 +116,24 @@ class Resume(unittest.TestCase):
         os.utime(self.image, ns=(later, later))
         self.check_end()
         self.assertFalse(set(self.times().items()) & set(before.items()))
+
+    def test_takes_up_a_virtual_raster_that_was_written_again(self):
+        virtual = self.folder / "bild.vrt"
+        output = self.folder / "virtual" / "m"
+
+        def run():
+            virtual.unlink(missing_ok=True)
+            cases.gdal.Translate(str(virtual), str(self.image), format="VRT")
+            return cases.run([ENGINE], self.arguments, virtual, output, self.folder / "log")
+
+        blocked = output / self.top_tile()
+        blocked.mkdir(parents=True)
+        self.assertEqual(run()[0], 1)
+        blocked.rmdir()
+        before = {tile: tile.stat().st_mtime_ns for tile in output.glob("*/*/*.png")}
+        self.assertGreater(len(before), 10)
+        self.assertEqual(run(), (0, "RESULT OK"))
+        self.assertEqual({tile: tile.stat().st_mtime_ns for tile in before}, before)
 
     def test_begins_anew_without_documents(self):
         self.start_and_fail().rmdir()

@@ -12,6 +12,7 @@
 
 #include "tiler/gdal_errors.h"
 #include "tiler/gdal_objects.h"
+#include "tiler/image_files.h"
 #include "tiler/map_limits.h"
 #include "tiler/map_srs.h"
 #include "tiler/number_text.h"
@@ -119,28 +120,6 @@ ShownBands ShownBandsOf(GDALDataset& dataset) {
   return shown;
 }
 
-std::string StateOf(GDALDataset& dataset) {
-  const CPLStringList files(dataset.GetFileList());
-  std::string state;
-  for (int i = 0; i < files.size(); ++i) {
-    const std::string name = files[i];
-    const std::filesystem::path path = PathOf(name);
-    std::error_code failed;
-    state += name + " " + std::to_string(std::filesystem::file_size(path, failed));
-    state += " " + std::to_string(std::filesystem::last_write_time(path, failed).time_since_epoch().count()) +
-             "\n";
-  }
-  return state;
-}
-
-// Its pixels are bytes.
-SourceLayout LayoutOf(GDALDataset& dataset) {
-  SourceLayout layout = {dataset.GetRasterXSize(),
-                         std::int64_t{dataset.GetRasterXSize()} * dataset.GetRasterCount(), 0, 0};
-  dataset.GetRasterBand(1)->GetBlockSize(&layout.blockWidth, &layout.blockHeight);
-  return layout;
-}
-
 // Makes a virtual raster of these bands and leaves it in GDAL's memory; its name there.
 std::string MakeVirtual(GDALDataset& dataset, const std::vector<int>& bands, const std::string& metadata,
                         GdalErrors& errors) {
@@ -174,6 +153,7 @@ SourceImage::SourceImage(const Request& request, RunLog& log) : m_name(request.i
   CheckExtent(*dataset, srs);
   m_state = StateOf(*dataset);
   m_layout = LayoutOf(*dataset);
+  m_isComputed = IsVirtual(*dataset);
   errors.Forget();
 
   const ShownBands shown = ShownBandsOf(*dataset);

@@ -18,9 +18,8 @@ class RunLog;
 //   transparency, whatever it holds);
 // - an image with transparency of its own loses its nodata values, and the transparent colour is not applied:
 //   one mask would be built from all bands, in which every transparent pixel of another colour turns opaque;
-// - an image that is in the map's projection gets the transparent colour in its metadata, for there is
-// nothing
-//   to apply it when it is not reprojected.
+// - an image that is in the map's projection gets the transparent colour in its metadata, because nothing
+//   applies it when it is not reprojected.
 // That lives in GDAL's memory file system, as long as this object. One thread at a time.
 class SourceImage {
  public:
@@ -34,10 +33,13 @@ class SourceImage {
   const std::string& Name() const { return m_name; }
   // The coordinate system that the request asks for; empty: the image's own.
   const std::string& Srs() const { return m_srs; }
-  // Its files, how large they are and when they were written. The same for an image that nobody has touched.
+  // Its files, and what small ones hold, or when large ones were written. The same for an image that nobody
+  // has changed.
   const std::string& State() const { return m_state; }
-  // How it lies in its file.
+  // How it lies in its file, or in the files that it is made of.
   const SourceLayout& Layout() const { return m_layout; }
+  // Whether its pixels may have to be computed, which several threads do quicker than one.
+  bool IsComputed() const { return m_isComputed; }
   // The transparent colour, a value for each colour band; empty: none is to be applied.
   const std::vector<int>& Transparent() const { return m_transparent; }
 
@@ -46,6 +48,7 @@ class SourceImage {
   std::string m_srs;
   std::string m_state;
   SourceLayout m_layout;
+  bool m_isComputed = false;
   std::vector<int> m_transparent;
   std::string m_virtual;  // in GDAL's memory; empty: none
 };

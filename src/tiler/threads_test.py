@@ -45,6 +45,14 @@ class Threads(unittest.TestCase):
                 self.assertEqual(self.run_engine(case, image, "--threads=4"), (0, "RESULT OK"))
         self.assertGreater(len(list(self.folder.glob("m/*/*/*.png"))), 40)
 
+    def test_meet_no_race_at_strips_that_they_share(self):
+        source, image = self.folder / "source.tif", self.folder / "bild.tif"
+        case = cases.make_case(SEEDS[0], source)
+        cases.gdal.Translate(
+            str(image), str(source), bandList=[1, 1, 1], creationOptions=["TILED=NO", "COMPRESS=DEFLATE"]
+        )
+        self.assertEqual(self.run_engine(case, image, "--threads=4"), (0, "RESULT OK"))
+
     def test_meet_no_race_when_a_run_is_taken_up(self):
         image = self.folder / "bild.tif"
         case = cases.make_case(SEEDS[0], image)
