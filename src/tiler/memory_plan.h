@@ -22,14 +22,18 @@ struct SourceLayout {
 
 // The levels of a unit of tiles (see TilePlan) below its uppermost tile, 0 to 2: units are lower where the
 // strips of high ones would not fit into memory. rowsOfTile: of the image, that a tile of the finest level
-// covers. It depends on the image alone, because shares of a map are to have the same units on all computers.
-int UnitLevelsFor(const SourceLayout& layout, double rowsOfTile);
+// covers. isShared: all threads read the same strips. It depends on the image alone, not on how many threads
+// there are, because shares of a map are to have the same units on all computers.
+int UnitLevelsFor(const SourceLayout& layout, double rowsOfTile, bool isShared);
+
+// Bytes of what waits for the next row of units, in rows of so many.
+std::int64_t WaitingFor(std::int64_t unitsInARow);
 
 // What a run may take for the whole program, in bytes, when nobody says so.
 std::int64_t UsualMemory(int threads);
 
-// Bytes for decoded blocks of the image, of which there are as many copies as are read by themselves.
-std::int64_t CacheFor(const SourceLayout& layout, double rowsOfTile, int copies, int threads,
+// Bytes for decoded blocks of the image. memory: bytes for the whole program, without what waits.
+std::int64_t CacheFor(const SourceLayout& layout, double rowsOfTile, bool isShared, int threads,
                       std::int64_t memory);
 
 }  // namespace tiler

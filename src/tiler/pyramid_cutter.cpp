@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -12,6 +14,7 @@
 #include "tiler/output_folder.h"
 #include "tiler/png_reader.h"
 #include "tiler/png_tile.h"
+#include "tiler/run_log.h"
 #include "tiler/tiler_error.h"
 #include "tiler/unit_journal.h"
 
@@ -22,15 +25,9 @@ namespace {
 constexpr const char* kImage = "png";
 constexpr const char* kDocument = "kml";
 
-// Of the four that a tile stands for, as HalvedTile takes them.
+// Of the four that a tile stands for, as JoinedTile takes them.
 std::size_t PlaceInAbove(const TileId& tile) {
   return static_cast<std::size_t>(tile.row % 2 * 2 + tile.column % 2);
-}
-
-Tile Halved(const std::array<Tile, 4>& finer) {
-  std::array<const Tile*, 4> parts = {};
-  for (std::size_t i = 0; i < finer.size(); ++i) parts[i] = finer[i].empty() ? nullptr : &finer[i];
-  return HalvedTile(parts);
 }
 
 }  // namespace
@@ -49,11 +46,10 @@ class PyramidCutter::Worker {
       pixels = Make(unit);
       m_cutter.m_journal.Add(unit, m_checksum);
     }
-    std::array<Tile, 4> finer;
-    while (tile.level > m_cutter.m_pyramid.Coarsest() && m_cutter.m_plan.Makes(Above(tile)) &&
-           m_cutter.IsComplete(tile, std::move(pixels), finer)) {
+    std::array<Quarter, 4> quarters;
+    while (m_cutter.m_plan.Makes(Above(tile)) && m_cutter.IsComplete(tile, HalvedTile(pixels), quarters)) {
       tile = Above(tile);
-      pixels = Halved(finer);
+      pixels = JoinedTile(quarters);
       if (IsThere(tile)) continue;
       m_checksum = 0;
       Write(tile, pixels);
@@ -115,9 +111,11 @@ class PyramidCutter::Worker {
     if (tile.level == m_cutter.m_pyramid.Finest()) {
       pixels = m_reader.Read(m_cutter.m_pyramid.QueryOf(tile));
     } else {
-      std::array<Tile, 4> finer;
-      for (const TileId& each : m_cutter.m_plan.Finer(tile)) finer[PlaceInAbove(each)] = Make(each);
-      pixels = Halved(finer);
+      std::array<Quarter, 4> quarters;
+      for (const TileId& each : m_cutter.m_plan.Finer(tile)) {
+        quarters[PlaceInAbove(each)] = HalvedTile(Make(each));
+      }
+      pixels = JoinedTile(quarters);
     }
     Write(tile, pixels);
     return pixels;
@@ -160,7 +158,11 @@ void PyramidCutter::Cut(int threads, const std::atomic<bool>& stop, const OnTile
   {
     std::vector<std::jthread> others;
     const auto useful = std::min(static_cast<std::size_t>(threads), m_plan.Units().size());
-    for (std::size_t i = 1; i < useful; ++i) others.emplace_back([this] { Work(); });
+    try {
+      for (std::size_t i = 1; i < useful; ++i) others.emplace_back([this] { Work(); });
+    } catch (const std::system_error&) {
+      m_log.Line("The system gives no more than " + std::to_string(others.size() + 1) + " threads.");
+    }
     Work();
   }
   if (m_failure) std::rethrow_exception(m_failure);
@@ -200,14 +202,14 @@ void PyramidCutter::TellDone() {
   (*m_onTile)(++m_done, m_total);
 }
 
-bool PyramidCutter::IsComplete(const TileId& tile, Tile pixels, std::array<Tile, 4>& tiles) {
+bool PyramidCutter::IsComplete(const TileId& tile, Quarter quarter, std::array<Quarter, 4>& quarters) {
   const TileId above = Above(tile);
   const std::size_t needed = m_plan.Finer(above).size();
   const std::lock_guard lock(m_mutex);
   Waiting& waiting = m_waiting[above];
-  waiting.tiles[PlaceInAbove(tile)] = std::move(pixels);
+  waiting.quarters[PlaceInAbove(tile)] = std::move(quarter);
   if (++waiting.count < needed) return false;
-  tiles = std::move(waiting.tiles);
+  quarters = std::move(waiting.quarters);
   m_waiting.erase(above);
   return true;
 }

@@ -40,9 +40,10 @@ class PyramidCutter {
  private:
   class Worker;
 
-  // Tiles that have come for the one above them, in the order of HalvedTile.
+  // What has come for the tile above, in the order of JoinedTile. It waits for the row below in wide images,
+  // so it is kept at the size that is needed.
   struct Waiting {
-    std::array<Tile, 4> tiles;
+    std::array<Quarter, 4> quarters;
     std::size_t count = 0;
   };
 
@@ -53,8 +54,8 @@ class PyramidCutter {
   void Fail();
   bool IsOver() const { return m_failed || *m_stop; }
   void TellDone();
-  // Takes a tile for the one above it; when it was the last of them, moves them all to tiles.
-  bool IsComplete(const TileId& tile, Tile pixels, std::array<Tile, 4>& tiles);
+  // Takes what a tile is in the one above it; when it was the last of them, moves them all to quarters.
+  bool IsComplete(const TileId& tile, Quarter quarter, std::array<Quarter, 4>& quarters);
 
   const MapView& m_view;
   const Pyramid& m_pyramid;

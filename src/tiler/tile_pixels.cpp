@@ -6,6 +6,7 @@ namespace tiler {
 
 namespace {
 
+constexpr std::size_t kHalf = kTileSize / 2;
 constexpr int kEnlarged = kQuerySize / kTileSize;
 // What the reader of images adds to a position before it cuts off the fraction.
 constexpr double kEpsilon = 1e-10;
@@ -108,16 +109,23 @@ Tile AveragedTile(const std::vector<Pixel>& window, std::int64_t windowWidth, co
   return tile;
 }
 
-Tile HalvedTile(const std::array<const Tile*, 4>& finer) {
-  constexpr std::size_t kHalf = kTileSize / 2;
+Quarter HalvedTile(const Tile& tile) {
+  Quarter quarter(kTilePixels / 4);
+  for (std::size_t y = 0; y < kHalf; ++y) {
+    const Pixel* upper = &tile[2 * y * kTileSize];
+    HalveRows(upper, upper + kTileSize, &quarter[y * kHalf], kHalf);
+  }
+  return quarter;
+}
+
+Tile JoinedTile(const std::array<Quarter, 4>& quarters) {
   Tile tile(kTilePixels);
-  for (std::size_t part = 0; part < finer.size(); ++part) {
-    if (finer[part] == nullptr) continue;
+  for (std::size_t part = 0; part < quarters.size(); ++part) {
+    if (quarters[part].empty()) continue;
     const std::size_t left = part % 2 * kHalf;
     const std::size_t top = part < 2 ? kHalf : 0;
     for (std::size_t y = 0; y < kHalf; ++y) {
-      const Pixel* upper = &(*finer[part])[2 * y * kTileSize];
-      HalveRows(upper, upper + kTileSize, &tile[(top + y) * kTileSize + left], kHalf);
+      std::copy_n(&quarters[part][y * kHalf], kHalf, &tile[(top + y) * kTileSize + left]);
     }
   }
   return tile;

@@ -39,9 +39,12 @@ QueryAxis RowsOf(const TileQuery& query, std::int64_t imageSize);
 Tile AveragedTile(const std::vector<Pixel>& window, std::int64_t windowWidth, const QueryAxis& columns,
                   const QueryAxis& rows);
 
-// A tile of the level above, from the tiles that it covers; null where there is none. They come as they lie
-// on the map: south-west, south-east, north-west, north-east.
-Tile HalvedTile(const std::array<const Tile*, 4>& finer);
+// What a tile is in the one of the level above, which stands for four: a quarter of it, rows from the top.
+using Quarter = std::vector<Pixel>;
+Quarter HalvedTile(const Tile& tile);
+// That tile. The quarters come as they lie on the map: south-west, south-east, north-west, north-east; an
+// empty one where there is no tile.
+Tile JoinedTile(const std::array<Quarter, 4>& quarters);
 
 }  // namespace tiler
 

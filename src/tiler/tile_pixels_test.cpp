@@ -48,8 +48,8 @@ TEST(AveragedTile, IsTheColourOfAWindowOfOneColour) {
 
 TEST(AveragedTile, RoundsHalvesUpwards) {
   // Two columns of a query of 1024 for each of 512 pixels: two of them in a pixel of the tile.
-  std::vector<Pixel> window;
-  for (int x = 0; x < 512; ++x) window.push_back(x % 2 == 0 ? Pixel{1, 0, 3, 255} : Pixel{2, 1, 3, 0});
+  std::vector<Pixel> window(512);
+  for (int x = 0; x < 512; ++x) window[x] = x % 2 == 0 ? Pixel{1, 0, 3, 255} : Pixel{2, 1, 3, 0};
   const Tile tile = AveragedTile(window, 512, ColumnsOf(WholeOf(512, 1), 512), RowsOf(WholeOf(512, 1), 1));
   EXPECT_EQ(tile.front(), (Pixel{2, 1, 3, 128}));
   EXPECT_EQ(tile.back(), (Pixel{2, 1, 3, 128}));
@@ -63,10 +63,8 @@ TEST(AveragedTile, FadesIntoWhatIsOutside) {
   EXPECT_EQ(tile[kTileSize], Pixel{});
 }
 
-TEST(HalvedTile, HasItsPartsWhereTheyLieOnTheMap) {
-  const Tile red = Filled(kRed);
-  const Tile blue = Filled(kBlue);
-  const Tile tile = HalvedTile({&red, nullptr, nullptr, &blue});
+TEST(JoinedTile, HasItsPartsWhereTheyLieOnTheMap) {
+  const Tile tile = JoinedTile({HalvedTile(Filled(kRed)), Quarter(), Quarter(), HalvedTile(Filled(kBlue))});
   EXPECT_EQ(tile[0], Pixel{}) << "north-west";
   EXPECT_EQ(tile[kTileSize - 1], kBlue) << "north-east";
   EXPECT_EQ(tile[kTilePixels - kTileSize], kRed) << "south-west";
@@ -74,12 +72,14 @@ TEST(HalvedTile, HasItsPartsWhereTheyLieOnTheMap) {
 }
 
 TEST(HalvedTile, AveragesFourPixelsIntoOne) {
-  Tile part = Filled({10, 20, 30, 255});
-  part[0] = {11, 22, 30, 0};
-  part[kTileSize + 1] = {11, 20, 31, 255};
-  const Tile tile = HalvedTile({nullptr, nullptr, &part, nullptr});
-  EXPECT_EQ(tile[0], (Pixel{11, 21, 30, 191}));
-  EXPECT_EQ(tile[1], (Pixel{10, 20, 30, 255}));
+  Tile tile = Filled({10, 20, 30, 255});
+  tile[0] = {11, 22, 30, 0};
+  tile[kTileSize + 1] = {11, 20, 31, 255};
+  const Quarter quarter = HalvedTile(tile);
+  ASSERT_EQ(quarter.size(), kTilePixels / 4);
+  EXPECT_EQ(quarter[0], (Pixel{11, 21, 30, 191}));
+  EXPECT_EQ(quarter[1], (Pixel{10, 20, 30, 255}));
+  EXPECT_EQ(JoinedTile({Quarter(), Quarter(), quarter, Quarter()})[0], quarter[0]);
 }
 
 }  // namespace

@@ -52,11 +52,12 @@ void WritePages(const Request& request, const Pyramid& pyramid, const OutputFold
   if (request.kml) output.WritePage("doc.kml", RootKml(request.title, url, CoarsestTiles(pyramid)));
 }
 
-// Changes with whatever changes a byte of the result.
+// Changes with whatever changes a byte of the result, or which run makes it.
 constexpr const char* kVersion = "1";
 
-// The same text for all runs that make the same, of the same image.
-std::string IdentityOf(const Request& request, const SourceImage& source, const MapView& view) {
+// The same text for all runs that make the same, of the same image, in the same pieces.
+std::string IdentityOf(const Request& request, const SourceImage& source, const MapView& view,
+                       int unitLevels) {
   std::uint64_t hash = 0xCBF29CE484222325;  // FNV-1a
   const auto add = [&hash](const std::string& text) {
     for (const char c : text + '\0') hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
@@ -65,6 +66,7 @@ std::string IdentityOf(const Request& request, const SourceImage& source, const 
        {std::string(kVersion), std::string(GDALVersionInfo("RELEASE_NAME")), source.State(), view.xml})
     add(each);
   add(request.kml ? "kml" : "");
+  add(std::to_string(unitLevels));
   return std::to_string(hash);
 }
 
@@ -79,15 +81,22 @@ int ThreadsFor(const Request& request) {
 
 // Rows of the image that a tile of the finest level covers.
 double RowsOfTile(const Pyramid& pyramid, const MapImage& image) {
-  return kTileSize * Resolution(pyramid.Finest()) / image.pixelWidth;
+  return kTileSize * Resolution(pyramid.Finest()) / -image.pixelHeight;
+}
+
+// All threads read from one and the same image.
+bool IsShared(const MapView& view) {
+  return view.direct && view.direct->shared;
 }
 
 // GDAL keeps so many bytes of decoded blocks, for all threads.
-void LimitMemory(const Request& request, const SourceImage& source, const MapView& view, double rowsOfTile,
-                 int threads) {
+void LimitMemory(const Request& request, const SourceImage& source, const MapView& view,
+                 const Pyramid& pyramid, int unitLevels, int threads) {
   const std::int64_t memory = request.memory > 0 ? request.memory * kMebibyte : UsualMemory(threads);
-  const int copies = view.direct && view.direct->shared ? 1 : threads;
-  GDALSetCacheMax64(CacheFor(source.Layout(), rowsOfTile, copies, threads, memory));
+  const int level = std::max(pyramid.Coarsest(), pyramid.Finest() - unitLevels);
+  const std::int64_t waiting = WaitingFor(pyramid.Range(level).Columns());
+  GDALSetCacheMax64(
+      CacheFor(source.Layout(), RowsOfTile(pyramid, view.image), IsShared(view), threads, memory - waiting));
 }
 
 // What ended runs left. A share leaves alone what others may be writing at this moment.
@@ -123,11 +132,11 @@ void RunTiler(const Request& request, RunLog& log, ProgressRecords& records, con
   records.Start();
   const MapView view = MakeMapView(source, log);
   const Pyramid pyramid(view.image);
-  const double rowsOfTile = RowsOfTile(pyramid, view.image);
-  const TilePlan plan(pyramid, UnitLevelsFor(source.Layout(), rowsOfTile), request.share);
+  const int unitLevels = UnitLevelsFor(source.Layout(), RowsOfTile(pyramid, view.image), IsShared(view));
+  const TilePlan plan(pyramid, unitLevels, request.share);
   const int threads = ThreadsFor(request);
-  LimitMemory(request, source, view, rowsOfTile, threads);
-  const std::string identity = IdentityOf(request, source, view);
+  LimitMemory(request, source, view, pyramid, unitLevels, threads);
+  const std::string identity = IdentityOf(request, source, view, unitLevels);
   std::vector<std::filesystem::path> shares;
   if (request.merge) shares = CompleteShares(output.Path(), identity);
   if (!isAlone) {

@@ -31,12 +31,12 @@ Tile FinestTile(const TileQuery& query, const MapImage& image, const std::vector
 using Tiles = std::map<TileId, Tile>;
 
 Tile TileAbove(const TileId& tile, const Tiles& tiles) {
-  std::array<const Tile*, 4> finer = {};
+  std::array<Quarter, 4> quarters;
   for (int i = 0; i < 4; ++i) {
     const auto found = tiles.find({tile.level + 1, 2 * tile.column + i % 2, 2 * tile.row + i / 2});
-    finer[static_cast<std::size_t>(i)] = found != tiles.end() ? &found->second : nullptr;
+    if (found != tiles.end()) quarters[static_cast<std::size_t>(i)] = HalvedTile(found->second);
   }
-  return HalvedTile(finer);
+  return JoinedTile(quarters);
 }
 
 }  // namespace
