@@ -48,20 +48,14 @@ PixelWindow BoxAround(const std::vector<SourcePixel>& pixels) {
   return {left, top, right - left + 1, bottom - top + 1};
 }
 
-std::shared_ptr<SharedImage> SourceOf(const MapView& view, const GdalErrors& errors) {
-  if (view.direct->shared) return view.direct->shared;
-  auto own = std::make_shared<SharedImage>();
-  own->dataset = OpenImage(view.direct->source, errors, kNotRead);
-  return own;
-}
-
 class DirectReader : public WindowReader {
  public:
   DirectReader(const MapView& view, RunLog& log)
       : m_colours(view.colours),
         m_hasAlpha(view.direct->hasAlpha),
         m_errors(log),
-        m_source(SourceOf(view, m_errors)),
+        m_source(view.direct->shared ? view.direct->shared
+                                     : OpenShared(view.direct->source, m_errors, kNotRead)),
         m_index([this](std::vector<double>& xs, std::vector<double>& ys) { Transform(xs, ys); },
                 m_source->dataset->GetRasterXSize(), m_source->dataset->GetRasterYSize()) {
     const std::lock_guard lock(m_source->mutex);

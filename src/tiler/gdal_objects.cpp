@@ -14,4 +14,11 @@ GDALDatasetUniquePtr OpenImage(const std::string& name, const GdalErrors& errors
   return dataset;
 }
 
+std::shared_ptr<SharedImage> OpenShared(const std::string& name, const GdalErrors& errors,
+                                        const std::string& failure) {
+  auto image = std::make_shared<SharedImage>();
+  image->dataset = OpenImage(name, errors, failure);
+  return image;
+}
+
 }  // namespace tiler

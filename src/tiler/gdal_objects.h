@@ -25,8 +25,10 @@ struct SharedImage {
   std::mutex mutex;
 };
 
-// For reading. Throws TilerError with this text, and with what GDAL complains of.
+// For reading. They throw TilerError with this text, and with what GDAL complains of.
 GDALDatasetUniquePtr OpenImage(const std::string& name, const GdalErrors& errors, const std::string& failure);
+std::shared_ptr<SharedImage> OpenShared(const std::string& name, const GdalErrors& errors,
+                                        const std::string& failure);
 
 }  // namespace tiler
 

@@ -169,12 +169,6 @@ MapImage ImageOf(GDALDataset& dataset) {
           transform[5]};
 }
 
-std::shared_ptr<SharedImage> Shared(const std::string& name, const GdalErrors& errors) {
-  auto image = std::make_shared<SharedImage>();
-  image->dataset = OpenImage(name, errors, kNotRead);
-  return image;
-}
-
 }  // namespace
 
 MapView MakeMapView(const SourceImage& source, RunLog& log) {
@@ -191,7 +185,7 @@ MapView MakeMapView(const SourceImage& source, RunLog& log) {
   if (!isInMapSrs && IsSimple(*dataset) && !beyondTheMap) {
     made.direct = {source.Name(), WktOf(srs), source.Transparent(), HasAlphaBand(*dataset), nullptr};
     const bool isShared = source.Layout().IsStriped() && !source.IsComputed();
-    if (isShared) made.direct->shared = Shared(source.Name(), errors);
+    if (isShared) made.direct->shared = OpenShared(source.Name(), errors, kNotRead);
   }
   errors.Check(kNotRead);
   return made;

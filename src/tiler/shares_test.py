@@ -1,45 +1,21 @@
 """Several runs that share the work of one, and a last one that makes the rest: the end is that of a single
 run. MOSAICON_TILER is the engine."""
 
-import os
 import pathlib
 import shutil
 import signal
-import subprocess
 import sys
-import tempfile
 import time
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent / "testing"))
 import engine_cases as cases  # noqa: E402
+from engine_runs import ENGINE, JOURNAL, OK, EngineRuns  # noqa: E402
 
-ENGINE = os.environ["MOSAICON_TILER"]
-SEED = 14
 LARGE = (2400, 1800)  # pixels: more units of tiles than shares
-OK = (0, "RESULT OK")
 
 
-class Shares(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        folder = tempfile.TemporaryDirectory(prefix="wiesen é ")
-        cls.addClassCleanup(folder.cleanup)
-        cls.folder = pathlib.Path(folder.name)
-        cls.image = cls.folder / "bild.tif"
-        cls.arguments = cases.make_case(SEED, cls.image).arguments
-        # The last part of the address, and so of the documents, is the name of the folder.
-        cls.reference = cls.folder / "reference" / "m"
-        cls.run_engine(cls, cls.reference)
-
-    def setUp(self):
-        self.assertGreater(len(list(self.reference.glob("*/*/*.png"))), 30)
-        self.output = self.folder / "shared" / "m"
-        shutil.rmtree(self.output, ignore_errors=True)
-
-    def run_engine(self, output, *more):
-        return cases.run([ENGINE, *more], self.arguments, self.image, output, self.folder / "log")
-
+class Shares(EngineRuns):
     def share(self, index, count):
         before = self.contents()
         self.assertEqual(self.run_engine(self.output, f"--shard={index}/{count}"), OK)
@@ -63,12 +39,6 @@ class Shares(unittest.TestCase):
         before = self.contents()
         self.assertEqual(self.run_engine(self.output, "--merge"), OK)
         self.check_kept(before)
-
-    def check_end(self):
-        names = cases.files_of(self.reference)
-        self.assertEqual(cases.files_of(self.output), names)
-        for name in names:
-            self.assertEqual((self.output / name).read_bytes(), (self.reference / name).read_bytes(), name)
 
     def check_shares(self, count):
         shutil.rmtree(self.output, ignore_errors=True)
@@ -94,28 +64,14 @@ class Shares(unittest.TestCase):
             self.assertGreater(len(made), 10)
 
     def test_may_run_at_the_same_time(self):
-        runs = [
-            subprocess.Popen(
-                [ENGINE, f"--shard={index}/3", *self.arguments, str(self.image), str(self.output)],
-                env={**os.environ, "MOSAICON_TILER_LOG": str(self.folder / f"log {index}")},
-                stdout=subprocess.DEVNULL,
-            )
-            for index in range(3)
-        ]
-        for run in runs:
-            self.addCleanup(run.kill)
+        runs = [self.start_engine(f"--shard={index}/3", log=f"log {index}") for index in range(3)]
         self.assertEqual([run.wait(cases.PATIENCE) for run in runs], [0, 0, 0])
         self.merge()
         self.check_end()
 
     def test_refuse_to_do_what_another_run_does(self):
-        run = subprocess.Popen(
-            [ENGINE, "--threads=1", *self.arguments, str(self.image), str(self.output)],
-            env={**os.environ, "MOSAICON_TILER_LOG": str(self.folder / "log of the first")},
-            stdout=subprocess.DEVNULL,
-        )
-        self.addCleanup(run.kill)
-        while not (self.output / ".mosaicon-tiles").exists():
+        run = self.start_engine("--threads=1")
+        while not (self.output / JOURNAL).exists():
             self.assertIsNone(run.poll())
             time.sleep(0.01)
         run.send_signal(signal.SIGSTOP)  # so that it is still there however slow this is
