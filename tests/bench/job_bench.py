@@ -1,13 +1,12 @@
 #!/usr/bin/env python3
-"""Times a whole job against plain gdal2tiles: job_bench.py STAGE SIZE ROUNDS.
+"""Times a whole job, with the tile engine and with the tiling script, beside plain gdal2tiles:
+job_bench.py STAGE STAGE_WITH_SCRIPT SIZE ROUNDS.
 
-The three ways take turns, so that a machine whose speed drifts treats them
-alike; the ratios are taken round by round and their median is what counts.
-"""
+All ways take turns, so that a machine whose speed drifts treats them alike; the ratios are taken round by
+round and their median is what counts."""
 
 import os
 import pathlib
-import resource
 import shutil
 import statistics
 import subprocess
@@ -15,6 +14,7 @@ import sys
 import tempfile
 import threading
 import time
+from typing import NamedTuple
 
 import numpy
 from osgeo import gdal, osr
@@ -73,9 +73,8 @@ def thread_seconds(pid):
     return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
 
-def job(stage, source, folder):
-    """Wall seconds, target, and the share of a core that the waiting thread used while tiles were cut."""
-    target = folder / "job"
+def job(stage, source, target):
+    """Wall seconds, and the share of a core that the waiting thread used while tiles were cut."""
 
     def windows(path):
         return "Z:" + str(path).replace("/", "\\")
@@ -89,7 +88,7 @@ def job(stage, source, folder):
 
     def watch():
         while not finished.wait(0.25):
-            if (target / "doc.kml").exists():
+            if any(target.glob("[0-9]*")):
                 try:
                     samples.append((time.monotonic(), thread_seconds(process.pid)))
                 except OSError:
@@ -105,15 +104,46 @@ def job(stage, source, folder):
         sys.exit(f"the job ended with code {code}")
     if len(samples) < 2:
         sys.exit("the job was too short to measure the waiting thread: take a larger size")
-    share = (samples[-1][1] - samples[0][1]) / (samples[-1][0] - samples[0][0])
-    return seconds, target, share
+    return seconds, (samples[-1][1] - samples[0][1]) / (samples[-1][0] - samples[0][0])
 
 
 def count_tiles(folder):
     return sum(1 for _ in folder.glob("*/*/*.png"))
 
 
-def main(stage, size, rounds):
+class Round(NamedTuple):
+    """Wall seconds, but for the last."""
+
+    one: float  # gdal2tiles with one process
+    all_cores: float  # with one for each processor
+    script: float  # a job with the tiling script
+    engine: float  # with the tile engine
+    waiting: float  # share of a core
+
+    def ratios(self):
+        return {
+            "a job with the engine, of one with the script": self.engine / self.script,
+            "a job with the engine, of plain gdal2tiles with all processes": self.engine / self.all_cores,
+            "a job with the script, of plain gdal2tiles with all processes": self.script / self.all_cores,
+            "plain gdal2tiles with all processes, of one": self.all_cores / self.one,
+        }
+
+
+def run_round(stage, stage_with_script, source, folder, cores):
+    one, target_one = plain(source, folder, 1)
+    all_cores, target_all = plain(source, folder, cores)
+    script, _ = job(stage_with_script, source, folder / "script")
+    engine, waiting = job(stage, source, folder / "engine")
+    targets = (target_one, target_all, folder / "script", folder / "engine")
+    counts = {count_tiles(target) for target in targets}
+    if len(counts) != 1:
+        sys.exit(f"the tile counts differ: {counts}")
+    for target in targets:
+        shutil.rmtree(target)
+    return Round(one, all_cores, script, engine, waiting), counts.pop()
+
+
+def main(stage, stage_with_script, size, rounds):
     cores = len(os.sched_getaffinity(0))
     with tempfile.TemporaryDirectory(prefix="mosaicon-bench-") as name:
         folder = pathlib.Path(name)
@@ -121,29 +151,21 @@ def main(stage, size, rounds):
         make_orthophoto(source, size)
         rows = []
         for number in range(1, rounds + 1):
-            one, target_one = plain(source, folder, 1)
-            all_cores, target_all = plain(source, folder, cores)
-            ours, target, share = job(stage, source, folder)
-            counts = {count_tiles(target_one), count_tiles(target_all), count_tiles(target)}
-            if len(counts) != 1:
-                sys.exit(f"the tile counts differ: {counts}")
-            rows.append((one, all_cores, ours, ours / all_cores, share))
+            row, tiles = run_round(stage, stage_with_script, source, folder, cores)
+            rows.append(row)
             print(
-                f"round {number}: plain 1 process {one:.1f} s, plain {cores} processes {all_cores:.1f} s, "
-                f"job {ours:.1f} s, job/plain {ours / all_cores:.3f}, "
-                f"waiting thread {100 * share:.1f} % of a core",
+                f"round {number}: plain 1 process {row.one:.1f} s, "
+                f"plain {cores} processes {row.all_cores:.1f} s, "
+                f"job with script {row.script:.1f} s, job with engine {row.engine:.1f} s, "
+                f"waiting thread {100 * row.waiting:.1f} % of a core",
                 flush=True,
             )
-            for done in (target_one, target_all, target):
-                shutil.rmtree(done)
-        print(
-            f"{size} x {size} pixels, {counts.pop()} tiles, {cores} cores; medians: "
-            f"job/plain {statistics.median(row[3] for row in rows):.3f}, "
-            f"plain 1/plain {cores} {statistics.median(row[0] / row[1] for row in rows):.2f}, "
-            f"waiting thread {100 * statistics.median(row[4] for row in rows):.1f} %"
-        )
-        print(f"largest process {resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss // 1024} MiB")
+        print(f"{size} x {size} pixels, {tiles} tiles, {cores} cores; medians:")
+        for what in rows[0].ratios():
+            print(f"  {what}: {statistics.median(row.ratios()[what] for row in rows):.3f}")
+        waiting = statistics.median(row.waiting for row in rows)
+        print(f"  waiting thread: {100 * waiting:.1f} % of a core")
 
 
 if __name__ == "__main__":
-    main(pathlib.Path(sys.argv[1]), int(sys.argv[2]), int(sys.argv[3]))
+    main(pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2]), int(sys.argv[3]), int(sys.argv[4]))
