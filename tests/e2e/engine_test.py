@@ -1,33 +1,20 @@
 """The tile engine in the tool folder: it takes the place of the tiling script and its interpreter."""
 
+import os
+import subprocess
 import unittest
 
-from batch_support import ENGINE, BatchTest, start_wine, windows_path
+from batch_support import ENGINE, PATIENCE, WINE, start_wine, windows_path
 from rasters import NATIONAL_GRID, OWN_ZONE, make_raster
-from results import Job, ResultChecks, links
+from results import Job, links
+from tool_folder import ToolFolderTest
 
 
 def setUpModule():
     start_wine()
 
 
-class EngineTest(BatchTest, ResultChecks):
-    def setUp(self):
-        super().setUp()
-        self.stage = self.private_stage()
-        self.own = make_raster(self.folder / "own.tif", OWN_ZONE)
-        self.job = Job(self.folder / "out", 1)
-        self.call_list = self.folder / "calls"
-
-    def run_job(self, *orthophotos, **environment):
-        environment = {"FAKE_TOOL_CALLS": windows_path(self.call_list), **environment}
-        orthophotos = orthophotos or (self.own,)
-        return self.batch(
-            "--target", self.job.target, *orthophotos, stage=self.stage, environment=environment
-        )
-
-
-class Engine(EngineTest):
+class Engine(ToolFolderTest):
     def test_needs_neither_interpreter_nor_script(self):
         tools = self.stage / "gdal2tiles"
         self.assertFalse((tools / "python.exe").exists())
@@ -40,9 +27,7 @@ class Engine(EngineTest):
     def test_is_called_as_the_script_is(self):
         self.replace_tool(self.stage, ENGINE)
         self.run_job()
-        [[name, directory, path, gdal, data, plugins, command_line]] = [
-            line.split("\t") for line in self.call_list.read_text("cp1252").splitlines()
-        ]
+        [[name, directory, path, gdal, data, plugins, command_line]] = self.calls()
         folder = windows_path(self.stage / "gdal2tiles")
         self.assertEqual((name, directory, gdal), (ENGINE, folder, folder))
         self.assertEqual(path.split(";")[-1], folder)
@@ -78,21 +63,60 @@ class Engine(EngineTest):
         self.assert_position(self.job.folder(0), grid)
 
     def test_takes_up_a_job_that_failed(self):
-        in_the_way = self.job.target / "leaflet.html"
-        in_the_way.mkdir(parents=True)
-        run = self.run_job("--overwrite", "yes", self.own)
-        self.assertEqual(run.code, 1, run)
-        self.assertIn("leaflet.html", run.errors[0])
-        times = {tile: tile.stat().st_mtime_ns for tile in self.job.target.rglob("*.png")}
-        self.assertGreater(len(times), 3)
-        in_the_way.rmdir()
-        run = self.run_job("--overwrite", "yes", self.own)
-        self.assertEqual((run.code, run.errors), (0, []), run)
-        finest = max(int(tile.parts[-3]) for tile in times)
-        for tile, time in times.items():
-            if int(tile.parts[-3]) == finest:
-                self.assertEqual(tile.stat().st_mtime_ns, time, "was made again")
-        self.assert_result(self.job, 0, self.own)
+        # The second one is reprojected first, each time anew.
+        grid = make_raster(self.folder / "grid.tif", NATIONAL_GRID)
+        for orthophoto, place in ((self.own, OWN_ZONE), (grid, NATIONAL_GRID)):
+            with self.subTest(orthophoto.name):
+                job = Job(self.folder / f"out_{orthophoto.stem}", 1)
+                in_the_way = job.target / "leaflet.html"
+                in_the_way.mkdir(parents=True)
+                run = self.run_into(job, orthophoto)
+                self.assertEqual(run.code, 1, run)
+                self.assertIn("leaflet.html", run.errors[0])
+                times = {tile: tile.stat().st_mtime_ns for tile in job.target.rglob("*.png")}
+                self.assertGreater(len(times), 3)
+                in_the_way.rmdir()
+                run = self.run_into(job, orthophoto)
+                self.assertEqual((run.code, run.errors), (0, []), run)
+                self.assertEqual({tile: tile.stat().st_mtime_ns for tile in times}, times)
+                self.assert_result(job, 0, orthophoto, place)
+
+    def run_into(self, job, orthophoto):
+        return self.batch("--target", job.target, "--overwrite", "yes", orthophoto, stage=self.stage)
+
+    def test_shares_its_work(self):
+        whole, shared = self.folder / "whole" / "m", self.folder / "shared" / "m"
+        self.cut(whole)
+        for index in range(3):
+            self.cut(shared, f"--shard={index}/3")
+        self.assertFalse((shared / "doc.kml").exists())
+        self.cut(shared, "--merge")
+        names = sorted(path.relative_to(whole) for path in whole.rglob("*") if path.is_file())
+        self.assertGreater(len(names), 10)
+        self.assertEqual(
+            sorted(path.relative_to(shared) for path in shared.rglob("*") if path.is_file()), names
+        )
+        for name in names:
+            self.assertEqual((shared / name).read_bytes(), (whole / name).read_bytes(), name)
+
+    def cut(self, output, *options):
+        log = self.folder / "log"
+        log.unlink(missing_ok=True)
+        run = subprocess.run(
+            [
+                WINE,
+                self.stage / "gdal2tiles" / ENGINE,
+                *options,
+                "-k",
+                *map(windows_path, (self.own, output)),
+            ],
+            env={**os.environ, "MOSAICON_TILER_LOG": windows_path(log)},
+            stdout=subprocess.DEVNULL,
+            timeout=PATIENCE,
+            check=False,
+        )
+        # The exit code is Wine's: it kills a program that is done, but slow to leave the memory.
+        self.assertEqual(log.read_text().splitlines()[-1], "RESULT OK", run.returncode)
 
 
 if __name__ == "__main__":

@@ -3,9 +3,10 @@
 import shutil
 import unittest
 
-from batch_support import STAGE, BatchTest, link_or_copy, start_wine, windows_path
-from rasters import NATIONAL_GRID, OWN_ZONE, make_raster
-from results import Job, ResultChecks, files_below, links
+from batch_support import STAGE, link_or_copy, start_wine, windows_path
+from rasters import NATIONAL_GRID, make_raster
+from results import files_below, links
+from tool_folder import ToolFolderTest
 
 CONTACT = r"\. Please contact .+ \(\S+@\S+\)$"
 TRANSLATOR, WARPER, SCRIPT, INTERPRETER = (
@@ -20,30 +21,15 @@ def setUpModule():
     start_wine()
 
 
-class ToolsTest(BatchTest, ResultChecks):
+class ToolsTest(ToolFolderTest):
+    maps = 2
+
     def setUp(self):
         super().setUp()
-        self.stage = self.private_stage()
         self.grid = make_raster(self.folder / "grid.tif", NATIONAL_GRID)
-        self.own = make_raster(self.folder / "own.tif", OWN_ZONE)
-        self.job = Job(self.folder / "out", 2)
-        self.call_list = self.folder / "calls"
 
-    def run_job(self, *orthophotos, **environment):
-        environment = {"FAKE_TOOL_CALLS": windows_path(self.call_list), **environment}
-        return self.batch(
-            "--target",
-            self.job.target,
-            *(orthophotos or (self.grid, self.own)),
-            stage=self.stage,
-            environment=environment,
-        )
-
-    def calls(self):
-        """The calls of the fake tools, a list of fields each."""
-        if not self.call_list.exists():
-            return []
-        return [line.split("\t") for line in self.call_list.read_text("cp1252").splitlines()]
+    def orthophotos(self):
+        return self.grid, self.own
 
     def assert_not_started(self, run, *orthophotos):
         self.assertEqual(run.code, 1, run)
