@@ -5,6 +5,16 @@
 
 namespace tiler {
 
+namespace {
+
+// What the JPEG library goes on after: with pixels of its own invention, or with grey.
+bool IsAboutDamage(const std::string& warning) {
+  return warning.find("Corrupt JPEG data") != std::string::npos ||
+         warning.find("Premature end of JPEG file") != std::string::npos;
+}
+
+}  // namespace
+
 GdalErrors::GdalErrors(RunLog& log) : m_log(log) {
   CPLPushErrorHandlerEx(&GdalErrors::Hear, this);
 }
@@ -24,7 +34,7 @@ void GdalErrors::Hear(CPLErr kind, CPLErrorNum number, const char* text) {
     self.m_log.Line(line);
     return;
   }
-  const bool isFailure = kind >= CE_Failure;
+  const bool isFailure = kind >= CE_Failure || IsAboutDamage(line);
   self.m_log.Line((isFailure ? "ERROR " : "Warning ") + std::to_string(number) + ": " + line);
   if (isFailure) self.m_failure = line.empty() ? "error " + std::to_string(number) : line;
 }

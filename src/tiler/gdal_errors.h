@@ -20,7 +20,8 @@ class GdalErrors {
   GdalErrors(const GdalErrors&) = delete;
   GdalErrors& operator=(const GdalErrors&) = delete;
 
-  // The text of the last failure since Forget(); warnings are none. Empty: there was none.
+  // The text of the last failure since Forget(); warnings are none, but for those of damaged pixels. Empty:
+  // there was none.
   const std::string& Failure() const { return m_failure; }
   void Forget() { m_failure.clear(); }
   // Throws TilerError with this text and the failure, when there was one.

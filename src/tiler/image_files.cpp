@@ -88,10 +88,20 @@ void AddState(GDALDataset& dataset, int depth, std::set<std::string>& seen, std:
   }
 }
 
-// Its pixels are bytes.
+void AddFilesOfPixels(const std::string& path, int depth, std::vector<std::string>& files) {
+  const GDALDatasetUniquePtr image = Open(path);
+  if (!image) return;
+  if (!IsVirtual(*image) || depth == kMostDepth) {
+    files.push_back(path);
+    return;
+  }
+  for (const std::string& part : PartsOf(*image)) AddFilesOfPixels(part, depth + 1, files);
+}
+
 SourceLayout OwnLayoutOf(GDALDataset& dataset) {
+  const int bytes = GDALGetDataTypeSizeBytes(dataset.GetRasterBand(1)->GetRasterDataType());
   SourceLayout layout = {dataset.GetRasterXSize(),
-                         std::int64_t{dataset.GetRasterXSize()} * dataset.GetRasterCount(), 0, 0};
+                         std::int64_t{dataset.GetRasterXSize()} * dataset.GetRasterCount() * bytes, 0, 0};
   dataset.GetRasterBand(1)->GetBlockSize(&layout.blockWidth, &layout.blockHeight);
   return layout;
 }
@@ -119,6 +129,12 @@ SourceLayout LayoutOf(GDALDataset& dataset) {
   layout.blockWidth = within.IsStriped() ? layout.width : std::min(within.blockWidth, layout.width - 1);
   layout.blockHeight = within.blockHeight;
   return layout;
+}
+
+std::vector<std::string> FilesOfPixels(const std::string& path) {
+  std::vector<std::string> files;
+  AddFilesOfPixels(path, 0, files);
+  return files;
 }
 
 std::string StateOf(GDALDataset& dataset) {

@@ -3,6 +3,7 @@
 #define MOSAICON_TILER_IMAGE_FILES_H_
 
 #include <string>
+#include <vector>
 
 #include "tiler/memory_plan.h"
 
@@ -13,7 +14,10 @@ namespace tiler {
 // Whether its pixels are those of other images, and perhaps computed from them.
 bool IsVirtual(GDALDataset& dataset);
 
-// Of an image of bytes.
+// The images that hold its pixels, as GDAL opens them: itself, or those that it is made of, as far as they
+// open.
+std::vector<std::string> FilesOfPixels(const std::string& path);
+
 SourceLayout LayoutOf(GDALDataset& dataset);
 
 // The same text for an image that nobody has changed, and another for any other: the names of its files, how

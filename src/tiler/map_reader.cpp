@@ -1,5 +1,7 @@
 #include "tiler/map_reader.h"
 
+#include "tiler/tiler_error.h"
+
 namespace tiler {
 
 MapReader::MapReader(const MapView& view, RunLog& log)
@@ -11,7 +13,12 @@ Tile MapReader::Read(const TileQuery& query) {
   if (query.width == 0 || query.height == 0 || query.queryWidth == 0 || query.queryHeight == 0) {
     return Tile(kTilePixels);
   }
-  m_reader->Read({query.x, query.y, static_cast<int>(query.width), static_cast<int>(query.height)}, m_window);
+  try {
+    m_reader->Read({query.x, query.y, static_cast<int>(query.width), static_cast<int>(query.height)},
+                   m_window);
+  } catch (const TilerError& failure) {
+    throw NotRead(failure.what());
+  }
   return AveragedTile(m_window, query.width, ColumnsOf(query, m_image.width), RowsOf(query, m_image.height));
 }
 

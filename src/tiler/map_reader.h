@@ -17,6 +17,7 @@ class MapReader {
   // Throws TilerError, like all of it.
   MapReader(const MapView& view, RunLog& log);
 
+  // Throws NotRead.
   Tile Read(const TileQuery& query);
 
  private:

@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "tiler/damaged_place.h"
 #include "tiler/kml_text.h"
 #include "tiler/map_pages.h"
 #include "tiler/map_view.h"
@@ -156,6 +157,10 @@ void RunTiler(const Request& request, RunLog& log, ProgressRecords& records, con
     } else {
       FinishMap(request, pyramid, output, journal);
     }
+  } catch (const NotRead& failure) {
+    RemovePartialFiles(output, request, plan);
+    const std::string place = DamagedPlace(request.input, stop, log);
+    throw TilerError(failure.what() + (place.empty() ? "" : "; " + place));
   } catch (...) {
     RemovePartialFiles(output, request, plan);
     throw;

@@ -17,6 +17,12 @@ class TilerError : public std::runtime_error {
 // When GDAL gives up and no better is known.
 inline constexpr const char* kNotRead = "the image could not be read or tiled";
 
+// Pixels of the image could not be read.
+class NotRead : public TilerError {
+ public:
+  using TilerError::TilerError;
+};
+
 // The run was asked to end before it was complete.
 class Stopped : public TilerError {
  public:
