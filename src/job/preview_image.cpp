@@ -9,6 +9,9 @@
 #include "files/system_files.h"
 #include "job/partial_files.h"
 #include "kvtools/split_path.h"
+#include "tiler/seen_image.h"
+#include "tiler/shown_bands.h"
+#include "tiler/tiler_error.h"
 
 namespace {
 
@@ -40,19 +43,14 @@ bool IsPartOf(GDALDataset& input, const std::string& path) {
   return false;
 }
 
-// Whether the format can show the image at all. The JPEG driver would write samples of 16 bits as 12
-// bits, which hardly any program opens.
-bool CanHold(GDALDriver& format, GDALDataset& input) {
-  if (input.GetRasterCount() < 1) return Refuse("the image has no bands");
-  const bool isJpeg = EQUAL(format.GetDescription(), "JPEG");
-  return !isJpeg || input.GetRasterBand(1)->GetRasterDataType() == GDT_Byte ||
-         Refuse("a JPEG picture holds 8 bits only");
+bool IsJpeg(GDALDriver& format) {
+  return EQUAL(format.GetDescription(), "JPEG");
 }
 
 // JPEG knows no grey with transparency: the grey alone is the picture then.
 int CountPictureBands(GDALDriver& format, GDALDataset& input) {
   const int count = input.GetRasterCount();
-  return count == 2 && EQUAL(format.GetDescription(), "JPEG") ? 1 : count;
+  return count == 2 && IsJpeg(format) ? 1 : count;
 }
 
 // Reads the first bands of input, resampled to width x height, into a new in-memory dataset.
@@ -78,6 +76,21 @@ GDALDatasetUniquePtr ReduceInMemory(GDALDataset& input, int bandCount, GDALDrive
     return nullptr;
   }
   return reduced;
+}
+
+// A JPEG of values that are no colours shows the tiles' colours: it holds bytes only, and no palette.
+GDALDatasetUniquePtr Reduce(GDALDataset& input, GDALDriver& format, GDALDriver& memory, const char* name,
+                            int width, int height) {
+  if (!IsJpeg(format) || tiler::HoldsColours(input)) {
+    return ReduceInMemory(input, CountPictureBands(format, input), memory, name, width, height);
+  }
+  try {
+    const tiler::SeenImage seen(input);
+    return ReduceInMemory(seen.Dataset(), seen.Colours(), memory, name, width, height);
+  } catch (const tiler::TilerError& failure) {
+    Refuse(failure.what());
+    return nullptr;
+  }
 }
 
 bool WriteBytes(const std::string& path, const GByte* bytes, size_t size) {
@@ -123,7 +136,8 @@ bool MakePicture(const std::string& inputPath, const std::string& outputPath) {
   if (memory == nullptr || format == nullptr) return false;
 
   GDALDatasetUniquePtr input(GDALDataset::FromHandle(GDALOpen(inputPath.c_str(), GA_ReadOnly)));
-  if (input == nullptr || !CanHold(*format, *input)) return false;
+  if (input == nullptr) return false;
+  if (input->GetRasterCount() < 1) return Refuse("the image has no bands");
   SystemFiles files;
   if (IsSameFile(files, inputPath, outputPath) || IsPartOf(*input, outputPath)) {
     return Refuse("it would replace the orthophoto");
@@ -131,8 +145,7 @@ bool MakePicture(const std::string& inputPath, const std::string& outputPath) {
   int width = 0;
   int height = 0;
   ComputePreviewSize(input->GetRasterXSize(), input->GetRasterYSize(), width, height);
-  const GDALDatasetUniquePtr reduced =
-      ReduceInMemory(*input, CountPictureBands(*format, *input), *memory, outputPath.c_str(), width, height);
+  const GDALDatasetUniquePtr reduced = Reduce(*input, *format, *memory, outputPath.c_str(), width, height);
   input.reset();
   return reduced != nullptr && WriteCopy(*format, outputPath, *reduced);
 }

@@ -6,7 +6,8 @@
 
 // Writes a copy of inputPath with about 76,800 pixels (320 x 240; smaller images are enlarged) to
 // outputPath. The format follows its extension, in lower case only: jpg, tif or png. Of two bands a JPEG
-// gets the first one; it holds bands of 8 bits only.
+// gets the first one; of values that are no bytes, of a palette or of more than four bands, the colours of
+// the tiles.
 //
 // Returns 1 on success and 0 on failure, after which a file at outputPath is what it was before; reason, if
 // not null, is GDAL's word why, as far as it has one. A file that the input consists of is never replaced.

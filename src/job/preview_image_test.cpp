@@ -1,6 +1,8 @@
 #include "job/preview_image.h"
 
 #include <gtest/gtest.h>
+
+#include <filesystem>
 #ifndef _WIN32
 #include <unistd.h>
 #endif
@@ -135,15 +137,38 @@ TEST_F(PreviewImage, ShowsTheGreyOfGreyWithTransparency) {
   EXPECT_EQ(Open("x.jpg")->GetRasterCount(), 1);
 }
 
-TEST_F(PreviewImage, MakesNoJpegOfSamplesThatItCannotHold) {
+TEST_F(PreviewImage, ShowsTheColoursOfTheTilesWhereValuesAreNoColours) {
   for (const GDALDataType type : {GDT_UInt16, GDT_Int16, GDT_Float32}) {
     RasterRecipe recipe;
+    recipe.width = 128;
+    recipe.height = 96;
     recipe.type = type;
-    std::string reason;
-    EXPECT_EQ(MakePreviewImage(Make(recipe), m_folder.Path("x.jpg"), &reason), 0) << type;
-    EXPECT_EQ(reason, "a JPEG picture holds 8 bits only");
-    EXPECT_FALSE(FileExists(m_folder.Path("x.jpg")));
+    recipe.bands = 6;
+    ASSERT_EQ(MakePreviewImage(Make(recipe), m_folder.Path("x.jpg")), 1) << type;
+    const GDALDatasetUniquePtr picture = Open("x.jpg");
+    EXPECT_EQ(picture->GetRasterCount(), 3);
+    const auto value = [&picture](int x, int y) {
+      GByte pixel = 0;
+      EXPECT_EQ(
+          picture->GetRasterBand(1)->RasterIO(GF_Read, x, y, 1, 1, &pixel, 1, 1, GDT_Byte, 0, 0, nullptr),
+          CE_None);
+      return int{pixel};
+    };
+    EXPECT_LT(value(0, 0), 10) << type;
+    EXPECT_NEAR(value(160, 120), 127, 10) << type;
+    EXPECT_GT(value(319, 239), 245) << type;
   }
+}
+
+TEST_F(PreviewImage, TellsWhyThereAreNoColours) {
+  RasterRecipe recipe;
+  recipe.type = GDT_UInt16;
+  const std::string input = Make(recipe);
+  std::filesystem::resize_file(input, std::filesystem::file_size(input) / 2);
+  std::string reason;
+  EXPECT_EQ(MakePreviewImage(input, m_folder.Path("x.jpg"), &reason), 0);
+  EXPECT_NE(reason.find("the image could not be read"), std::string::npos) << reason;
+  EXPECT_FALSE(FileExists(m_folder.Path("x.jpg")));
 }
 
 TEST_F(PreviewImage, NeverReplacesItsInput) {
@@ -179,9 +204,9 @@ TEST_F(PreviewImage, LeavesNothingBehindWhenTheFormatCannotHoldTheImage) {
   RasterRecipe recipe;
   recipe.bands = 5;
   std::string reason;
-  EXPECT_EQ(MakePreviewImage(Make(recipe), m_folder.Path("x.jpg"), &reason), 0);
-  EXPECT_EQ(reason, "JPEG driver doesn't support 5 bands.  Must be 1 (grey), 3 (RGB) or 4 bands (CMYK).");
-  EXPECT_FALSE(FileExists(m_folder.Path("x.jpg")));
+  EXPECT_EQ(MakePreviewImage(Make(recipe), m_folder.Path("x.png"), &reason), 0);
+  EXPECT_NE(reason.find("5 bands"), std::string::npos) << reason;
+  EXPECT_FALSE(FileExists(m_folder.Path("x.png")));
   recipe.bands = 3;
   recipe.type = GDT_Float32;
   EXPECT_EQ(MakePreviewImage(Make(recipe), m_folder.Path("x.png")), 0);
@@ -189,13 +214,13 @@ TEST_F(PreviewImage, LeavesNothingBehindWhenTheFormatCannotHoldTheImage) {
 }
 
 TEST_F(PreviewImage, ReplacesAnOldPictureOnlyByACompleteOne) {
-  WriteFile(m_folder.Path("x.jpg"), "old");
+  WriteFile(m_folder.Path("x.png"), "old");
   RasterRecipe recipe;
   recipe.bands = 5;
-  EXPECT_EQ(MakePreviewImage(Make(recipe), m_folder.Path("x.jpg")), 0);
-  EXPECT_EQ(ReadFile(m_folder.Path("x.jpg")), "old");
-  EXPECT_EQ(MakePreviewImage(Make({}), m_folder.Path("x.jpg")), 1);
-  EXPECT_NE(Open("x.jpg"), nullptr);
+  EXPECT_EQ(MakePreviewImage(Make(recipe), m_folder.Path("x.png")), 0);
+  EXPECT_EQ(ReadFile(m_folder.Path("x.png")), "old");
+  EXPECT_EQ(MakePreviewImage(Make({}), m_folder.Path("x.png")), 1);
+  EXPECT_NE(Open("x.png"), nullptr);
   EXPECT_FALSE(FileExists(m_folder.Path("p.~mos")));
 }
 

@@ -7,6 +7,7 @@
 
 #include "tiler/gdal_errors.h"
 #include "tiler/gdal_objects.h"
+#include "tiler/hidden_colour.h"
 #include "tiler/map_srs.h"
 #include "tiler/tiler_error.h"
 #include "tiler/window_reader.h"
@@ -53,6 +54,7 @@ class DirectReader : public WindowReader {
   DirectReader(const MapView& view, RunLog& log)
       : m_colours(view.colours),
         m_hasAlpha(view.direct->hasAlpha),
+        m_hidden(view.direct->transparent.empty() ? view.hidden : view.direct->transparent),
         m_errors(log),
         m_source(view.direct->shared ? view.direct->shared
                                      : OpenShared(view.direct->source, m_errors, kNotRead)),
@@ -60,7 +62,8 @@ class DirectReader : public WindowReader {
                 m_source->dataset->GetRasterXSize(), m_source->dataset->GetRasterYSize()) {
     const std::lock_guard lock(m_source->mutex);
     m_transformer = MakeTransformer(*m_source->dataset, view);
-    SetOutside(view.direct->transparent);
+    // What lies outside of the source image has the transparent colour.
+    if (!view.direct->transparent.empty()) m_outside = PixelOf(view.direct->transparent, 0);
   }
 
   void Read(const PixelWindow& window, std::vector<Pixel>& pixels) override {
@@ -77,16 +80,6 @@ class DirectReader : public WindowReader {
   }
 
  private:
-  // What lies outside of the source image has the transparent colour.
-  void SetOutside(const std::vector<int>& transparent) {
-    m_hasTransparent = !transparent.empty();
-    if (!m_hasTransparent) return;
-    const auto channel = [&](std::size_t i) {
-      return static_cast<std::uint8_t>(transparent[m_colours == 1 ? 0 : i]);
-    };
-    m_outside = {channel(0), channel(1), channel(2), 0};
-  }
-
   void Transform(std::vector<double>& xs, std::vector<double>& ys) {
     m_heights.assign(xs.size(), 0.0);
     m_found.assign(xs.size(), FALSE);
@@ -107,12 +100,7 @@ class DirectReader : public WindowReader {
     if (m_colours == 1) {
       for (Pixel& pixel : m_box) pixel.green = pixel.blue = pixel.red;
     }
-    if (!m_hasTransparent) return;
-    Pixel visible = m_outside;
-    visible.alpha = 255;
-    for (Pixel& pixel : m_box) {
-      if (pixel == visible) pixel.alpha = 0;
-    }
+    Hide(m_hidden, m_box);
   }
 
   CPLErr ReadSource(const PixelWindow& box) {
@@ -127,11 +115,11 @@ class DirectReader : public WindowReader {
 
   int m_colours;
   bool m_hasAlpha;
+  std::vector<int> m_hidden;
   GdalErrors m_errors;
   std::shared_ptr<SharedImage> m_source;
   Transformer m_transformer;
   WarpIndex m_index;
-  bool m_hasTransparent = false;
   Pixel m_outside;
   std::vector<Pixel> m_box;
   std::vector<double> m_heights;

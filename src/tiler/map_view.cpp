@@ -17,6 +17,7 @@
 #include "tiler/number_text.h"
 #include "tiler/source_image.h"
 #include "tiler/tiler_error.h"
+#include "tiler/virtual_raster.h"
 #include "tiler/warp_options.h"
 
 namespace tiler {
@@ -48,11 +49,6 @@ std::vector<int> NodataOf(GDALDataset& dataset) {
     values.push_back(static_cast<int>(value));
   }
   return values;
-}
-
-std::string XmlOf(GDALDataset& dataset) {
-  char** text = dataset.GetMetadata("xml:VRT");
-  return text == nullptr || *text == nullptr ? "" : *text;
 }
 
 std::array<double, 6> GeoTransformOf(GDALDataset& dataset) {
@@ -178,12 +174,15 @@ MapView MakeMapView(const SourceImage& source, RunLog& log) {
   const bool isInMapSrs = IsInMapSrs(*dataset, srs);
   std::optional<Latitudes> beyondTheMap = LatitudesOf(*dataset, srs);
   if (beyondTheMap && !beyondTheMap->BeyondTheMap()) beyondTheMap.reset();
+  // GDAL has one way to be transparent for an image, or the other.
+  const bool isLeftToUs = HasAlphaBand(*dataset);
+  const std::vector<int> transparent = isLeftToUs ? std::vector<int>() : source.Transparent();
   const GDALDatasetUniquePtr view =
-      isInMapSrs ? AsItIs(*dataset, errors)
-                 : Reprojected(*dataset, srs, beyondTheMap, source.Transparent(), errors);
-  MapView made = {XmlOf(*view), ImageOf(*view), ColoursOf(*view), std::nullopt};
+      isInMapSrs ? AsItIs(*dataset, errors) : Reprojected(*dataset, srs, beyondTheMap, transparent, errors);
+  MapView made = {XmlOf(*view), ImageOf(*view), ColoursOf(*view), {}, std::nullopt};
+  if (isLeftToUs) made.hidden = source.Transparent();
   if (!isInMapSrs && IsSimple(*dataset) && !beyondTheMap) {
-    made.direct = {source.Name(), WktOf(srs), source.Transparent(), HasAlphaBand(*dataset), nullptr};
+    made.direct = {source.Name(), WktOf(srs), transparent, HasAlphaBand(*dataset), nullptr};
     const bool isShared = source.Layout().IsStriped() && !source.IsComputed();
     if (isShared) made.direct->shared = OpenShared(source.Name(), errors, kNotRead);
   }

@@ -32,6 +32,9 @@ struct MapView {
   MapImage image;
   // Bands of colours, 1 (grey) or 3.
   int colours = 0;
+  // A colour that shows nothing either, a value for each colour band, which readers have to see to: the
+  // virtual raster has transparency of another kind. Empty: there is none.
+  std::vector<int> hidden;
   std::optional<DirectWarp> direct;
 };
 

@@ -41,7 +41,11 @@ fs::path PlaceOfLog() {
 
 }  // namespace
 
-RunLog::RunLog() : m_path(PlaceOfLog()), m_file(m_path, std::ios::binary | std::ios::app) {}
+RunLog::RunLog() : RunLog(PlaceOfLog()) {}
+
+RunLog::RunLog(const fs::path& path) : m_path(path) {
+  if (!path.empty()) m_file.open(path, std::ios::binary | std::ios::app);
+}
 
 void RunLog::Line(const std::string& text) {
   std::string line = text;

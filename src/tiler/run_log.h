@@ -20,6 +20,8 @@ class RunLog {
   // The one in the standard place is moved to <name>.old when it has grown past 1 MiB; a log that the caller
   // named is the caller's to keep short.
   RunLog();
+  // In this file; empty: nowhere.
+  explicit RunLog(const std::filesystem::path& path);
 
   const std::filesystem::path& Path() const { return m_path; }
 

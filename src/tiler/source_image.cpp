@@ -1,15 +1,12 @@
 #include "tiler/source_image.h"
 
-#include <cpl_string.h>
-#include <cpl_vsi.h>
-#include <gdal_utils.h>
 #include <ogr_spatialref.h>
 
-#include <algorithm>
 #include <array>
-#include <atomic>
 #include <filesystem>
+#include <utility>
 
+#include "tiler/colour_image.h"
 #include "tiler/gdal_errors.h"
 #include "tiler/gdal_objects.h"
 #include "tiler/image_files.h"
@@ -18,7 +15,10 @@
 #include "tiler/number_text.h"
 #include "tiler/path_text.h"
 #include "tiler/run_log.h"
+#include "tiler/shown_bands.h"
 #include "tiler/tiler_error.h"
+#include "tiler/virtual_raster.h"
+#include "tiler/warped_input.h"
 
 namespace tiler {
 
@@ -32,17 +32,10 @@ GDALDatasetUniquePtr Open(const std::string& path, const GdalErrors& errors) {
 }
 
 void CheckPixels(GDALDataset& dataset) {
-  const int count = dataset.GetRasterCount();
-  if (count < 1 || count > 4) {
-    throw TilerError("the image has " + std::to_string(count) +
-                     " bands; only 1 to 4 bands of 8 bits can be tiled");
-  }
+  if (dataset.GetRasterCount() < 1) throw TilerError("the image has no bands");
   for (GDALRasterBand* band : dataset.GetBands()) {
-    if (band->GetColorTable() != nullptr) {
-      throw TilerError("the image has a colour palette; convert it to RGB before tiling");
-    }
     const GDALDataType type = band->GetRasterDataType();
-    if (type != GDT_Byte) {
+    if (GDALDataTypeIsComplex(type) != FALSE) {
       throw TilerError("the image has " + std::to_string(GDALGetDataTypeSize(type)) + "-bit pixels (" +
                        GDALGetDataTypeName(type) + "); convert it to 8 bits before tiling");
     }
@@ -81,10 +74,17 @@ void CheckReadable(const std::string& path, GDALDataset& dataset, GdalErrors& er
   }
 }
 
-// Whether a mask stands beside the bands (one that nodata values make does not count).
-bool HasMask(GDALDataset& dataset) {
-  const int flags = dataset.GetRasterBand(1)->GetMaskFlags();
-  return (flags & GMF_PER_DATASET) != 0 && (flags & GMF_NODATA) == 0;
+// Whether what gdalwarp leaves outside of the image, where all values are 0, is hidden without more ado: see
+// MakeColourImage.
+bool IsOutsideHidden(GDALDataset& dataset, const Request& request) {
+  return request.transparent == Colour{0, 0, 0} &&
+         HowToShow(dataset, ShownBandsOf(dataset)) == How::kStretched;
+}
+
+std::vector<int> AllBandsOf(GDALDataset& dataset) {
+  std::vector<int> all;
+  for (GDALRasterBand* band : dataset.GetBands()) all.push_back(band->GetBand());
+  return all;
 }
 
 bool HasNodata(GDALDataset& dataset) {
@@ -96,55 +96,11 @@ bool HasNodata(GDALDataset& dataset) {
   return false;
 }
 
-// Numbers of the bands to show, from 1 on.
-struct ShownBands {
-  std::vector<int> colours;  // 1 or 3
-  std::vector<int> alpha;    // 0 or 1
-
-  std::vector<int> All() const {
-    std::vector<int> all = colours;
-    all.insert(all.end(), alpha.begin(), alpha.end());
-    return all;
-  }
-};
-
-ShownBands ShownBandsOf(GDALDataset& dataset) {
-  ShownBands shown;
-  for (GDALRasterBand* band : dataset.GetBands()) {
-    const bool isAlpha = band->GetColorInterpretation() == GCI_AlphaBand;
-    (isAlpha ? shown.alpha : shown.colours).push_back(band->GetBand());
-  }
-  if (shown.colours.empty()) throw TilerError("the image has no colour band");
-  shown.colours.resize(shown.colours.size() >= 3 ? 3 : 1);
-  shown.alpha.resize(std::min<std::size_t>(1, shown.alpha.size()));
-  return shown;
-}
-
-// Makes a virtual raster of these bands and leaves it in GDAL's memory; its name there.
-std::string MakeVirtual(GDALDataset& dataset, const std::vector<int>& bands, const std::string& metadata,
-                        GdalErrors& errors) {
-  static std::atomic<int> count = 0;
-  std::string name = "/vsimem/mosaicon_input_" + std::to_string(++count) + ".vrt";
-  CPLStringList words;
-  words.AddString("-of").AddString("VRT");
-  for (const int band : bands) words.AddString("-b").AddString(std::to_string(band).c_str());
-  words.AddString("-a_nodata").AddString("none");
-  if (!metadata.empty()) words.AddString("-mo").AddString(metadata.c_str());
-  GDALTranslateOptions* options = GDALTranslateOptionsNew(words.List(), nullptr);
-  int misused = FALSE;
-  const GDALDatasetUniquePtr made(GDALDataset::FromHandle(
-      GDALTranslate(name.c_str(), GDALDataset::ToHandle(&dataset), options, &misused)));
-  GDALTranslateOptionsFree(options);
-  errors.Check(kNotRead);
-  if (!made) throw TilerError(kNotRead);
-  return name;
-}
-
 }  // namespace
 
 SourceImage::SourceImage(const Request& request, RunLog& log) : m_name(request.input), m_srs(request.srs) {
   GdalErrors errors(log);
-  const GDALDatasetUniquePtr dataset = Open(request.input, errors);
+  GDALDatasetUniquePtr dataset = Open(request.input, errors);
   CheckPixels(*dataset);
   const OGRSpatialReference srs = SrsOf(*dataset, request.srs);
   errors.Forget();
@@ -156,34 +112,65 @@ SourceImage::SourceImage(const Request& request, RunLog& log) : m_name(request.i
   m_isComputed = IsVirtual(*dataset);
   errors.Forget();
 
-  const ShownBands shown = ShownBandsOf(*dataset);
-  const std::vector<int> bands = shown.All();
-  const bool isTransparent = !shown.alpha.empty() || HasMask(*dataset);
-  if (request.transparent && isTransparent) {
-    log.Line("The image has its own transparency; the transparent colour is not used.");
-  } else if (request.transparent) {
-    // Component i of the colour belongs to band i: red to the first, which is also the only one of a grey
-    // image.
-    m_transparent.assign(request.transparent->begin(), request.transparent->end());
-    m_transparent.resize(shown.colours.size());
+  const std::optional<WarpedInput> warped = WithTransparency(*dataset, request.input, errors);
+  const bool isWithTransparency = warped && (warped->hasMask || !IsOutsideHidden(*dataset, request));
+  if (isWithTransparency) {
+    const MemoryFile& file = m_virtual.emplace_back(".vrt");
+    file.Write(warped->xml);
+    m_name = file.Name();
+    dataset = OpenImage(m_name, errors, kNotRead);
   }
-  std::vector<int> all;
-  for (GDALRasterBand* band : dataset->GetBands()) all.push_back(band->GetBand());
+  const bool isTransparent = isWithTransparency ? warped->hasMask : HasTransparency(*dataset);
+  std::optional<Colour> transparent = request.transparent;
+  if (transparent && isTransparent) {
+    log.Line("The image has its own transparency; the transparent colour is not used.");
+    transparent.reset();
+  }
+  if (HoldsColours(*dataset)) {
+    ChooseBands(*dataset, isTransparent, transparent, IsInMapSrs(*dataset, srs), log, errors);
+  } else {
+    MakeColours(*dataset, transparent, log, errors);
+  }
+  for (const MemoryFile& file : m_virtual) m_state += file.Text();
+}
+
+void SourceImage::ChooseBands(GDALDataset& image, bool isTransparent,
+                              const std::optional<Colour>& transparent, bool isInMapSrs, RunLog& log,
+                              GdalErrors& errors) {
+  const ShownBands shown = ShownBandsOf(image);
+  const std::vector<int> bands = shown.All();
+  if (transparent) SetTransparent(*transparent, shown.colours.size());
+  const std::vector<int> all = AllBandsOf(image);
   if (bands.size() != all.size()) {
     log.Line("Of the image's bands only [" + Joined(bands, ", ") + "] can be shown.");
   }
   std::string metadata;
-  if (!m_transparent.empty() && IsInMapSrs(*dataset, srs)) {
+  if (transparent && isInMapSrs && shown.alpha.empty()) {
     metadata = "NODATA_VALUES=" + Joined(m_transparent, " ");
   }
-  if (bands != all || (isTransparent && HasNodata(*dataset)) || !metadata.empty()) {
-    m_virtual = MakeVirtual(*dataset, bands, metadata, errors);
-    m_name = m_virtual;
+  if (bands != all || (isTransparent && HasNodata(image)) || !metadata.empty()) {
+    m_virtual.push_back(MakeVirtual(image, bands, "none", metadata, errors));
+    m_name = m_virtual.back().Name();
   }
 }
 
-SourceImage::~SourceImage() {
-  if (!m_virtual.empty()) VSIUnlink(m_virtual.c_str());
+void SourceImage::MakeColours(GDALDataset& image, const std::optional<Colour>& transparent, RunLog& log,
+                              GdalErrors& errors) {
+  const ShownBands shown = ShownBandsOf(image);
+  if (shown.All() != AllBandsOf(image)) {
+    log.Line("Of the image's bands [" + Joined(shown.All(), ", ") + "] are shown.");
+  }
+  ColourImage made = MakeColourImage(image, shown, transparent, log, errors);
+  if (made.transparent) SetTransparent(*made.transparent, made.colours);
+  for (MemoryFile& file : made.files) m_virtual.push_back(std::move(file));
+  m_name = m_virtual.back().Name();
+  m_isComputed = true;
+}
+
+// Component i of the colour belongs to band i: red to the first, which is also the only one of a grey image.
+void SourceImage::SetTransparent(const Colour& colour, std::size_t colours) {
+  m_transparent.assign(colour.begin(), colour.end());
+  m_transparent.resize(colours);
 }
 
 }  // namespace tiler

@@ -13,6 +13,7 @@
 #include "tiler/map_pages.h"
 #include "tiler/map_view.h"
 #include "tiler/memory_plan.h"
+#include "tiler/number_text.h"
 #include "tiler/output_folder.h"
 #include "tiler/path_text.h"
 #include "tiler/progress_records.h"
@@ -67,6 +68,7 @@ std::string IdentityOf(const Request& request, const SourceImage& source, const 
        {std::string(kVersion), std::string(GDALVersionInfo("RELEASE_NAME")), source.State(), view.xml})
     add(each);
   add(request.kml ? "kml" : "");
+  add(Joined(view.hidden, " "));
   add(std::to_string(unitLevels));
   return std::to_string(hash);
 }

@@ -1,5 +1,6 @@
 #include "tiler/gdal_errors.h"
 #include "tiler/gdal_objects.h"
+#include "tiler/hidden_colour.h"
 #include "tiler/tiler_error.h"
 #include "tiler/window_reader.h"
 
@@ -12,7 +13,10 @@ constexpr int kPixelBytes = static_cast<int>(sizeof(Pixel));
 class VirtualReader : public WindowReader {
  public:
   VirtualReader(const MapView& view, RunLog& log)
-      : m_colours(view.colours), m_errors(log), m_dataset(OpenImage(view.xml, m_errors, kNotRead)) {}
+      : m_colours(view.colours),
+        m_hidden(view.hidden),
+        m_errors(log),
+        m_dataset(OpenImage(view.xml, m_errors, kNotRead)) {}
 
   void Read(const PixelWindow& window, std::vector<Pixel>& pixels) override {
     pixels.resize(static_cast<std::size_t>(window.width) * static_cast<std::size_t>(window.height));
@@ -20,8 +24,10 @@ class VirtualReader : public WindowReader {
     std::uint8_t* channels[] = {&first.red, &first.green, &first.blue};
     for (int i = 0; i < m_colours; ++i) ReadBand(*m_dataset->GetRasterBand(i + 1), window, channels[i]);
     ReadBand(*m_dataset->GetRasterBand(1)->GetMaskBand(), window, &first.alpha);
-    if (m_colours != 1) return;
-    for (Pixel& pixel : pixels) pixel.green = pixel.blue = pixel.red;
+    if (m_colours == 1) {
+      for (Pixel& pixel : pixels) pixel.green = pixel.blue = pixel.red;
+    }
+    Hide(m_hidden, pixels);
   }
 
  private:
@@ -35,6 +41,7 @@ class VirtualReader : public WindowReader {
   }
 
   int m_colours;
+  std::vector<int> m_hidden;
   GdalErrors m_errors;
   GDALDatasetUniquePtr m_dataset;
 };

@@ -13,6 +13,7 @@ namespace {
 
 constexpr const char* kWarpOptions = "GDALWarpOptions";
 constexpr const char* kInitialValue = "INIT_DEST";
+constexpr const char* kSource = "SourceDataset";
 
 class Document {
  public:
@@ -108,6 +109,18 @@ std::string WithAlphaBand(const std::string& xml, int bands) {
   CPLCreateXMLElementAndValue(options, "DstAlphaBand", number.c_str());
   CPLAddXMLChild(options, MakeOption(kInitialValue, "0"));
   return document.Text();
+}
+
+std::optional<WarpSource> WithAbsoluteSource(const std::string& xml, const std::string& folder) {
+  const Document document(xml);
+  CPLXMLNode* options = document.WarpOptions();
+  const char* name = options == nullptr ? nullptr : CPLGetXMLValue(options, kSource, nullptr);
+  if (name == nullptr) return std::nullopt;
+  const bool isBeside = std::string_view(CPLGetXMLValue(options, "SourceDataset.relativeToVRT", "0")) == "1";
+  const std::string path = isBeside ? CPLProjectRelativeFilename(folder.c_str(), name) : name;
+  CPLSetXMLValue(options, kSource, path.c_str());
+  CPLSetXMLValue(options, "SourceDataset.#relativeToVRT", "0");
+  return WarpSource{path, document.Text()};
 }
 
 }  // namespace tiler

@@ -3,6 +3,7 @@
 #ifndef MOSAICON_TILER_WARP_OPTIONS_H_
 #define MOSAICON_TILER_WARP_OPTIONS_H_
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,13 @@ std::string WithNodata(const std::string& xml, const std::vector<int>& transpare
 // With a band of transparency behind the others: transparent is what lies outside of the image. bands: how
 // many there are.
 std::string WithAlphaBand(const std::string& xml, int bands);
+
+struct WarpSource {
+  std::string path;  // of the image that is warped
+  std::string xml;   // the description, which means that image wherever it lies itself
+};
+// folder: of the file that xml comes from. Nothing where no image is warped.
+std::optional<WarpSource> WithAbsoluteSource(const std::string& xml, const std::string& folder);
 
 }  // namespace tiler
 

@@ -59,10 +59,33 @@ TEST(WithAlphaBand, HasItBehindTheOthers) {
       << xml;
 }
 
+TEST(WithAbsoluteSource, MeansTheSameImageFromAnywhere) {
+  const auto made = [](const std::string& attribute, const std::string& name) {
+    return WithAbsoluteSource("<VRTDataset><GDALWarpOptions><SourceDataset" + attribute + ">" + name +
+                                  "</SourceDataset></GDALWarpOptions></VRTDataset>",
+                              "/in/some folder");
+  };
+  const auto beside = made(" relativeToVRT=\"1\"", "a.vrt");
+  ASSERT_TRUE(beside);
+  // With the separator of the system.
+  EXPECT_EQ(beside->path.substr(0, 15), "/in/some folder");
+  EXPECT_EQ(beside->path.substr(16), "a.vrt");
+  const std::string element = "<SourceDataset relativeToVRT=\"0\">" + beside->path + "</SourceDataset>";
+  EXPECT_NE(Dense(beside->xml).find(element), std::string::npos) << beside->xml;
+  EXPECT_EQ(made(" relativeToVRT=\"0\"", "/other/a.vrt")->path, "/other/a.vrt");
+  EXPECT_EQ(made("", "/other/a.vrt")->path, "/other/a.vrt");
+}
+
+TEST(WithAbsoluteSource, IsNothingWhereNoImageIsWarped) {
+  EXPECT_FALSE(WithAbsoluteSource("<VRTDataset><VRTRasterBand band=\"1\"/></VRTDataset>", "/in"));
+  EXPECT_FALSE(WithAbsoluteSource("<VRTDataset><GDALWarpOptions/></VRTDataset>", "/in"));
+}
+
 TEST(WarpOptions, RefuseWhatIsNoDescription) {
   for (const char* text : {"", "<", "<Other/>"}) {
     EXPECT_THROW(WithNodata(text, {}), TilerError) << text;
     EXPECT_THROW(WithAlphaBand(text, 3), TilerError) << text;
+    EXPECT_THROW(WithAbsoluteSource(text, "/in"), TilerError) << text;
   }
 }
 

@@ -277,12 +277,12 @@ class NothingAtAll(BadInput):
 class SeveralAtOnce(BadInput):
     def test_are_told_in_order_and_do_not_stop_the_rest(self):
         self.bad.write_text("no image")
-        sixteen = make_raster(self.inputs / "sixteen.tif", kind=gdal.GDT_UInt16)
+        complex_numbers = make_raster(self.inputs / "complex.tif", kind=gdal.GDT_CInt16)
         last = make_raster(self.inputs / "last.tif")
-        run = self.run_job(self.bad, self.good, sixteen, self.inputs / "none.tif", last, count=3)
+        run = self.run_job(self.bad, self.good, complex_numbers, self.inputs / "none.tif", last, count=3)
         self.assert_failed(
             run,
-            (sixteen, "the image has 16-bit pixels (UInt16); convert it to 8 bits before " "tiling"),
+            (complex_numbers, "the image has 32-bit pixels (CInt16); convert it to 8 bits before tiling"),
             before=self.told(
                 (self.bad, self.not_recognized(self.bad)),
                 (self.inputs / "none.tif", "there is no such file or folder"),

@@ -4,8 +4,10 @@ import re
 import subprocess
 import unittest
 
+from osgeo import gdal
+
 from batch_support import PATIENCE, WINE, BatchTest, snapshot, start_wine, windows_path
-from rasters import NATIONAL_GRID, make_raster, solid
+from rasters import NATIONAL_GRID, make_raster
 from results import Job, ResultChecks
 
 BATCH_SETTINGS = r"^HKEY_CURRENT_USER\\Software\\[^\\]+\\Mosaicon Batch(\\|$)"
@@ -113,10 +115,13 @@ class Quiet(BatchTest, ResultChecks):
         self.assert_links_resolve(self.folder / "out")
 
     def test_prints_what_failed(self):
-        six = make_raster(self.folder / "six.tif", pixels=solid(range(6)))
-        run = self.batch("--quiet", "--target", "out", six)
+        complex_numbers = make_raster(self.folder / "complex.tif", kind=gdal.GDT_CInt16)
+        run = self.batch("--quiet", "--target", "out", complex_numbers)
         self.assertEqual(run.output, [])
-        self.assert_failed(run, (six, "the image has 6 bands; only 1 to 4 bands of 8 bits can be tiled"))
+        self.assert_failed(
+            run,
+            (complex_numbers, "the image has 32-bit pixels (CInt16); convert it to 8 bits before tiling"),
+        )
 
 
 class Paths(BatchTest, ResultChecks):

@@ -2,9 +2,10 @@
 
 import unittest
 
+import numpy
 from osgeo import gdal
 
-from batch_support import BatchTest, start_wine, windows_path
+from batch_support import ENGINE, TILER, BatchTest, start_wine, windows_path
 from rasters import NATIONAL_GRID, OWN_ZONE, make_raster, picture, solid
 from results import Job, ResultChecks, shown_colours
 
@@ -127,8 +128,65 @@ class CanBeTiled(OddRasters):
         self.assert_position(self.job.target, orthophoto)
 
 
+@unittest.skipUnless(TILER == ENGINE, "the tiling script takes bytes only")
+class OtherValues(OddRasters):
+    """Whatever they are, they are seen in the tiles and in the picture, in both roads to the tiles."""
+
+    CASES = {
+        "bands": dict(pixels=numpy.concatenate([picture(320, 260)] * 2)),
+        "whole": dict(pixels=picture(320, 260).astype(numpy.uint16) * 40, kind=gdal.GDT_UInt16),
+        "real": dict(pixels=picture(320, 260)[:1] / 255, kind=gdal.GDT_Float32),
+        "palette": dict(pixels=picture(320, 260)[:1], palette=True),
+    }
+
+    def check(self, place):
+        orthophotos = [
+            make_raster(self.folder / (name + ".tif"), place=place, **how) for name, how in self.CASES.items()
+        ]
+        run = self.run_job(orthophotos)
+        self.assertEqual((run.code, run.errors), (0, []), run)
+        for index, name in enumerate(self.CASES):
+            with self.subTest(name):
+                folder = self.job.folder(index)
+                self.assertGreater(len(shown_colours(folder)), 100)
+                seen = gdal.Open(str(folder / ".jpg")).ReadAsArray()
+                self.assertLess(seen.min(), 20)
+                self.assertGreater(seen.max(), 200)
+                self.assert_position(folder, orthophotos[index])
+
+    def test_in_its_own_zone(self):
+        self.check(OWN_ZONE)
+
+    def test_after_reprojection(self):
+        self.check(NATIONAL_GRID)
+
+
+@unittest.skipUnless(TILER == ENGINE, "the tiling script sees what the tools left of it")
+class Surroundings(OddRasters):
+    """A mask, and what lies outside of a reprojected image, are transparent whatever the colour is."""
+
+    def test_of_a_reprojected_image(self):
+        orthophoto = make_raster(self.folder / "a.tif", NATIONAL_GRID, pixels=solid([10, 120, 240], 300, 300))
+        dataset = gdal.Open(str(orthophoto), gdal.GA_Update)
+        dataset.CreateMaskBand(gdal.GMF_PER_DATASET)
+        mask = numpy.full((300, 300), 255, numpy.uint8)
+        mask[100:200, 100:200] = 0
+        dataset.GetRasterBand(1).GetMaskBand().WriteArray(mask)
+        dataset = None
+        self.job = Job(self.folder / "out", 1)
+        run = self.batch("--target", self.job.target, "--transparency", "ffffff", orthophoto)
+        self.assertEqual((run.code, run.errors), (0, []), run)
+        self.assertEqual(shown_colours(self.job.target), {(10, 120, 240)})
+
+
 class CannotBeTiled(OddRasters):
     CASES = {
+        "complex": (
+            dict(kind=gdal.GDT_CInt16),
+            "the image has 32-bit pixels (CInt16); convert it to 8 bits before tiling",
+        ),
+    }
+    CASES_OF_THE_SCRIPT = {
         "six bands": (
             dict(pixels=solid(range(6))),
             "the image has 6 bands; only 1 to 4 bands of 8 bits can be tiled",
@@ -148,13 +206,13 @@ class CannotBeTiled(OddRasters):
     }
 
     def check(self, place):
+        cases = self.CASES if TILER == ENGINE else {**self.CASES, **self.CASES_OF_THE_SCRIPT}
         bad = [
-            make_raster(self.folder / (name + ".tif"), place=place, **how)
-            for name, (how, _) in self.CASES.items()
+            make_raster(self.folder / (name + ".tif"), place=place, **how) for name, (how, _) in cases.items()
         ]
         good = make_raster(self.folder / "good.tif", place)
         run = self.run_job([*bad, good])
-        self.assert_failed(run, *zip(bad, (reason for _, reason in self.CASES.values())))
+        self.assert_failed(run, *zip(bad, (reason for _, reason in cases.values())))
         for index in range(len(bad)):
             self.assertFalse(self.job.folder(index).exists())
         self.assert_links_resolve(self.job.folder(len(bad)))

@@ -18,7 +18,7 @@ ROOMS = {
     "tiler": {"files", "handles"},
     "crashrpt": {"files", "handles"},
     "progress": {"kvtools", "mfc"},
-    "job": {"files", "handles", "kvtools", "mfc", "progress"},
+    "job": {"files", "handles", "kvtools", "mfc", "progress", "tiler"},
     "publish": {"files", "kvtools", "mfc", "net", "progress"},
     "batch": {"files", "job", "kvtools", "mfc", "progress"},
     "app": {"crashrpt", "job", "kvtools", "mfc", "publish"},

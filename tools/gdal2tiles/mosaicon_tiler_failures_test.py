@@ -35,13 +35,20 @@ class Refusals(TilerTestCase):
         self.assert_no_progress()
         self.assertFalse(os.path.exists(self.output))
 
+    @of_the_script
     def test_six_bands(self):
         self.check(self.raster(noise(6)), "the image has 6 bands; only 1 to 4 bands")
 
+    @of_the_script
     def test_sixteen_bits(self):
         image = self.raster(noise().astype(numpy.uint16), kind=gdal.GDT_UInt16)
         self.check(image, r"16-bit pixels \(UInt16\); convert it to 8 bits")
 
+    def test_complex_numbers(self):
+        image = self.raster(noise().astype(numpy.complex64), kind=gdal.GDT_CFloat32)
+        self.check(image, r"64-bit pixels \(CFloat32\); convert it to 8 bits")
+
+    @of_the_script
     def test_palette(self):
         image = self.raster(noise(1))
         table = gdal.ColorTable()
@@ -95,7 +102,7 @@ class OldDocument(TilerTestCase):
 
     def test_is_gone_after_any_failure(self):
         os.makedirs(self.output)
-        for image in (self.path("none.tif"), self.raster(noise(6))):
+        for image in (self.path("none.tif"), self.raster(noise(), corner=None)):
             with open(os.path.join(self.output, "doc.kml"), "w") as stream:
                 stream.write("old")
             self.run_script(self.arguments(image))

@@ -20,7 +20,7 @@ SCRIPT = os.path.join(os.path.dirname(HERE), "gdal2tiles.py")
 # The program that is tested in place of the script when it is set: it takes the same arguments, and must
 # make the same of them.
 ENGINE = os.environ.get("MOSAICON_TILER")
-of_the_script = unittest.skipIf(ENGINE, "about the script's interpreter and processes")
+of_the_script = unittest.skipIf(ENGINE, "about the script's processes, or what it alone cannot tile")
 UTM = 32633
 WEB_MERCATOR = 3857
 BLACK, RED, WHITE = 0, 255, 0xFFFFFF

@@ -1,0 +1,40 @@
+#include "tiler/warped_input.h"
+
+#include <gdal_priv.h>
+
+#include <filesystem>
+
+#include "tiler/gdal_errors.h"
+#include "tiler/gdal_objects.h"
+#include "tiler/path_text.h"
+#include "tiler/shown_bands.h"
+#include "tiler/tiler_error.h"
+#include "tiler/virtual_raster.h"
+#include "tiler/warp_options.h"
+
+namespace tiler {
+
+namespace {
+
+bool IsTransparencyDecided(GDALDataset& image) {
+  for (GDALRasterBand* band : image.GetBands()) {
+    int hasNodata = FALSE;
+    band->GetNoDataValue(&hasNodata);
+    if (hasNodata != FALSE || band->GetColorInterpretation() == GCI_AlphaBand) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::optional<WarpedInput> WithTransparency(GDALDataset& image, const std::string& path, GdalErrors& errors) {
+  const std::string xml = XmlOf(image);
+  if (xml.empty() || IsTransparencyDecided(image)) return std::nullopt;
+  const std::string folder = Utf8Of(PathOf(path).parent_path());
+  const std::optional<WarpSource> source = WithAbsoluteSource(xml, folder);
+  if (!source) return std::nullopt;
+  const GDALDatasetUniquePtr warped = OpenImage(source->path, errors, kNotRead);
+  return WarpedInput{WithAlphaBand(source->xml, image.GetRasterCount()), HasTransparency(*warped)};
+}
+
+}  // namespace tiler
