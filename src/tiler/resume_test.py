@@ -5,8 +5,10 @@ import os
 import pathlib
 import random
 import shutil
+import signal
 import subprocess
 import sys
+import time
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent / "testing"))
@@ -64,6 +66,40 @@ class Resume(EngineRuns):
                 kills += 1
                 longest *= 1.2
             self.finish()
+
+    def interrupted(self, by):
+        """What is done in the middle of a run, when units are finished; returns the reason it fails for."""
+        run = self.start_engine("--threads=1", log="log")
+        journal = self.output / JOURNAL
+        while not journal.exists() or len(journal.read_text().splitlines()) < 3:
+            self.assertIsNone(run.poll(), "it was too quick")
+            time.sleep(0.005)
+        run.send_signal(signal.SIGSTOP)  # so that it does not get any further
+        by()
+        run.send_signal(signal.SIGCONT)
+        self.assertEqual(run.wait(cases.PATIENCE), 1)
+        return (self.folder / "log").read_text().splitlines()[-1]
+
+    def test_goes_on_when_the_folder_is_there_again(self):
+        elsewhere = self.output.with_name("elsewhere")
+        shutil.rmtree(elsewhere, ignore_errors=True)
+        reason = self.interrupted(lambda: self.output.rename(elsewhere))
+        self.assertRegex(reason, "^RESULT FAILED could not write .+: No such file or directory$")
+        self.assertFalse(self.output.exists(), "nothing is made in its place")
+        elsewhere.rename(self.output)
+        before = self.times()
+        self.finish()
+        self.assertTrue(set(self.times().items()) & set(before.items()))
+
+    def test_goes_on_when_the_image_can_be_read_again(self):
+        content, times = self.image.read_bytes(), self.image.stat()
+        reason = self.interrupted(lambda: os.truncate(self.image, len(content) // 2))
+        self.assertRegex(
+            reason, f"^RESULT FAILED the image could not be read or tiled: .+ of {self.image} are"
+        )
+        self.image.write_bytes(content)
+        os.utime(self.image, ns=(times.st_atime_ns, times.st_mtime_ns))
+        self.finish()
 
     def test_takes_up_what_is_finished(self):
         self.start_and_fail().rmdir()
