@@ -42,6 +42,15 @@ bool HoldsColours(GDALDataset& image) {
   return true;
 }
 
+bool HasNodata(GDALDataset& image) {
+  for (GDALRasterBand* band : image.GetBands()) {
+    int has = FALSE;
+    band->GetNoDataValue(&has);
+    if (has != FALSE) return true;
+  }
+  return false;
+}
+
 bool HasTransparency(GDALDataset& image) {
   const int flags = image.GetRasterBand(1)->GetMaskFlags();
   if ((flags & GMF_PER_DATASET) != 0 && (flags & GMF_NODATA) == 0) return true;

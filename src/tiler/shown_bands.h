@@ -20,6 +20,9 @@ struct ShownBands {
 // the values have to be made colours first.
 bool HoldsColours(GDALDataset& image);
 
+// Whether one of its bands calls a value no data.
+bool HasNodata(GDALDataset& image);
+
 // Whether it has a band of transparency, or a mask; values of no data are none.
 bool HasTransparency(GDALDataset& image);
 

@@ -87,15 +87,6 @@ std::vector<int> AllBandsOf(GDALDataset& dataset) {
   return all;
 }
 
-bool HasNodata(GDALDataset& dataset) {
-  for (GDALRasterBand* band : dataset.GetBands()) {
-    int has = FALSE;
-    band->GetNoDataValue(&has);
-    if (has != FALSE) return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 SourceImage::SourceImage(const Request& request, RunLog& log) : m_name(request.input), m_srs(request.srs) {

@@ -14,22 +14,9 @@
 
 namespace tiler {
 
-namespace {
-
-bool IsTransparencyDecided(GDALDataset& image) {
-  for (GDALRasterBand* band : image.GetBands()) {
-    int hasNodata = FALSE;
-    band->GetNoDataValue(&hasNodata);
-    if (hasNodata != FALSE || band->GetColorInterpretation() == GCI_AlphaBand) return true;
-  }
-  return false;
-}
-
-}  // namespace
-
 std::optional<WarpedInput> WithTransparency(GDALDataset& image, const std::string& path, GdalErrors& errors) {
   const std::string xml = XmlOf(image);
-  if (xml.empty() || IsTransparencyDecided(image)) return std::nullopt;
+  if (xml.empty() || HasNodata(image) || HasTransparency(image)) return std::nullopt;
   const std::string folder = Utf8Of(PathOf(path).parent_path());
   const std::optional<WarpSource> source = WithAbsoluteSource(xml, folder);
   if (!source) return std::nullopt;

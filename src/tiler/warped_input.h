@@ -18,7 +18,7 @@ struct WarpedInput {
 
 // What gdalwarp makes of an image without a band of transparency is black outside of the image, and where a
 // mask hides it. With such a band both are transparent. Nothing for other images, for those that have such a
-// band, and for those that call a value no data, which gdalwarp fills with.
+// band or a mask, and for those that call a value no data, which gdalwarp fills with.
 // path: of the file. Throws TilerError.
 std::optional<WarpedInput> WithTransparency(GDALDataset& image, const std::string& path, GdalErrors& errors);
 
