@@ -11,6 +11,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent / "testing"))
 import engine_cases as cases  # noqa: E402
 
 ENGINE = os.environ["MOSAICON_TILER"]
+SAMPLING = "--sampling=gdal2tiles"
 SEEDS = range(40)
 
 
@@ -26,7 +27,7 @@ class Comparison(unittest.TestCase):
 
     def run_engine(self, case, image, name, *more):
         output = self.folder / name / "m"
-        result = cases.run([ENGINE, *more], case.arguments, image, output, self.folder / "log")
+        result = cases.run([ENGINE, SAMPLING, *more], case.arguments, image, output, self.folder / "log")
         return result, output
 
     def test_makes_what_the_script_makes(self):

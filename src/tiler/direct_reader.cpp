@@ -1,34 +1,18 @@
-#include <cpl_string.h>
-#include <ogr_spatialref.h>
-
 #include <algorithm>
 #include <array>
 #include <limits>
 
-#include "tiler/gdal_errors.h"
-#include "tiler/gdal_objects.h"
 #include "tiler/hidden_colour.h"
-#include "tiler/map_srs.h"
-#include "tiler/tiler_error.h"
+#include "tiler/map_positions.h"
+#include "tiler/source_pixels.h"
 #include "tiler/window_reader.h"
 
 namespace tiler {
 
 namespace {
 
-constexpr int kPixelBytes = static_cast<int>(sizeof(Pixel));
-
-Transformer MakeTransformer(GDALDataset& source, const MapView& view) {
-  CPLStringList options;
-  options.SetNameValue("SRC_SRS", view.direct->srs.c_str());
-  options.SetNameValue("DST_SRS", WktOf(MapSrs()).c_str());
-  Transformer transformer(
-      GDALCreateGenImgProjTransformer2(GDALDataset::ToHandle(&source), nullptr, options.List()));
-  if (!transformer) throw TilerError(kNotRead);
-  const MapImage& image = view.image;
-  const std::array<double, 6> place = {image.left, image.pixelWidth, 0, image.top, 0, image.pixelHeight};
-  GDALSetGenImgProjTransformerDstGeoTransform(transformer.get(), place.data());
-  return transformer;
+std::array<double, 6> PlaceOf(const MapImage& image) {
+  return {image.left, image.pixelWidth, 0, image.top, 0, image.pixelHeight};
 }
 
 // The smallest window of the source image that holds these pixels; without any, an empty one.
@@ -52,24 +36,17 @@ PixelWindow BoxAround(const std::vector<SourcePixel>& pixels) {
 class DirectReader : public WindowReader {
  public:
   DirectReader(const MapView& view, RunLog& log)
-      : m_colours(view.colours),
-        m_hasAlpha(view.direct->hasAlpha),
-        m_hidden(view.direct->transparent.empty() ? view.hidden : view.direct->transparent),
-        m_errors(log),
-        m_source(view.direct->shared ? view.direct->shared
-                                     : OpenShared(view.direct->source, m_errors, kNotRead)),
-        m_index([this](std::vector<double>& xs, std::vector<double>& ys) { Transform(xs, ys); },
-                m_source->dataset->GetRasterXSize(), m_source->dataset->GetRasterYSize()) {
-    const std::lock_guard lock(m_source->mutex);
-    m_transformer = MakeTransformer(*m_source->dataset, view);
-    // What lies outside of the source image has the transparent colour.
-    if (!view.direct->transparent.empty()) m_outside = PixelOf(view.direct->transparent, 0);
+      : m_source(view.direct->pixels, log),
+        m_positions(m_source.Image(), view.direct->srs, PlaceOf(view.image)),
+        m_index([this](std::vector<double>& xs, std::vector<double>& ys) { m_positions.Ask(xs, ys); },
+                m_source.Width(), m_source.Height()) {
+    if (!view.direct->outside.empty()) m_outside = PixelOf(view.direct->outside, 0);
   }
 
   void Read(const PixelWindow& window, std::vector<Pixel>& pixels) override {
     const std::vector<SourcePixel>& index = m_index.Of(window);
     const PixelWindow box = BoxAround(index);
-    ReadBox(box);
+    m_source.Read(box, m_box);
     pixels.resize(index.size());
     for (std::size_t i = 0; i < index.size(); ++i) {
       const SourcePixel& each = index[i];
@@ -80,50 +57,11 @@ class DirectReader : public WindowReader {
   }
 
  private:
-  void Transform(std::vector<double>& xs, std::vector<double>& ys) {
-    m_heights.assign(xs.size(), 0.0);
-    m_found.assign(xs.size(), FALSE);
-    GDALGenImgProjTransform(m_transformer.get(), TRUE, static_cast<int>(xs.size()), xs.data(), ys.data(),
-                            m_heights.data(), m_found.data());
-    for (std::size_t i = 0; i < xs.size(); ++i) {
-      if (m_found[i] == FALSE) xs[i] = ys[i] = std::numeric_limits<double>::quiet_NaN();
-    }
-  }
-
-  void ReadBox(const PixelWindow& box) {
-    if (box.width == 0) return;
-    m_errors.Forget();
-    m_box.assign(static_cast<std::size_t>(box.width) * static_cast<std::size_t>(box.height), {0, 0, 0, 255});
-    const CPLErr result = ReadSource(box);
-    m_errors.Check(kNotRead);
-    if (result != CE_None) throw TilerError(kNotRead);
-    if (m_colours == 1) {
-      for (Pixel& pixel : m_box) pixel.green = pixel.blue = pixel.red;
-    }
-    Hide(m_hidden, m_box);
-  }
-
-  CPLErr ReadSource(const PixelWindow& box) {
-    const std::lock_guard lock(m_source->mutex);
-    const int bands = m_colours + (m_hasAlpha ? 1 : 0);
-    constexpr GSpacing kFromRedToAlpha = 3;
-    return m_source->dataset->RasterIO(GF_Read, static_cast<int>(box.x), static_cast<int>(box.y), box.width,
-                                       box.height, &m_box.front().red, box.width, box.height, GDT_Byte, bands,
-                                       nullptr, kPixelBytes, GSpacing{kPixelBytes} * box.width,
-                                       bands == 2 ? kFromRedToAlpha : 1, nullptr);
-  }
-
-  int m_colours;
-  bool m_hasAlpha;
-  std::vector<int> m_hidden;
-  GdalErrors m_errors;
-  std::shared_ptr<SharedImage> m_source;
-  Transformer m_transformer;
+  SourcePixels m_source;
+  MapPositions m_positions;
   WarpIndex m_index;
   Pixel m_outside;
   std::vector<Pixel> m_box;
-  std::vector<double> m_heights;
-  std::vector<int> m_found;
 };
 
 }  // namespace

@@ -4,17 +4,19 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <string>
 #include <system_error>
 #include <thread>
 #include <utility>
 
+#include "tiler/exact_tile.h"
 #include "tiler/kml_text.h"
-#include "tiler/map_reader.h"
 #include "tiler/output_folder.h"
 #include "tiler/png_reader.h"
 #include "tiler/png_tile.h"
 #include "tiler/run_log.h"
+#include "tiler/tile_reader.h"
 #include "tiler/tiler_error.h"
 #include "tiler/unit_journal.h"
 
@@ -36,7 +38,9 @@ std::size_t PlaceInAbove(const TileId& tile) {
 class PyramidCutter::Worker {
  public:
   explicit Worker(PyramidCutter& cutter)
-      : m_cutter(cutter), m_reader(cutter.m_view, cutter.m_log), m_encoder(cutter.m_view.colours) {}
+      : m_cutter(cutter),
+        m_reader(MakeTileReader(cutter.m_view, cutter.m_pyramid, cutter.m_log)),
+        m_encoder(cutter.m_view.colours) {}
 
   void MakeUnit(const TileId& unit) {
     TileId tile = unit;
@@ -47,7 +51,7 @@ class PyramidCutter::Worker {
       m_cutter.m_journal.Add(unit, m_checksum);
     }
     std::array<Quarter, 4> quarters;
-    while (m_cutter.m_plan.Makes(Above(tile)) && m_cutter.IsComplete(tile, HalvedTile(pixels), quarters)) {
+    while (m_cutter.m_plan.Makes(Above(tile)) && m_cutter.IsComplete(tile, Halved(pixels), quarters)) {
       tile = Above(tile);
       pixels = JoinedTile(quarters);
       if (IsThere(tile)) continue;
@@ -109,16 +113,20 @@ class PyramidCutter::Worker {
     if (m_cutter.IsOver()) throw Stopped();
     Tile pixels;
     if (tile.level == m_cutter.m_pyramid.Finest()) {
-      pixels = m_reader.Read(m_cutter.m_pyramid.QueryOf(tile));
+      pixels = m_reader->Read(tile);
     } else {
       std::array<Quarter, 4> quarters;
       for (const TileId& each : m_cutter.m_plan.Finer(tile)) {
-        quarters[PlaceInAbove(each)] = HalvedTile(Make(each));
+        quarters[PlaceInAbove(each)] = Halved(Make(each));
       }
       pixels = JoinedTile(quarters);
     }
     Write(tile, pixels);
     return pixels;
+  }
+
+  Quarter Halved(const Tile& tile) const {
+    return m_cutter.m_view.exact ? HalvedByOpacity(tile) : HalvedTile(tile);
   }
 
   void Write(const TileId& tile, const Tile& pixels) {
@@ -133,7 +141,7 @@ class PyramidCutter::Worker {
   }
 
   PyramidCutter& m_cutter;
-  MapReader m_reader;
+  std::unique_ptr<TileReader> m_reader;
   PngEncoder m_encoder;
   std::uint32_t m_checksum = 0;  // of the files of a unit
   std::int64_t m_taken = 0;      // tiles of a unit that was finished before

@@ -1,6 +1,7 @@
 #include "tiler/request.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <filesystem>
 #include <map>
@@ -21,6 +22,20 @@ constexpr const char* kThreads = "--threads";
 constexpr const char* kMemory = "--memory";
 constexpr const char* kShard = "--shard";
 constexpr const char* kMerge = "--merge";
+constexpr const char* kSampling = "--sampling";
+constexpr const char* kResampling = "--resampling";
+constexpr std::array<const char*, 5> kLong = {kThreads, kMemory, kShard, kSampling, kResampling};
+
+constexpr std::array<std::pair<const char*, Sampling>, 2> kSamplings = {
+    {{"sharp", Sampling::kSharp}, {"gdal2tiles", Sampling::kGdal2tiles}}};
+constexpr std::array<std::pair<const char*, Resampling>, 7> kResamplings = {
+    {{"average", Resampling::kAverage},
+     {"near", Resampling::kNearest},
+     {"bilinear", Resampling::kBilinear},
+     {"cubic", Resampling::kCubic},
+     {"cubicspline", Resampling::kCubicSpline},
+     {"lanczos", Resampling::kLanczos},
+     {"antialias", Resampling::kLanczos}}};
 
 constexpr const char* kHelp =
     R"(mosaicon-tiler cuts an orthophoto into a pyramid of tiles for web maps and
@@ -49,6 +64,11 @@ that the map is to be in.
                  make the tiles together
   --merge        makes the rest of the map when all shares are there, with the
                  same image, options and folder
+  --sampling=HOW how pixels are made: sharp, in one step from the image, at their
+                 exact places (the default), or gdal2tiles, as that makes them
+  --resampling=MODE
+                 of sharp sampling: average (the default), near, bilinear,
+                 cubic, cubicspline, lanczos or antialias
   --version      what this program is
   --help         this
 
@@ -118,6 +138,17 @@ Share ShareOf(const std::string& text) {
   return {static_cast<int>(*index), static_cast<int>(*count)};
 }
 
+// By its name in one of the tables above. what: the option's value, in words.
+template <typename Named>
+auto Chosen(const std::string& text, const Named& choices, const std::string& what) {
+  std::string names;
+  for (const auto& [name, value] : choices) {
+    if (text == name) return value;
+    names += (names.empty() ? "" : ", ") + std::string(name);
+  }
+  throw TilerError(what + " " + Quoted(text) + " is none of " + names);
+}
+
 // Options by their name, short ones by their letter; of one that is given twice, the last. A value may begin
 // with a dash: a title that does is still a title.
 class Options {
@@ -176,7 +207,7 @@ class Options {
       m_values[name] = "";
       return argument;
     }
-    if (name != kThreads && name != kMemory && name != kShard)
+    if (std::find(kLong.begin(), kLong.end(), name) == kLong.end())
       NotUnderstood("option " + name + " not recognized");
     if (sign == std::string::npos && ++argument == end)
       NotUnderstood("option " + name + " requires argument");
@@ -226,11 +257,19 @@ Request ParseRequest(const std::vector<std::string>& arguments) {
   if (options.Has(kThreads)) request.threads = ThreadCount(options.Value(kThreads));
   if (options.Has(kMemory)) request.memory = Megabytes(options.Value(kMemory));
   if (options.Has(kShard)) request.share = ShareOf(options.Value(kShard));
+  if (options.Has(kSampling)) {
+    request.sampling = Chosen(options.Value(kSampling), kSamplings, "the sampling");
+  }
+  if (options.Has(kResampling)) request.resampling = ResamplingOf(options.Value(kResampling));
   request.merge = options.Has(kMerge);
   if (request.share && request.merge) {
     throw TilerError("a run makes either a share or what is left when all shares are there");
   }
   return request;
+}
+
+Resampling ResamplingOf(const std::string& name) {
+  return Chosen(name, kResamplings, "the resampling");
 }
 
 std::optional<std::string> Information(const std::vector<std::string>& arguments) {

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "tiler/axis_weights.h"
+
 namespace tiler {
 
 inline constexpr int kMostThreads = 256;
@@ -24,6 +26,12 @@ struct Share {
   int count = 1;
 };
 
+// How pixels of tiles are made.
+enum class Sampling {
+  kSharp,       // in one step from the image, at exact positions
+  kGdal2tiles,  // as gdal2tiles makes them, bit for bit
+};
+
 // All texts in UTF-8.
 struct Request {
   std::string input;                  // absolute path
@@ -36,6 +44,8 @@ struct Request {
   std::string key;  // Google Maps key; empty: none
   int threads = 0;  // 0: as many as there are processors
   int memory = 0;   // megabytes; 0: as the engine thinks best
+  Sampling sampling = Sampling::kSharp;
+  std::optional<Resampling> resampling;  // of sharp sampling; nothing: as the engine thinks best
   // Makes a share of the tiles alone; without it the whole map is made.
   std::optional<Share> share;
   bool merge = false;  // makes what is left when all shares are there; not together with share
@@ -44,10 +54,14 @@ struct Request {
 // What follows the program's name:
 //
 //     [-a COLOUR] [-s SRS] [-p mercator] [-t TITLE] [-k] [-u URL] [-g KEY] [--threads=N]
-//         [--memory=MB] [--shard=I/N | --merge] INPUT OUTPUT
+//         [--memory=MB] [--shard=I/N | --merge] [--sampling=sharp|gdal2tiles] [--resampling=MODE] INPUT
+//         OUTPUT
 //
 // Information() says what they mean. A value may begin with a dash. Throws TilerError when it is not that.
 Request ParseRequest(const std::vector<std::string>& arguments);
+
+// Of a value of --resampling. Throws TilerError when it is none.
+Resampling ResamplingOf(const std::string& name);
 
 // What the program says instead of working when it is called with --help or --version alone.
 std::optional<std::string> Information(const std::vector<std::string>& arguments);

@@ -56,6 +56,24 @@ TEST(Request, UnpacksColours) {
     EXPECT_EQ(ParseRequest({"-a", each.text, "i", "o"}).transparent, each.colour);
 }
 
+TEST(Request, ChoosesHowPixelsAreMade) {
+  EXPECT_EQ(ParseRequest({"i", "o"}).sampling, Sampling::kSharp);
+  EXPECT_EQ(ParseRequest({"i", "o"}).resampling, std::nullopt);
+  EXPECT_EQ(ParseRequest({"--sampling=gdal2tiles", "i", "o"}).sampling, Sampling::kGdal2tiles);
+  EXPECT_EQ(ParseRequest({"--sampling", "sharp", "i", "o"}).sampling, Sampling::kSharp);
+  const std::pair<const char*, Resampling> cases[] = {
+      {"average", Resampling::kAverage},   {"near", Resampling::kNearest},
+      {"bilinear", Resampling::kBilinear}, {"cubic", Resampling::kCubic},
+      {"lanczos", Resampling::kLanczos},   {"cubicspline", Resampling::kCubicSpline},
+      {"antialias", Resampling::kLanczos}};
+  for (const auto& [name, resampling] : cases) {
+    EXPECT_EQ(ParseRequest({"--resampling", name, "i", "o"}).resampling, resampling) << name;
+  }
+  EXPECT_EQ(Refusal({"--sampling=blurred", "i", "o"}), "the sampling 'blurred' is none of sharp, gdal2tiles");
+  EXPECT_EQ(Refusal({"--resampling=", "i", "o"}),
+            "the resampling '' is none of average, near, bilinear, cubic, cubicspline, lanczos, antialias");
+}
+
 TEST(Request, RefusesWhatIsNoColour) {
   for (const std::string text : {"16777216", "white", "-1", "+1", "", " 1", "1.0", "99999999999999999999"}) {
     EXPECT_EQ(Refusal({"-a", text, "i", "o"}),

@@ -67,11 +67,12 @@ class Resume(EngineRuns):
                 longest *= 1.2
             self.finish()
 
-    def interrupted(self, by):
-        """What is done in the middle of a run, when units are finished; returns the reason it fails for."""
+    def interrupted(self, by, units):
+        """What is done in the middle of a run, when so many units are finished; returns the reason it fails
+        for."""
         run = self.start_engine("--threads=1", log="log")
         journal = self.output / JOURNAL
-        while not journal.exists() or len(journal.read_text().splitlines()) < 3:
+        while not journal.exists() or len(journal.read_text().splitlines()) <= units:
             self.assertIsNone(run.poll(), "it was too quick")
             time.sleep(0.005)
         run.send_signal(signal.SIGSTOP)  # so that it does not get any further
@@ -83,7 +84,7 @@ class Resume(EngineRuns):
     def test_goes_on_when_the_folder_is_there_again(self):
         elsewhere = self.output.with_name("elsewhere")
         shutil.rmtree(elsewhere, ignore_errors=True)
-        reason = self.interrupted(lambda: self.output.rename(elsewhere))
+        reason = self.interrupted(lambda: self.output.rename(elsewhere), units=2)
         self.assertRegex(reason, "^RESULT FAILED could not write .+: No such file or directory$")
         self.assertFalse(self.output.exists(), "nothing is made in its place")
         elsewhere.rename(self.output)
@@ -93,7 +94,8 @@ class Resume(EngineRuns):
 
     def test_goes_on_when_the_image_can_be_read_again(self):
         content, times = self.image.read_bytes(), self.image.stat()
-        reason = self.interrupted(lambda: os.truncate(self.image, len(content) // 2))
+        # Later than that everything has been read.
+        reason = self.interrupted(lambda: os.truncate(self.image, len(content) // 2), units=1)
         self.assertRegex(
             reason, f"^RESULT FAILED the image could not be read or tiled: .+ of {self.image} are"
         )

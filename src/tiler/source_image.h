@@ -44,8 +44,9 @@ class SourceImage {
   const std::string& State() const { return m_state; }
   // How it lies in its file, or in the files that it is made of.
   const SourceLayout& Layout() const { return m_layout; }
-  // Whether its pixels may have to be computed, which several threads do quicker than one.
-  bool IsComputed() const { return m_isComputed; }
+  // Whether all threads had better read from one and the same image: its strips are decoded once then, and
+  // kept once. Where pixels may have to be computed, several threads are quicker than one.
+  bool IsToBeShared() const { return m_layout.IsStriped() && !m_isComputed; }
   // The transparent colour, a value for each colour band; empty: none is to be applied.
   const std::vector<int>& Transparent() const { return m_transparent; }
 

@@ -13,11 +13,11 @@
 #include "tiler/map_pages.h"
 #include "tiler/map_view.h"
 #include "tiler/memory_plan.h"
-#include "tiler/number_text.h"
 #include "tiler/output_folder.h"
 #include "tiler/path_text.h"
 #include "tiler/progress_records.h"
 #include "tiler/pyramid_cutter.h"
+#include "tiler/see_through.h"
 #include "tiler/share_journals.h"
 #include "tiler/source_image.h"
 #include "tiler/tile_plan.h"
@@ -55,7 +55,7 @@ void WritePages(const Request& request, const Pyramid& pyramid, const OutputFold
 }
 
 // Changes with whatever changes a byte of the result, or which run makes it.
-constexpr const char* kVersion = "1";
+constexpr const char* kVersion = "2";
 
 // The same text for all runs that make the same, of the same image, in the same pieces.
 std::string IdentityOf(const Request& request, const SourceImage& source, const MapView& view,
@@ -65,10 +65,9 @@ std::string IdentityOf(const Request& request, const SourceImage& source, const 
     for (const char c : text + '\0') hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
   };
   for (const std::string& each :
-       {std::string(kVersion), std::string(GDALVersionInfo("RELEASE_NAME")), source.State(), view.xml})
+       {std::string(kVersion), std::string(GDALVersionInfo("RELEASE_NAME")), source.State(), view.State()})
     add(each);
   add(request.kml ? "kml" : "");
-  add(Joined(view.hidden, " "));
   add(std::to_string(unitLevels));
   return std::to_string(hash);
 }
@@ -82,14 +81,16 @@ int ThreadsFor(const Request& request) {
   return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
 }
 
+// MOSAICON_TILER_RESAMPLING likewise.
+Resampling ResamplingFor(const Request& request) {
+  if (request.resampling) return *request.resampling;
+  const char* wanted = std::getenv("MOSAICON_TILER_RESAMPLING");
+  return wanted == nullptr || *wanted == '\0' ? Resampling::kAverage : ResamplingOf(wanted);
+}
+
 // Rows of the image that a tile of the finest level covers.
 double RowsOfTile(const Pyramid& pyramid, const MapImage& image) {
   return kTileSize * Resolution(pyramid.Finest()) / -image.pixelHeight;
-}
-
-// All threads read from one and the same image.
-bool IsShared(const MapView& view) {
-  return view.direct && view.direct->shared;
 }
 
 // GDAL keeps so many bytes of decoded blocks, for all threads.
@@ -99,7 +100,7 @@ void LimitMemory(const Request& request, const SourceImage& source, const MapVie
   const int level = std::max(pyramid.Coarsest(), pyramid.Finest() - unitLevels);
   const std::int64_t waiting = WaitingFor(pyramid.Range(level).Columns());
   GDALSetCacheMax64(
-      CacheFor(source.Layout(), RowsOfTile(pyramid, view.image), IsShared(view), threads, memory - waiting));
+      CacheFor(source.Layout(), RowsOfTile(pyramid, view.image), view.IsShared(), threads, memory - waiting));
 }
 
 // What ended runs left. A share leaves alone what others may be writing at this moment.
@@ -131,11 +132,14 @@ void RunTiler(const Request& request, RunLog& log, ProgressRecords& records, con
   const bool isAlone = !request.share && !request.merge;
   if (isAlone) output.RemovePartialFiles();
   if (isAlone) output.RemoveOldDocument();
-  const SourceImage source(request, log);
+  const bool isExact = request.sampling == Sampling::kSharp;
+  const Request seen = isExact ? SeenThrough(request, log) : request;
+  const SourceImage source(seen, log);
   records.Start();
-  const MapView view = MakeMapView(source, log);
+  const MapView view =
+      isExact ? MakeExactView(request, source, ResamplingFor(request), log) : MakeMapView(source, log);
   const Pyramid pyramid(view.image);
-  const int unitLevels = UnitLevelsFor(source.Layout(), RowsOfTile(pyramid, view.image), IsShared(view));
+  const int unitLevels = UnitLevelsFor(source.Layout(), RowsOfTile(pyramid, view.image), view.IsShared());
   const TilePlan plan(pyramid, unitLevels, request.share);
   const int threads = ThreadsFor(request);
   LimitMemory(request, source, view, pyramid, unitLevels, threads);
@@ -161,7 +165,7 @@ void RunTiler(const Request& request, RunLog& log, ProgressRecords& records, con
     }
   } catch (const NotRead& failure) {
     RemovePartialFiles(output, request, plan);
-    const std::string place = DamagedPlace(request.input, stop, log);
+    const std::string place = DamagedPlace(seen.input, stop, log);
     throw TilerError(failure.what() + (place.empty() ? "" : "; " + place));
   } catch (...) {
     RemovePartialFiles(output, request, plan);

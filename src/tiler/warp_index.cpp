@@ -1,7 +1,6 @@
 #include "tiler/warp_index.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <utility>
 
@@ -11,42 +10,12 @@ namespace {
 
 // What GDAL's nearest neighbour adds to a position before it cuts off the fraction.
 constexpr double kEpsilon = 1e-10;
-// Map pixels along the side of a cell, and the parts of it between known points.
+// Map pixels along the side of a cell.
 constexpr int kCellSize = 128;
-constexpr int kParts = 2;
-constexpr int kKnown = kParts + 1;
-using KnownValues = std::array<double, std::size_t{kKnown} * kKnown>;
 // A position from a polynomial may be wrong by so many source pixels; the errors at the points between known
 // ones have to be that much smaller.
 constexpr double kTolerance = 1e-4;
 constexpr double kSafety = 16;
-// Places of those points in a cell, as parts of its side.
-constexpr std::array<std::array<double, 2>, 8> kBetween = {{{0.25, 0.75},
-                                                            {0.75, 0.25},
-                                                            {0.25, 0.25},
-                                                            {0.75, 0.75},
-                                                            {0.11, 0.52},
-                                                            {0.89, 0.48},
-                                                            {0.47, 0.13},
-                                                            {0.53, 0.87}}};
-
-// A polynomial of the second degree in one variable, from its values at 0, 1/2 and 1.
-struct Polynomial {
-  double constant;
-  double linear;
-  double square;
-
-  Polynomial(double first, double middle, double last)
-      : constant(first), linear(-3 * first + 4 * middle - last), square(2 * first - 4 * middle + 2 * last) {}
-  double At(double place) const { return constant + place * (linear + place * square); }
-};
-
-// Of values at nine points of a cell, three rows of three: along a row of the cell.
-Polynomial AlongRow(const double* values, double down) {
-  return {Polynomial(values[0], values[3], values[6]).At(down),
-          Polynomial(values[1], values[4], values[7]).At(down),
-          Polynomial(values[2], values[5], values[8]).At(down)};
-}
 
 // Whether the border of a source pixel is so near that a position, not below -1, could lie beyond it. whole:
 // of the position plus one, without its fraction.
@@ -61,13 +30,12 @@ struct WarpIndex::Cell {
   int top = 0;
   int right = 0;  // behind its last pixel
   int bottom = 0;
-  // Of source positions at the known points.
-  KnownValues xs = {};
-  KnownValues ys = {};
-  bool isSmooth = false;
+  CellPositions positions;
+
+  bool IsSmooth() const { return positions.error * kSafety < kTolerance; }
 };
 
-WarpIndex::WarpIndex(Exact exact, int sourceWidth, int sourceHeight)
+WarpIndex::WarpIndex(ExactPositions exact, int sourceWidth, int sourceHeight)
     : m_exact(std::move(exact)), m_sourceWidth(sourceWidth), m_sourceHeight(sourceHeight) {}
 
 const std::vector<SourcePixel>& WarpIndex::Of(const PixelWindow& window) {
@@ -76,37 +44,21 @@ const std::vector<SourcePixel>& WarpIndex::Of(const PixelWindow& window) {
   std::vector<Cell> cells;
   std::vector<double> xs;
   std::vector<double> ys;
-  const auto want = [&](const Cell& cell, double across, double down) {
-    xs.push_back(static_cast<double>(window.x) + cell.left + 0.5 + across * kCellSize);
-    ys.push_back(static_cast<double>(window.y) + cell.top + 0.5 + down * kCellSize);
-  };
   for (int top = 0; top < window.height; top += kCellSize) {
     for (int left = 0; left < window.width; left += kCellSize) {
-      const Cell& cell = cells.emplace_back(Cell{left, top, std::min(left + kCellSize, window.width),
-                                                 std::min(top + kCellSize, window.height)});
-      for (int row = 0; row < kKnown; ++row) {
-        for (int column = 0; column < kKnown; ++column) {
-          want(cell, static_cast<double>(column) / kParts, static_cast<double>(row) / kParts);
-        }
-      }
-      for (const auto& [across, down] : kBetween) want(cell, across, down);
+      cells.push_back({left,
+                       top,
+                       std::min(left + kCellSize, window.width),
+                       std::min(top + kCellSize, window.height),
+                       {}});
+      AddPointsOfCell(static_cast<double>(window.x) + left + 0.5, static_cast<double>(window.y) + top + 0.5,
+                      kCellSize, kCellSize, xs, ys);
     }
   }
   Ask(xs, ys);
-  const double* x = xs.data();
-  const double* y = ys.data();
-  for (Cell& cell : cells) {
-    std::copy_n(x, cell.xs.size(), cell.xs.begin());
-    std::copy_n(y, cell.ys.size(), cell.ys.begin());
-    x += cell.xs.size();
-    y += cell.ys.size();
-    cell.isSmooth = true;
-    for (const auto& [across, down] : kBetween) {
-      const double error = std::max(std::fabs(AlongRow(cell.xs.data(), down).At(across) - *x++),
-                                    std::fabs(AlongRow(cell.ys.data(), down).At(across) - *y++));
-      cell.isSmooth = cell.isSmooth && error * kSafety < kTolerance;  // not of what is no number
-    }
-    FillCell(cell, window);
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    cells[i].positions = PositionsOfCell(&xs[i * kPointsOfCell], &ys[i * kPointsOfCell]);
+    FillCell(cells[i], window);
   }
   AskForDoubtful(window);
   return m_pixels;
@@ -143,8 +95,8 @@ SourcePixel WarpIndex::PixelAt(double x, double y) const {
 void WarpIndex::FillCell(const Cell& cell, const PixelWindow& window) {
   for (int row = cell.top; row < cell.bottom; ++row) {
     const double down = static_cast<double>(row - cell.top) / kCellSize;
-    const Polynomial xs = AlongRow(cell.xs.data(), down);
-    const Polynomial ys = AlongRow(cell.ys.data(), down);
+    const Polynomial xs = cell.positions.xs.AlongRow(down);
+    const Polynomial ys = cell.positions.ys.AlongRow(down);
     const std::size_t first = static_cast<std::size_t>(row) * static_cast<std::size_t>(window.width) +
                               static_cast<std::size_t>(cell.left);
     for (int i = 0; i < cell.right - cell.left; ++i) {
@@ -152,7 +104,7 @@ void WarpIndex::FillCell(const Cell& cell, const PixelWindow& window) {
       const double across = static_cast<double>(i) / kCellSize;
       const double x = xs.At(across);
       const double y = ys.At(across);
-      if (!cell.isSmooth) {
+      if (!cell.IsSmooth()) {
         m_doubtful.push_back(place);
         continue;
       }

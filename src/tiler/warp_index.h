@@ -4,18 +4,12 @@
 #define MOSAICON_TILER_WARP_INDEX_H_
 
 #include <cstdint>
-#include <functional>
 #include <vector>
 
-namespace tiler {
+#include "tiler/cell_polynomial.h"
+#include "tiler/pixel_window.h"
 
-// A part of an image, in pixels.
-struct PixelWindow {
-  std::int64_t x = 0;
-  std::int64_t y = 0;
-  int width = 0;
-  int height = 0;
-};
+namespace tiler {
 
 struct SourcePixel {
   std::int32_t column = -1;  // -1: outside of the source image
@@ -25,17 +19,13 @@ struct SourcePixel {
   bool operator==(const SourcePixel&) const = default;
 };
 
-// Positions in the source image are smooth: within a cell of the map they are close to a polynomial, whose
-// values are known from few points. Points between show how close. Where that is not close enough, and for
-// pixels whose position is so near to the border of a source pixel that it could be the neighbour, the exact
-// position is asked for. One thread at a time.
+// Positions in the source image are smooth: within a cell of the map they are close to a polynomial. Where
+// that is not close enough, and for pixels whose position is so near to the border of a source pixel that it
+// could be the neighbour, the exact position is asked for. One thread at a time.
 class WarpIndex {
  public:
-  // Turns positions in the map's image, in pixels, into positions in the source image. What has none becomes
-  // infinite or no number.
-  using Exact = std::function<void(std::vector<double>& xs, std::vector<double>& ys)>;
-
-  WarpIndex(Exact exact, int sourceWidth, int sourceHeight);
+  // exact: of positions in the map's image, in pixels.
+  WarpIndex(ExactPositions exact, int sourceWidth, int sourceHeight);
 
   // For each pixel of a window of the map's image, in rows.
   const std::vector<SourcePixel>& Of(const PixelWindow& window);
@@ -55,7 +45,7 @@ class WarpIndex {
   void FillCell(const Cell& cell, const PixelWindow& window);
   void AskForDoubtful(const PixelWindow& window);
 
-  Exact m_exact;
+  ExactPositions m_exact;
   double m_sourceWidth;
   double m_sourceHeight;
   std::int64_t m_asked = 0;

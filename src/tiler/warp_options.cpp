@@ -1,42 +1,15 @@
 #include "tiler/warp_options.h"
 
-#include <cpl_conv.h>
-#include <cpl_minixml.h>
-
 #include <string_view>
 
-#include "tiler/tiler_error.h"
+#include "tiler/virtual_document.h"
 
 namespace tiler {
 
 namespace {
 
-constexpr const char* kWarpOptions = "GDALWarpOptions";
 constexpr const char* kInitialValue = "INIT_DEST";
 constexpr const char* kSource = "SourceDataset";
-
-class Document {
- public:
-  explicit Document(const std::string& xml) : m_tree(CPLParseXMLString(xml.c_str())) {
-    m_root = m_tree ? CPLGetXMLNode(m_tree.get(), "=VRTDataset") : nullptr;
-    if (m_root == nullptr) throw TilerError(std::string(kNotRead) + ": no virtual raster was made");
-  }
-
-  CPLXMLNode* Root() const { return m_root; }
-  // Null where the image is not warped.
-  CPLXMLNode* WarpOptions() const { return CPLGetXMLNode(m_root, kWarpOptions); }
-
-  std::string Text() const {
-    char* text = CPLSerializeXMLTree(m_tree.get());
-    std::string copy = text;
-    CPLFree(text);
-    return copy;
-  }
-
- private:
-  CPLXMLTreeCloser m_tree;
-  CPLXMLNode* m_root;
-};
 
 CPLXMLNode* MakeOption(const char* name, const std::string& value) {
   CPLXMLNode* option = CPLCreateXMLElementAndValue(nullptr, "Option", value.c_str());
@@ -72,8 +45,8 @@ CPLXMLNode* MakeAlphaBand(const std::string& number) {
 
 CPLXMLNode* LastBand(CPLXMLNode* root) {
   CPLXMLNode* last = nullptr;
-  for (CPLXMLNode* child = root->psChild; child != nullptr; child = child->psNext) {
-    if (child->eType == CXT_Element && std::string_view(child->pszValue) == "VRTRasterBand") last = child;
+  for (CPLXMLNode* child : ElementsOf(root)) {
+    if (std::string_view(child->pszValue) == "VRTRasterBand") last = child;
   }
   return last;
 }
@@ -81,7 +54,7 @@ CPLXMLNode* LastBand(CPLXMLNode* root) {
 }  // namespace
 
 std::string WithNodata(const std::string& xml, const std::vector<int>& transparent) {
-  const Document document(xml);
+  const VirtualDocument document(xml);
   CPLXMLNode* options = document.WarpOptions();
   if (options == nullptr) return xml;
   std::string fill = "NO_DATA";
@@ -98,7 +71,7 @@ std::string WithNodata(const std::string& xml, const std::vector<int>& transpare
 }
 
 std::string WithAlphaBand(const std::string& xml, int bands) {
-  const Document document(xml);
+  const VirtualDocument document(xml);
   CPLXMLNode* options = document.WarpOptions();
   CPLXMLNode* last = LastBand(document.Root());
   if (options == nullptr || last == nullptr) return xml;
@@ -112,12 +85,11 @@ std::string WithAlphaBand(const std::string& xml, int bands) {
 }
 
 std::optional<WarpSource> WithAbsoluteSource(const std::string& xml, const std::string& folder) {
-  const Document document(xml);
+  const VirtualDocument document(xml);
   CPLXMLNode* options = document.WarpOptions();
-  const char* name = options == nullptr ? nullptr : CPLGetXMLValue(options, kSource, nullptr);
-  if (name == nullptr) return std::nullopt;
-  const bool isBeside = std::string_view(CPLGetXMLValue(options, "SourceDataset.relativeToVRT", "0")) == "1";
-  const std::string path = isBeside ? CPLProjectRelativeFilename(folder.c_str(), name) : name;
+  CPLXMLNode* source = options == nullptr ? nullptr : CPLGetXMLNode(options, kSource);
+  if (source == nullptr) return std::nullopt;
+  const std::string path = PathIn(source, folder);
   CPLSetXMLValue(options, kSource, path.c_str());
   CPLSetXMLValue(options, "SourceDataset.#relativeToVRT", "0");
   return WarpSource{path, document.Text()};

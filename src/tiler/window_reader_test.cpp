@@ -73,7 +73,7 @@ TEST_F(WindowReaders, GiveTheSamePixels) {
         const SourceImage source(RequestFor(hasTransparent), log);
         const MapView view = MakeMapView(source, log);
         ASSERT_TRUE(view.direct) << bands;
-        EXPECT_EQ(static_cast<bool>(view.direct->shared), option[0] == 'B');
+        EXPECT_EQ(static_cast<bool>(view.direct->pixels.shared), option[0] == 'B');
         const PixelWindow all = {0, 0, view.image.width, view.image.height};
         std::vector<Pixel> direct;
         std::vector<Pixel> byVirtual;

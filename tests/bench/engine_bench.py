@@ -61,7 +61,7 @@ def ways(engine, windows_engine):
     options = ["-s", "EPSG:32632", "-p", "mercator", "-k", "-u", "../", "-t", "bench"]
     found = {}
     for count, threads, processes in ((1, "1 thread", "1 process"), (2, "2 threads", "2 processes")):
-        own = [f"--threads={count}", *options]
+        own = [f"--threads={count}", "--sampling=gdal2tiles", *options]
         if not windows_engine:
             found["engine, " + threads] = [engine, *own]
             continue

@@ -120,8 +120,9 @@ class TilerTestCase(unittest.TestCase):
         return line + list(extra) + ["-k", "-u", url, image, self.output]
 
     def start(self, arguments, python=(), **more):
+        program = [ENGINE, "--sampling=gdal2tiles"] if ENGINE else [sys.executable, *python, SCRIPT]
         return subprocess.Popen(
-            [ENGINE, *arguments] if ENGINE else [sys.executable, *python, SCRIPT, *arguments],
+            [*program, *arguments],
             env=self.environment,
             stdin=subprocess.DEVNULL,
             stdout=subprocess.PIPE,
