@@ -136,7 +136,7 @@ std::string BatchHelp() {
          "  --google-key KEY       Google API key: keeps googlemaps.html\n"
          "  --transparency RRGGBB  colour that becomes transparent (default 000000, black)\n"
          "  --resampling MODE      average, near, bilinear, cubic, cubicspline, lanczos or\n"
-         "                         antialias; stored only\n"
+         "                         antialias (default average)\n"
          "  --overwrite yes|no     write into folders that are not empty; without it the\n"
          "                         program asks on a terminal, and does not overwrite elsewhere\n"
          "  --quiet                print nothing but problems\n"

@@ -87,6 +87,7 @@ int RunJob(const BatchArguments& arguments) {
   }
 
   WindowsEnvironment environment;
+  environment.Set("MOSAICON_TILER_RESAMPLING", ResamplingModes()[static_cast<size_t>(arguments.resampling)]);
   TilerLogFile log(files, environment, "mosaicon-batch", GetCurrentProcessId());
   WindowsToolRunner tools(host.ProgressWindow(), log.Path());
   CarefulRunner runner(tools, host, files);

@@ -4,8 +4,10 @@ import os
 import subprocess
 import unittest
 
+from osgeo import gdal
+
 from batch_support import ENGINE, PATIENCE, WINE, start_wine, windows_path
-from rasters import NATIONAL_GRID, OWN_ZONE, make_raster
+from rasters import NATIONAL_GRID, OWN_ZONE, make_raster, noise, read_pixels
 from results import Job, links
 from tool_folder import ToolFolderTest
 
@@ -23,6 +25,24 @@ class Engine(ToolFolderTest):
         run = self.run_job()
         self.assertEqual((run.code, run.errors), (0, []), run)
         self.assert_result(self.job, 0, self.own)
+
+    def test_makes_pixels_in_the_way_that_is_asked_for(self):
+        make_raster(self.own, pixels=noise(300, 260))
+        colours = {tuple(colour) for colour in gdal.Open(str(self.own)).ReadAsArray().reshape(3, -1).T}
+        for mode, is_one_of_them in (("near", True), ("average", False)):
+            with self.subTest(mode):
+                run = self.run_job("--overwrite", "yes", "--resampling", mode, self.own)
+                self.assertEqual((run.code, run.errors), (0, []), run)
+                tiles = list(self.job.target.glob("*/*/*.png"))
+                finest = max(int(tile.parts[-3]) for tile in tiles)
+                self.assertGreater(len(tiles), 3)
+                found = set()
+                for tile in tiles:
+                    if int(tile.parts[-3]) == finest:
+                        pixels = read_pixels(tile)
+                        found |= {tuple(colour) for colour in pixels[:3][:, pixels[3] == 255].T}
+                self.assertGreater(len(found), 1000)
+                self.assertEqual(found <= colours, is_one_of_them)
 
     def test_is_called_as_the_script_is(self):
         self.replace_tool(self.stage, ENGINE)
