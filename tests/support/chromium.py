@@ -3,6 +3,7 @@ every other host is unknown to it, whatever network the machine has."""
 
 import base64
 import fcntl
+import fnmatch
 import json
 import os
 import select
@@ -11,6 +12,8 @@ import signal
 import subprocess
 import tempfile
 import time
+
+from browser_tab import Tab
 
 PROGRAMS = ("chromium-headless-shell", "chromium")
 PATIENCE = 300  # seconds until a test calls the browser hung
@@ -86,30 +89,15 @@ class Chromium:
         """Loads a page in a tab of its own, waits until it has settled, and returns the events as
         (method, parameters) pairs, and what the JavaScript expression, or its promise, then yields in it.
         stand_ins are what the page gets from addresses that cannot be reached:
-        {address: (content type, bytes)}."""
-        target = self.call("Target.createTarget", url="about:blank")["targetId"]
-        session = self.call("Target.attachToTarget", targetId=target, flatten=True)["sessionId"]
-        for domain in ("Page", "Network", "Runtime", "Log"):
-            self.call(f"{domain}.enable", session)
-        self.call("Network.setCacheDisabled", session, cacheDisabled=True)
-        self.stand_ins = stand_ins or {}
-        if self.stand_ins:
-            self.call("Fetch.enable", session, patterns=[{"urlPattern": each} for each in self.stand_ins])
-        self.events.clear()
-        error = self.call("Page.navigate", session, url=url).get("errorText")
-        if error:
-            raise ConnectionError(f"{url}: {error}")
-        self.wait_until_settled(session)
-        answer = self.call(
-            "Runtime.evaluate", session, expression=expression, returnByValue=True, awaitPromise=True
-        )
-        events = [
-            (each["method"], each["params"]) for each in self.events if each.get("sessionId") == session
-        ]
-        if "exceptionDetails" in answer:
-            raise ValueError(f"{expression}: {answer['exceptionDetails']}")
-        self.call("Target.closeTarget", targetId=target)
-        return events, answer["result"].get("value")
+        {address: (content type, bytes)}; an address may be a pattern with "*"."""
+        with self.tab(stand_ins=stand_ins) as tab:
+            tab.go(url)
+            value = tab.evaluate(expression)
+            return tab.events(), value
+
+    def tab(self, **options):
+        """A tab to work in, one at a time; the options are those of Tab."""
+        return Tab(self, **options)
 
     def wait_until_settled(self, session):
         """Until the page is loaded and nothing that it asked for is still under way."""
@@ -129,7 +117,7 @@ class Chromium:
             return
         self.events.append(event)
         if event["method"] == "Fetch.requestPaused":
-            content_type, content = self.stand_ins[event["params"]["request"]["url"]]
+            content_type, content = self.stand_in_for(event["params"]["request"]["url"])
             self.send(
                 "Fetch.fulfillRequest",
                 event["sessionId"],
@@ -138,6 +126,12 @@ class Chromium:
                 responseHeaders=[{"name": "Content-Type", "value": content_type}],
                 body=base64.b64encode(content).decode(),
             )
+
+    def stand_in_for(self, url):
+        """One of that very address, or else of a pattern that it fits."""
+        if url in self.stand_ins:
+            return self.stand_ins[url]
+        return next(each for pattern, each in self.stand_ins.items() if fnmatch.fnmatchcase(url, pattern))
 
     def send(self, method, session=None, **parameters):
         self.last_id += 1
