@@ -15,7 +15,7 @@ gdal.UseExceptions()
 
 SOURCES = pathlib.Path(__file__).parent.parent.parent / "src" / "tiler" / "pages" / "map"
 LEAFLET = pathlib.Path("/usr/share/javascript/leaflet")
-OWN_FILES = ("map.css", "map.js", "position.js", "tools.js")
+OWN_FILES = ("leaflet-licence.txt", "map.css", "map.js", "position.js", "tools.js")
 SOURCE_MAP = re.compile(r"^(//# sourceMappingURL=.*|/\*# sourceMappingURL=.*\*/)\n?", re.MULTILINE)
 EDGE = 20037508.342789244  # of the projection, in its metres
 

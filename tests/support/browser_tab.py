@@ -13,7 +13,7 @@ import json
 import time
 
 PATIENCE = 120  # seconds until a test calls it failed that something does not come about
-KEYS = {"Tab": 9, "Enter": 13, " ": 32, "ArrowLeft": 37, "ArrowUp": 38, "ArrowRight": 39, "ArrowDown": 40}
+KEYS = {"Tab": 9, "Enter": 13, " ": 32, "Home": 36, "ArrowLeft": 37, "ArrowRight": 39, "+": 187}
 
 
 @dataclasses.dataclass(frozen=True)
@@ -110,12 +110,14 @@ class Tab:
 
     def click(self, selector):
         """A click of the mouse on the middle of what the selector finds first."""
-        x, y = self.evaluate(f"""(function () {{
+        x, y = self.evaluate(
+            f"""(function () {{
                 var node = document.querySelector({json.dumps(selector)});
                 node.scrollIntoView({{block: "nearest"}});
                 var box = node.getBoundingClientRect();
                 return [box.left + box.width / 2, box.top + box.height / 2];
-            }})()""")
+            }})()"""
+        )
         self.move_mouse(x, y)
         for kind in ("mousePressed", "mouseReleased"):
             self.call("Input.dispatchMouseEvent", type=kind, x=x, y=y, button="left", clickCount=1)

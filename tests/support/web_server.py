@@ -7,6 +7,7 @@
 import functools
 import http.server
 import os
+import sys
 import threading
 import urllib.parse
 
@@ -16,7 +17,7 @@ class WebServer:
     is answered in a thread of its own; one that waits for ever does not keep the server from ending."""
 
     def __init__(self, handler):
-        self._server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), handler)
+        self._server = Server(("127.0.0.1", 0), handler)
         self._thread = threading.Thread(target=self._server.serve_forever)
         self.url = f"http://127.0.0.1:{self._server.server_port}"
 
@@ -28,6 +29,13 @@ class WebServer:
         self._server.shutdown()
         self._server.server_close()
         self._thread.join()
+
+
+class Server(http.server.ThreadingHTTPServer):
+    def handle_error(self, request, client_address):
+        # A browser that leaves a page does not wait for what it has asked for.
+        if not isinstance(sys.exc_info()[1], ConnectionError):
+            super().handle_error(request, client_address)
 
 
 class Quiet(http.server.BaseHTTPRequestHandler):

@@ -127,7 +127,7 @@
     nodes.messageText = make('p', nodes.message);
     nodes.messageText.setAttribute('role', 'status');
     nodes.messageText.setAttribute('aria-live', 'polite');
-    button(nodes.message, 'button', 'Close', function () { say(''); });
+    button(nodes.message, 'button', '\u00d7', function () { say(''); }).setAttribute('aria-label', 'Close');
     nodes.panel = make('section', nodes.middle, 'panel');
     nodes.panel.id = 'panel';
     nodes.panel.setAttribute('aria-label', several ? 'Maps and options' : 'Options');
@@ -160,7 +160,8 @@
       },
       _isValidTile: function (at) {
         var range = this.existing();
-        return !!range && at.x >= range.west && at.x <= range.east && at.y >= range.north && at.y <= range.south;
+        return !!range && at.x >= range.west && at.x <= range.east &&
+          at.y >= range.north && at.y <= range.south;
       },
       _getTiledPixelBounds: function (centre) {
         var seen = L.TileLayer.prototype._getTiledPixelBounds.call(this, centre), range = this.existing();
@@ -323,7 +324,18 @@
     showPanel(!(window.matchMedia && window.matchMedia('(max-width: 700px)').matches));
   }
 
+  function hasStyles() {
+    function position(className) {
+      var node = make('div', document.body, className), found = window.getComputedStyle(node).position;
+      document.body.removeChild(node);
+      return found;
+    }
+    return position('leaflet-pane') === 'absolute' && position('stage') === 'relative';
+  }
+
+  // Whether the page is whole. What is missing makes an error, or leaves it as it was.
   function start() {
+    if (!hasStyles()) { return false; }
     readInfos();
     layOut();
     makeMap();
@@ -335,6 +347,7 @@
     markFarPlaces();
     map.on('zoomend', markFarPlaces);
     showPositions();
+    return true;
   }
 
   page.nodes = nodes;
@@ -346,7 +359,6 @@
   page.say = say;
   page.fit = fit;
   page.area = wholeArea;
-  start();
+  page.ready = start();
   page.infos = infos;
-  page.ready = true;
 }());

@@ -1,5 +1,5 @@
-/* Tells a position in degrees and in the UTM grid, both of WGS 84. It is ECMAScript 5, like the other scripts of
-   this page. */
+/* Tells a position in degrees and in the UTM grid, both of WGS 84. It is ECMAScript 5, like the other scripts
+   of this page. */
 (function () {
   'use strict';
 

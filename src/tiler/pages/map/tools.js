@@ -1,5 +1,5 @@
-/* What the visitor can do beside looking: a background map, full screen, the own position, print. Each function
-   gets the page that map.js has made; what the browser or the place of the page does not allow has no button. */
+/* What the visitor can do beside looking: a background map, full screen, the own position, print. Each
+   function gets the page that map.js has made; what the browser or the place of the page does not allow has no button. */
 (function () {
   'use strict';
 
@@ -106,7 +106,7 @@
     }
 
     function failed(error) {
-      page.say(error.code === 1 ? 'Your position is not shown, because the browser was not allowed to tell it.' :
+      page.say(error.code === 1 ? 'Your position is not shown: the browser was not allowed to tell it.' :
         error.code === 3 ? 'Finding your position took too long. Please try again.' :
           'Your device cannot find its position at the moment.');
     }
@@ -129,7 +129,8 @@
       if (before) { return; }
       var size = page.map.getSize(), kind = size.x >= size.y ? 'landscape' : 'portrait', sheet = SHEETS[kind];
       var seen = page.map.getBounds();
-      before = { centre: page.map.getCenter(), zoom: page.map.getZoom(), rule: page.make('style', document.head) };
+      before = { centre: page.map.getCenter(), zoom: page.map.getZoom() };
+      before.rule = page.make('style', document.head);
       before.rule.textContent = '@page { size: ' + kind + '; margin: 10mm; }';
       document.body.className = 'printing';
       page.nodes.stage.style.width = sheet[0] + 'px';
