@@ -200,8 +200,8 @@ class PositionTest(MapPageCase):
                 grid = osr.SpatialReference()
                 grid.ImportFromEPSG((32600 if latitude >= 0 else 32700) + ours["zone"])
                 x, y, _ = osr.CoordinateTransformation(world, grid).TransformPoint(latitude, longitude)
-                self.assertAlmostEqual(ours["easting"], x, delta=0.002)
-                self.assertAlmostEqual(ours["northing"], y, delta=0.002)
+                self.assertAlmostEqual(ours["easting"], x, delta=0.000005)
+                self.assertAlmostEqual(ours["northing"], y, delta=0.000005)
         self.assertIsNone(tab.evaluate("Mosaicon.utm(84.01, 0)"))
         self.assertIsNone(tab.evaluate("Mosaicon.utm(-80.01, 0)"))
 

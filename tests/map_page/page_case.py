@@ -95,7 +95,7 @@ class PageCase(unittest.TestCase):
         ]
         for i, one in enumerate(boxes):
             wrong += [f"{one} and {other}" for other in boxes[:i] if do_overlap(one, other)]
-        wide = "[document.documentElement, document.querySelector('.panel')].map("
+        wide = "[...document.querySelectorAll('html, h1, .panel')].map("
         wide += "function (node) { return node.scrollWidth - node.clientWidth; })"
         return wrong + [f"wider than its window: {each}" for each in tab.evaluate(wide) if each > 0]
 

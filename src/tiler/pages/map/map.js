@@ -148,7 +148,8 @@
   // ---- The map ----
 
   // Asks for the tiles that exist and for no other. Far out, the tiles of the coarsest level are many times
-  // smaller than the window, so that Leaflet would count through all the places that are none.
+  // smaller than the window, so that Leaflet would count through all the places that are none; what it sees is
+  // cut to what there is before it counts.
   function tileLayerClass() {
     return L.TileLayer.extend({
       getTileUrl: function (at) {

@@ -1,5 +1,6 @@
 /* What the visitor can do beside looking: a background map, full screen, the own position, print. Each
-   function gets the page that map.js has made; what the browser or the place of the page does not allow has no button. */
+   function uses the page that map.js has made; what the browser, or the place of the page, does not allow has
+   no button. */
 (function () {
   'use strict';
 
