@@ -124,6 +124,20 @@ class IndexPageTest(PageCase):
         tab.settle()
         self.assertEqual(self.complaints(tab), [])
 
+    def test_the_last_of_quick_clicks_counts(self):
+        tab = self.open("all/index.html")
+        tab.evaluate(
+            f"""new Promise(function (done) {{
+            function click(number) {{ {ENTRIES}[number].querySelector('button').click(); }}
+            Mosaicon.map.once('zoomanim', function () {{
+                setTimeout(function () {{ click(1); click(2); done(); }}, 0);
+            }});
+            click(0);
+        }})"""
+        )
+        tab.wait_for(f"Math.abs(Mosaicon.map.getCenter().lng - {self.maps[2].longitude}) < 1e-4")
+        tab.wait_for(f"Mosaicon.map.getBounds().contains({self.maps[2].bounds()})")
+
     def test_the_first_lies_on_top(self):
         tab = self.open("all/index.html")
         levels = [int(tab.evaluate(layer(i, "getContainer().style.zIndex"))) for i in range(3)]

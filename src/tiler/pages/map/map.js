@@ -19,6 +19,7 @@
   var fromDisk = window.location.protocol === 'file:';
   var calm = !!window.matchMedia && window.matchMedia('(prefers-reduced-motion: reduce)').matches;
   var infos, several, map, nodes = {};
+  var zooming = false, aim = null;
 
   // ---- What the page is given ----
 
@@ -201,8 +202,23 @@
     return area;
   }
 
+  // Leaflet takes no new aim while it zooms. The last one that came in the meantime has its turn afterwards.
   function fit(area) {
-    map.fitBounds(area, { padding: [16, 16], animate: !calm });
+    if (zooming) {
+      aim = area;
+    } else {
+      map.fitBounds(area, { padding: [16, 16], animate: !calm });
+    }
+  }
+
+  function noteZooming() {
+    map.on('zoomstart', function () { zooming = true; });
+    map.on('zoomend', function () {
+      var next = aim;
+      zooming = false;
+      aim = null;
+      if (next) { window.setTimeout(fit, 0, next); }
+    });
   }
 
   function makeMap() {
@@ -347,6 +363,7 @@
     addTools();
     markFarPlaces();
     map.on('zoomend', markFarPlaces);
+    noteZooming();
     showPositions();
     return true;
   }
