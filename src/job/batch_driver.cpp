@@ -57,6 +57,10 @@ JobResult BatchDriver::RunJob() {
   if (!CheckTools(m_tools, m_files, m_host) || !SetToolEnvironment(m_tools, m_environment, m_host)) {
     return JobResult::kToolsMissing;
   }
+  // The tiler makes the page that links to the documents before they have their names.
+  m_environment.Set("MOSAICON_TILER_DOCUMENTS", m_settings.targetUrl.empty()
+                                                    ? "googleearth_loc.kml"
+                                                    : "googleearth_loc.kml|googleearth_web.kml");
   m_files.Protect(m_vOrthophotos);
   if (!Prepare()) return JobResult::kTargetMissing;
   ProcessAll();

@@ -1,11 +1,11 @@
 #include "tiler/map_pages.h"
 
 #include <cmath>
-#include <map>
 #include <string_view>
 
 #include "tiler/kml_text.h"
 #include "tiler/number_text.h"
+#include "tiler/page_template.h"
 
 namespace tiler {
 
@@ -25,29 +25,6 @@ constexpr char kGoogleMapsUrl[] = "https://maps.googleapis.com/maps/api/js";
 constexpr int kFineDecimals = 14;
 constexpr double kMetresPerPixelOfLevel0 = 156543.0339;  // as the format has it
 
-using Values = std::map<std::string_view, std::string>;
-
-// What is put in is not looked at again: a title may hold whatever it likes.
-std::string FilledIn(std::string_view page, const Values& values) {
-  std::string text;
-  while (!page.empty()) {
-    const std::size_t mark = page.find('@');
-    text += page.substr(0, mark);
-    if (mark == std::string_view::npos) break;
-    page.remove_prefix(mark);
-    const std::size_t end = page.find('@', 1);
-    const auto value = end == std::string_view::npos ? values.end() : values.find(page.substr(1, end - 1));
-    if (value == values.end()) {
-      text += '@';
-      page.remove_prefix(1);
-    } else {
-      text += value->second;
-      page.remove_prefix(end + 1);
-    }
-  }
-  return text;
-}
-
 std::string WithEscapedQuotes(const std::string& text) {
   std::string escaped;
   for (const char c : text) {
@@ -64,7 +41,7 @@ std::string TileSet(int level, const std::string& escapedUrl) {
          WithDecimals(metresPerPixel, kFineDecimals) + "\" order=\"" + number + "\"/>\n";
 }
 
-Values CommonValues(const Pyramid& pyramid, const PageTexts& texts) {
+MarkValues CommonValues(const Pyramid& pyramid, const PageTexts& texts) {
   const Bounds degrees = pyramid.Degrees();
   return {{"TITLE", XmlEscaped(texts.title)},           {"COARSEST", std::to_string(pyramid.Coarsest())},
           {"FINEST", std::to_string(pyramid.Finest())}, {"SOUTH", ShortestText(degrees.south)},
@@ -75,7 +52,7 @@ Values CommonValues(const Pyramid& pyramid, const PageTexts& texts) {
 }  // namespace
 
 std::string GoogleMapsPage(const Pyramid& pyramid, const PageTexts& texts) {
-  Values values = CommonValues(pyramid, texts);
+  MarkValues values = CommonValues(pyramid, texts);
   const std::string url = kGoogleMapsUrl;
   values["MAPS_URL"] = texts.googleKey.empty() ? url : url + "?key=" + texts.googleKey;
   values["KEY_HINT"] =
@@ -85,7 +62,7 @@ std::string GoogleMapsPage(const Pyramid& pyramid, const PageTexts& texts) {
 
 std::string LeafletPage(const Pyramid& pyramid, const PageTexts& texts) {
   const Bounds degrees = pyramid.Degrees();
-  Values values = CommonValues(pyramid, texts);
+  MarkValues values = CommonValues(pyramid, texts);
   values["QUOTED_TITLE"] = WithEscapedQuotes(texts.title);
   values["CENTRE_LATITUDE"] = ShortestText((degrees.north + degrees.south) / 2.0);
   values["CENTRE_LONGITUDE"] = ShortestText((degrees.west + degrees.east) / 2.0);
@@ -95,7 +72,7 @@ std::string LeafletPage(const Pyramid& pyramid, const PageTexts& texts) {
 std::string OpenLayersPage(const Pyramid& pyramid, const PageTexts& texts) {
   constexpr int kDecimals = 6;
   const Bounds& metres = pyramid.Metres();
-  Values values = CommonValues(pyramid, texts);
+  MarkValues values = CommonValues(pyramid, texts);
   values["LEFT"] = WithDecimals(metres.west, kDecimals);
   values["BOTTOM"] = WithDecimals(metres.south, kDecimals);
   values["RIGHT"] = WithDecimals(metres.east, kDecimals);

@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "tiler/map_page.h"
 #include "tiler/path_text.h"
 #include "tiler/tiler_error.h"
 #include "tiler/write_file.h"
@@ -86,8 +87,10 @@ std::string OutputFolder::Name() const {
 }
 
 void OutputFolder::RemovePartialFiles() const {
-  for (const fs::path& entry : EntriesOf(m_path)) {
-    if (IsPartial(entry)) Remove(entry);
+  for (const fs::path& folder : {m_path, m_path / kPageFolder}) {
+    for (const fs::path& entry : EntriesOf(folder)) {
+      if (IsPartial(entry)) Remove(entry);
+    }
   }
   RemovePartialTiles([](const TileId&) { return true; });
 }
@@ -135,6 +138,11 @@ std::optional<std::string> OutputFolder::ReadTile(const TileId& tile, const char
 
 void OutputFolder::WritePage(const char* name, std::string_view content) const {
   WriteWhole(m_path / name, content);
+}
+
+void OutputFolder::WritePageFile(const char* folder, const char* name, std::string_view content) const {
+  CreateFolders(m_path / folder);
+  WriteWhole(m_path / folder / name, content);
 }
 
 fs::path OutputFolder::TilePath(const TileId& tile, const char* extension) const {

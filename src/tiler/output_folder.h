@@ -39,6 +39,8 @@ class OutputFolder {
   const std::filesystem::path& Path() const { return m_path; }
   // name: of a file in the folder itself.
   void WritePage(const char* name, std::string_view content) const;
+  // folder: in the folder itself; is made when it is not there.
+  void WritePageFile(const char* folder, const char* name, std::string_view content) const;
 
  private:
   std::filesystem::path ColumnOf(int level, int column) const;

@@ -10,6 +10,7 @@
 
 #include "tiler/damaged_place.h"
 #include "tiler/kml_text.h"
+#include "tiler/map_page.h"
 #include "tiler/map_pages.h"
 #include "tiler/map_view.h"
 #include "tiler/memory_plan.h"
@@ -29,6 +30,8 @@ namespace tiler {
 
 namespace {
 
+constexpr const char* kDocument = "doc.kml";
+
 // Where the tiles are from where doc.kml is wanted: the folder of the request, and this run's below it.
 std::string UrlOfTiles(const Request& request, const OutputFolder& output) {
   if (request.url.empty()) return "";
@@ -44,14 +47,32 @@ std::vector<TileId> CoarsestTiles(const Pyramid& pyramid) {
   return tiles;
 }
 
+// MOSAICON_TILER_DOCUMENTS is for who renames doc.kml afterwards: its name then, and behind a "|" that of the
+// document with links for the web, if there will be one.
+PageDocuments DocumentsFor(const Request& request) {
+  if (!request.kml) return {};
+  const char* names = std::getenv("MOSAICON_TILER_DOCUMENTS");
+  if (names == nullptr || *names == '\0') {
+    return {kDocument, request.url.find("://") == std::string::npos ? "" : kDocument};
+  }
+  const std::string both = names;
+  const std::size_t sign = both.find('|');
+  return {both.substr(0, sign), sign == std::string::npos ? "" : both.substr(sign + 1)};
+}
+
 void WritePages(const Request& request, const Pyramid& pyramid, const OutputFolder& output) {
   const PageTexts texts = {request.title, request.key};
   const std::string url = UrlOfTiles(request, output);
   output.WritePage("googlemaps.html", GoogleMapsPage(pyramid, texts));
-  output.WritePage("leaflet.html", LeafletPage(pyramid, texts));
+  if (request.sampling == Sampling::kSharp) {
+    for (const PageFile& file : PageFiles()) output.WritePageFile(kPageFolder, file.name, file.content);
+    output.WritePage("leaflet.html", MapPage(pyramid, request.title, DocumentsFor(request)));
+  } else {
+    output.WritePage("leaflet.html", LeafletPage(pyramid, texts));
+  }
   output.WritePage("openlayers.html", OpenLayersPage(pyramid, texts));
   output.WritePage("tilemapresource.xml", TileMapResource(pyramid, request.title, url));
-  if (request.kml) output.WritePage("doc.kml", RootKml(request.title, url, CoarsestTiles(pyramid)));
+  if (request.kml) output.WritePage(kDocument, RootKml(request.title, url, CoarsestTiles(pyramid)));
 }
 
 // Changes with whatever changes a byte of the result, or which run makes it.

@@ -1,5 +1,6 @@
 """What the result of an orthophoto must look like."""
 
+import json
 import math
 import os
 import re
@@ -22,6 +23,11 @@ from rasters import OWN_ZONE, TARGET_ZONES, corners_in_degrees, read_pixels
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "src" / "tiler" / "testing"))
 import exact_average  # noqa: E402
 
+# What leaflet.html needs.
+PAGE_FILES = (
+    *("leaflet.css", "leaflet.js", "leaflet-licence.txt"),
+    *("map.css", "map.js", "position.js", "tools.js"),
+)
 KML = "{http://www.opengis.net/kml/2.2}"
 
 
@@ -160,7 +166,12 @@ class ResultChecks(unittest.TestCase):
         added = {"googleearth_loc.kml", name + ".jpg"}
         if job.url:
             added.add("googleearth_web.kml")
+        if TILER == ENGINE:
+            added |= {f"leaflet/{name}" for name in PAGE_FILES}
         self.assertEqual(made, expected | added)
+        if TILER == ENGINE:
+            expected.remove("leaflet.html")
+            self.assert_page(folder, job)
 
         tiles = [path for path in expected if path.endswith(".png")]
         self.assertGreater(len(tiles), 3)
@@ -179,6 +190,14 @@ class ResultChecks(unittest.TestCase):
                     with_fewer_digits((plain / path).read_text()),
                     path,
                 )
+
+    def assert_page(self, folder, job):
+        """Its links are the documents that there are."""
+        described = json.loads(
+            re.search(r'id="map-data">(.*)</script>', (folder / "leaflet.html").read_text())[1]
+        )
+        web = "googleearth_web.kml" if job.url else None
+        self.assertEqual(described["kml"], {"disk": "googleearth_loc.kml", "web": web})
 
     def assert_exact(self, folder, tiles, orthophoto):
         """The tile of the finest level that shows most is the average of the orthophoto's own pixels, at the

@@ -1,0 +1,72 @@
+#include "tiler/map_page.h"
+
+#include <algorithm>
+
+#include "tiler/kml_text.h"
+#include "tiler/number_text.h"
+#include "tiler/page_template.h"
+#include "tiler/pages/map_files.h"
+
+namespace tiler {
+
+namespace {
+
+// A text of JSON within a page: "<" could end the element that it is in.
+std::string Quoted(const std::string& text) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::string quoted = "\"";
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (c == '"' || c == '\\') {
+      quoted += '\\';
+      quoted += c;
+    } else if (byte < ' ' || c == '<') {
+      quoted += "\\u00";
+      quoted += kDigits[byte >> 4];
+      quoted += kDigits[byte & 15];
+    } else {
+      quoted += c;
+    }
+  }
+  return quoted + "\"";
+}
+
+std::string Name(const std::string& name) {
+  return name.empty() ? "null" : Quoted(name);
+}
+
+std::string LevelsOf(const Pyramid& pyramid) {
+  std::string text;
+  for (int level = pyramid.Coarsest(); level <= pyramid.Finest(); ++level) {
+    const TileRange& range = pyramid.Range(level);
+    text += (text.empty() ? "\"" : ", \"") + std::to_string(level) + "\": [" +
+            Joined({range.west, range.south, range.east, range.north}, ", ") + "]";
+  }
+  return "{" + text + "}";
+}
+
+}  // namespace
+
+std::string MapPage(const Pyramid& pyramid, const std::string& title, const PageDocuments& documents) {
+  const Bounds degrees = pyramid.Degrees();
+  const std::string map =
+      "{\"title\": " + Quoted(title) + ", \"coarsest\": " + std::to_string(pyramid.Coarsest()) +
+      ", \"finest\": " + std::to_string(pyramid.Finest()) + ", \"bounds\": [[" + ShortestText(degrees.south) +
+      ", " + ShortestText(degrees.west) + "], [" + ShortestText(degrees.north) + ", " +
+      ShortestText(degrees.east) + "]], \"levels\": " + LevelsOf(pyramid) +
+      ", \"kml\": {\"disk\": " + Name(documents.disk) + ", \"web\": " + Name(documents.web) + "}}";
+  return FilledIn(kMapPage, {{"TITLE", XmlEscaped(title)}, {"MAP", map}});
+}
+
+const std::vector<PageFile>& PageFiles() {
+  static const std::vector<PageFile> files = {{"leaflet.css", kLeafletStyles},
+                                              {"leaflet.js", kLeafletScript},
+                                              {"leaflet-licence.txt", kLeafletLicence},
+                                              {"map.css", kMapStyles},
+                                              {"map.js", kMapScript},
+                                              {"position.js", kPositionScript},
+                                              {"tools.js", kToolsScript}};
+  return files;
+}
+
+}  // namespace tiler
