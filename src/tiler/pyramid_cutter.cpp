@@ -12,6 +12,7 @@
 
 #include "tiler/exact_tile.h"
 #include "tiler/kml_text.h"
+#include "tiler/map_kml.h"
 #include "tiler/output_folder.h"
 #include "tiler/png_reader.h"
 #include "tiler/png_tile.h"
@@ -131,8 +132,15 @@ class PyramidCutter::Worker {
 
   void Write(const TileId& tile, const Tile& pixels) {
     WriteFile(tile, kImage, m_encoder.Encode(pixels));
-    if (m_cutter.m_kml) WriteFile(tile, kDocument, TileKml(tile, m_cutter.m_plan.Finer(tile)));
+    if (m_cutter.m_kml) WriteFile(tile, kDocument, Document(tile, pixels));
     m_cutter.TellDone();
+  }
+
+  std::string Document(const TileId& tile, const Tile& pixels) const {
+    const std::vector<TileId> finer = m_cutter.m_plan.Finer(tile);
+    if (!m_cutter.m_view.exact) return TileKml(tile, finer);
+    return MapTileKml(tile, finer,
+                      {tile.level == m_cutter.m_pyramid.Coarsest(), !finer.empty() && IsTranslucent(pixels)});
   }
 
   void WriteFile(const TileId& tile, const char* extension, std::string_view content) {

@@ -10,6 +10,7 @@
 
 #include "tiler/damaged_place.h"
 #include "tiler/kml_text.h"
+#include "tiler/map_kml.h"
 #include "tiler/map_page.h"
 #include "tiler/map_pages.h"
 #include "tiler/map_view.h"
@@ -72,7 +73,11 @@ void WritePages(const Request& request, const Pyramid& pyramid, const OutputFold
   }
   output.WritePage("openlayers.html", OpenLayersPage(pyramid, texts));
   output.WritePage("tilemapresource.xml", TileMapResource(pyramid, request.title, url));
-  if (request.kml) output.WritePage(kDocument, RootKml(request.title, url, CoarsestTiles(pyramid)));
+  if (!request.kml) return;
+  const std::vector<TileId> coarsest = CoarsestTiles(pyramid);
+  output.WritePage(kDocument, request.sampling == Sampling::kSharp
+                                  ? MapRootKml(request.title, url, coarsest, pyramid.Degrees())
+                                  : RootKml(request.title, url, coarsest));
 }
 
 // Changes with whatever changes a byte of the result, or which run makes it.

@@ -22,6 +22,7 @@ from rasters import OWN_ZONE, TARGET_ZONES, corners_in_degrees, read_pixels
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "src" / "tiler" / "testing"))
 import exact_average  # noqa: E402
+import kml_rules  # noqa: E402
 
 # What leaflet.html needs.
 PAGE_FILES = (
@@ -192,7 +193,10 @@ class ResultChecks(unittest.TestCase):
                 )
 
     def assert_page(self, folder, job):
-        """Its links are the documents that there are."""
+        """Its links are the documents that there are, which keep the rules."""
+        self.assertEqual(kml_rules.faults_of_overlay(folder / "googleearth_loc.kml", most_overlap=2), [])
+        if job.url:
+            self.assertEqual(kml_rules.faults((folder / "googleearth_web.kml").read_bytes()), [])
         described = json.loads(
             re.search(r'id="map-data">(.*)</script>', (folder / "leaflet.html").read_text())[1]
         )

@@ -1,0 +1,56 @@
+#include "tiler/kml_parts.h"
+
+#include "tiler/number_text.h"
+
+namespace tiler {
+
+namespace {
+
+std::string Degrees(double value) {
+  return WithDecimals(value, 14);
+}
+
+std::string Sides(const Bounds& box, const std::string& indent) {
+  return indent + "<north>" + Degrees(box.north) + "</north>\n" +  //
+         indent + "<south>" + Degrees(box.south) + "</south>\n" +  //
+         indent + "<east>" + Degrees(box.east) + "</east>\n" +     //
+         indent + "<west>" + Degrees(box.west) + "</west>\n";
+}
+
+}  // namespace
+
+std::string Path(const TileId& tile) {
+  return std::to_string(tile.level) + "/" + std::to_string(tile.column) + "/" + std::to_string(tile.row);
+}
+
+std::string Region(const Bounds& box, const PixelLimits& limits, const std::string& indent) {
+  return indent + "<Region>\n" +                                                               //
+         indent + "  <LatLonAltBox>\n" +                                                       //
+         Sides(box, indent + "    ") +                                                         //
+         indent + "  </LatLonAltBox>\n" +                                                      //
+         indent + "  <Lod>\n" +                                                                //
+         indent + "    <minLodPixels>" + std::to_string(limits.least) + "</minLodPixels>\n" +  //
+         indent + "    <maxLodPixels>" + std::to_string(limits.most) + "</maxLodPixels>\n" +   //
+         indent + "  </Lod>\n" +                                                               //
+         indent + "</Region>\n";
+}
+
+std::string Overlay(const TileId& tile, const Bounds& box) {
+  // The first column of tiles of the world is drawn above its neighbours.
+  const int order = 2 * tile.level + (tile.column == 0 ? 1 : 0);
+  return "    <GroundOverlay>\n"
+         "      <drawOrder>" +
+         std::to_string(order) +
+         "</drawOrder>\n"
+         "      <Icon>\n"
+         "        <href>" +
+         std::to_string(tile.row) +
+         ".png</href>\n"
+         "      </Icon>\n"
+         "      <LatLonBox>\n" +
+         Sides(box, "        ") +
+         "      </LatLonBox>\n"
+         "    </GroundOverlay>\n";
+}
+
+}  // namespace tiler

@@ -1,0 +1,29 @@
+// Parts of KML files. Portable, no state.
+#ifndef MOSAICON_TILER_KML_PARTS_H_
+#define MOSAICON_TILER_KML_PARTS_H_
+
+#include <string>
+
+#include "tiler/mercator.h"
+
+namespace tiler {
+
+inline constexpr int kForEver = -1;
+
+// Sizes of a region on the screen, in pixels, between which what it holds is shown. most: or kForEver.
+struct PixelLimits {
+  int least = 0;
+  int most = kForEver;
+};
+
+// Of a tile: "LEVEL/COLUMN/ROW".
+std::string Path(const TileId& tile);
+
+// Elements. indent: blanks before their lines.
+std::string Region(const Bounds& box, const PixelLimits& limits, const std::string& indent);
+// A tile's image, which lies beside the file.
+std::string Overlay(const TileId& tile, const Bounds& box);
+
+}  // namespace tiler
+
+#endif  // MOSAICON_TILER_KML_PARTS_H_
