@@ -80,6 +80,7 @@ class BatchDriver {
   void RenameDocument(const std::string& document, const std::string& local);
   void MakePicture(const CTifData& data, const Output& output);
   std::string NamePicture(const Output& output);
+  void MakeIndex();
 
   // The only way to the world: every call of them may come too late.
   GuardedHost m_host;

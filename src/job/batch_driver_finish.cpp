@@ -21,6 +21,7 @@ void BatchDriver::FinishMap(const CTifData& data, const Output& output) {
   FinishViewers(output);
   FinishKml(output);
   MakePicture(data, output);
+  if (m_vOrthophotos.size() > 1) MakeIndex();
   const std::string document = FileIn(output.normalised, kLocalDocument, "kml");
   if (!m_files.Exists(document)) m_audit.Fail("could not make " + document);
 }

@@ -16,6 +16,8 @@ class FinishingSteps {
                            std::string& reason) = 0;
   // IsPreviewImage.
   virtual bool IsPreview(const std::string& path) = 0;
+  // Puts a text in the place of a file, if there is one; false when it could not.
+  virtual bool WriteText(const std::string& path, const std::string& text) = 0;
 };
 
 // Those functions, on real files.
@@ -25,6 +27,7 @@ class RealFinishingSteps : public FinishingSteps {
                     const std::string& subFolder) override;
   bool MakePreview(const std::string& orthophoto, const std::string& picture, std::string& reason) override;
   bool IsPreview(const std::string& path) override;
+  bool WriteText(const std::string& path, const std::string& text) override;
 };
 
 #endif  // MOSAICON_JOB_FINISHING_STEPS_H_

@@ -133,3 +133,7 @@ bool GuardedSteps::MakePreview(const std::string& orthophoto, const std::string&
 bool GuardedSteps::IsPreview(const std::string& path) {
   return m_files.IsOpen() && m_steps.IsPreview(path);
 }
+
+bool GuardedSteps::WriteText(const std::string& path, const std::string& text) {
+  return m_files.MayChange(path) && m_steps.WriteText(path, text);
+}

@@ -97,6 +97,7 @@ class GuardedSteps : public FinishingSteps {
                     const std::string& subFolder) override;
   bool MakePreview(const std::string& orthophoto, const std::string& picture, std::string& reason) override;
   bool IsPreview(const std::string& path) override;
+  bool WriteText(const std::string& path, const std::string& text) override;
 
  private:
   FinishingSteps& m_steps;

@@ -1,5 +1,9 @@
 #include "tiler/kml_parts.h"
 
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
 #include "tiler/number_text.h"
 
 namespace tiler {
@@ -51,6 +55,33 @@ std::string Overlay(const TileId& tile, const Bounds& box) {
          Sides(box, "        ") +
          "      </LatLonBox>\n"
          "    </GroundOverlay>\n";
+}
+
+std::string LookFromAbove(const Bounds& degrees) {
+  constexpr double kRadius = 6378137;  // metres
+  constexpr double kRangeForSize = 1.3;
+  constexpr double kLeastRange = 100;  // metres
+  constexpr int kDecimals = 8;
+  const double latitude = (degrees.south + degrees.north) / 2;
+  const double metresPerDegree = kRadius * std::numbers::pi / 180;
+  const double across =
+      (degrees.east - degrees.west) * metresPerDegree * std::cos(latitude * std::numbers::pi / 180);
+  const double down = (degrees.north - degrees.south) * metresPerDegree;
+  const double range = std::max(kLeastRange, kRangeForSize * std::max(across, down));
+  return "    <LookAt>\n"
+         "      <longitude>" +
+         WithDecimals((degrees.west + degrees.east) / 2, kDecimals) +
+         "</longitude>\n"
+         "      <latitude>" +
+         WithDecimals(latitude, kDecimals) +
+         "</latitude>\n"
+         "      <altitude>0</altitude>\n"
+         "      <heading>0</heading>\n"
+         "      <tilt>0</tilt>\n"
+         "      <range>" +
+         WithDecimals(range, 0) +
+         "</range>\n"
+         "    </LookAt>\n";
 }
 
 }  // namespace tiler

@@ -21,6 +21,8 @@ std::string Path(const TileId& tile);
 
 // Elements. indent: blanks before their lines.
 std::string Region(const Bounds& box, const PixelLimits& limits, const std::string& indent);
+// A view from above, so high that all of it is to be seen with a little around it.
+std::string LookFromAbove(const Bounds& degrees);
 // A tile's image, which lies beside the file.
 std::string Overlay(const TileId& tile, const Bounds& box);
 

@@ -1,12 +1,7 @@
 #include "tiler/map_kml.h"
 
-#include <algorithm>
-#include <cmath>
-#include <numbers>
-
 #include "tiler/kml_parts.h"
 #include "tiler/kml_text.h"
-#include "tiler/number_text.h"
 
 namespace tiler {
 
@@ -50,34 +45,6 @@ std::string Link(const TileId& tile, int least, const std::string& escapedUrl) {
 
 constexpr const char* kEnd = "  </Document>\n</kml>";
 
-// From above, so high that all of it is to be seen with a little around it.
-std::string ViewOf(const Bounds& degrees) {
-  constexpr double kRadius = 6378137;  // metres
-  constexpr double kRangeForSize = 1.3;
-  constexpr double kLeastRange = 100;  // metres
-  constexpr int kDecimals = 8;
-  const double latitude = (degrees.south + degrees.north) / 2;
-  const double metresPerDegree = kRadius * std::numbers::pi / 180;
-  const double across =
-      (degrees.east - degrees.west) * metresPerDegree * std::cos(latitude * std::numbers::pi / 180);
-  const double down = (degrees.north - degrees.south) * metresPerDegree;
-  const double range = std::max(kLeastRange, kRangeForSize * std::max(across, down));
-  return "    <LookAt>\n"
-         "      <longitude>" +
-         WithDecimals((degrees.west + degrees.east) / 2, kDecimals) +
-         "</longitude>\n"
-         "      <latitude>" +
-         WithDecimals(latitude, kDecimals) +
-         "</latitude>\n"
-         "      <altitude>0</altitude>\n"
-         "      <heading>0</heading>\n"
-         "      <tilt>0</tilt>\n"
-         "      <range>" +
-         WithDecimals(range, 0) +
-         "</range>\n"
-         "    </LookAt>\n";
-}
-
 }  // namespace
 
 bool IsTranslucent(const Tile& pixels) {
@@ -102,7 +69,7 @@ std::string MapTileKml(const TileId& tile, const std::vector<TileId>& finer, con
 
 std::string MapRootKml(const std::string& title, const std::string& url, const std::vector<TileId>& coarsest,
                        const Bounds& degrees) {
-  std::string text = Head(XmlEscaped(title), ViewOf(degrees));
+  std::string text = Head(XmlEscaped(title), LookFromAbove(degrees));
   for (const TileId& each : coarsest) text += Link(each, kLeastPixelsOfCoarsest, XmlEscaped(url));
   return text + kEnd;
 }

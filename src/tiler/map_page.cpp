@@ -11,8 +11,23 @@ namespace tiler {
 
 namespace {
 
-// A text of JSON within a page: "<" could end the element that it is in.
-std::string Quoted(const std::string& text) {
+std::string Name(const std::string& name) {
+  return name.empty() ? "null" : QuotedForPage(name);
+}
+
+std::string LevelsOf(const Pyramid& pyramid) {
+  std::string text;
+  for (int level = pyramid.Coarsest(); level <= pyramid.Finest(); ++level) {
+    const TileRange& range = pyramid.Range(level);
+    text += (text.empty() ? "\"" : ", \"") + std::to_string(level) + "\": [" +
+            Joined({range.west, range.south, range.east, range.north}, ", ") + "]";
+  }
+  return "{" + text + "}";
+}
+
+}  // namespace
+
+std::string QuotedForPage(const std::string& text) {
   constexpr char kDigits[] = "0123456789abcdef";
   std::string quoted = "\"";
   for (const char c : text) {
@@ -31,31 +46,15 @@ std::string Quoted(const std::string& text) {
   return quoted + "\"";
 }
 
-std::string Name(const std::string& name) {
-  return name.empty() ? "null" : Quoted(name);
-}
-
-std::string LevelsOf(const Pyramid& pyramid) {
-  std::string text;
-  for (int level = pyramid.Coarsest(); level <= pyramid.Finest(); ++level) {
-    const TileRange& range = pyramid.Range(level);
-    text += (text.empty() ? "\"" : ", \"") + std::to_string(level) + "\": [" +
-            Joined({range.west, range.south, range.east, range.north}, ", ") + "]";
-  }
-  return "{" + text + "}";
-}
-
-}  // namespace
-
 std::string MapPage(const Pyramid& pyramid, const std::string& title, const PageDocuments& documents) {
   const Bounds degrees = pyramid.Degrees();
   const std::string map =
-      "{\"title\": " + Quoted(title) + ", \"coarsest\": " + std::to_string(pyramid.Coarsest()) +
+      "{\"title\": " + QuotedForPage(title) + ", \"coarsest\": " + std::to_string(pyramid.Coarsest()) +
       ", \"finest\": " + std::to_string(pyramid.Finest()) + ", \"bounds\": [[" + ShortestText(degrees.south) +
       ", " + ShortestText(degrees.west) + "], [" + ShortestText(degrees.north) + ", " +
       ShortestText(degrees.east) + "]], \"levels\": " + LevelsOf(pyramid) +
       ", \"kml\": {\"disk\": " + Name(documents.disk) + ", \"web\": " + Name(documents.web) + "}}";
-  return FilledIn(kMapPage, {{"TITLE", XmlEscaped(title)}, {"MAP", map}});
+  return FilledIn(kPage, {{"TITLE", XmlEscaped(title)}, {"KIND", "map"}, {"DATA", map}});
 }
 
 const std::vector<PageFile>& PageFiles() {

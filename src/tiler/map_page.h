@@ -16,6 +16,9 @@ struct PageDocuments {
   std::string web;   // whose links begin with the address that it is published under
 };
 
+// A text of JSON within a page, where "<" could end the element that it is in. text: UTF-8.
+std::string QuotedForPage(const std::string& text);
+
 // leaflet.html. title: UTF-8.
 std::string MapPage(const Pyramid& pyramid, const std::string& title, const PageDocuments& documents);
 

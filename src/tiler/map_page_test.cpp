@@ -33,10 +33,10 @@ TEST(MapPage, LinksToTheDocumentsThatThereAre) {
 }
 
 TEST(MapPage, ShowsTheTitleAsItIs) {
-  const std::string page = PageWith("a \"b\" \\ & <!--</script> @MAP@ %s\t\n\xC3\xA4");
-  EXPECT_TRUE(Has(page, "<h1>a &quot;b&quot; \\ &amp; &lt;!--&lt;/script&gt; @MAP@ %s\t\n\xC3\xA4</h1>"));
+  const std::string page = PageWith("a \"b\" \\ & <!--</script> @DATA@ %s\t\n\xC3\xA4");
+  EXPECT_TRUE(Has(page, "<h1>a &quot;b&quot; \\ &amp; &lt;!--&lt;/script&gt; @DATA@ %s\t\n\xC3\xA4</h1>"));
   EXPECT_TRUE(Has(
-      page, "{\"title\": \"a \\\"b\\\" \\\\ & \\u003c!--\\u003c/script> @MAP@ %s\\u0009\\u000a\xC3\xA4\","))
+      page, "{\"title\": \"a \\\"b\\\" \\\\ & \\u003c!--\\u003c/script> @DATA@ %s\\u0009\\u000a\xC3\xA4\","))
       << page;
 }
 

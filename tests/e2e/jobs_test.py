@@ -1,11 +1,17 @@
 """Whole jobs, from the orthophotos to the last link, compared with what the plain tiler makes."""
 
+import json
+import re
 import unittest
 
-from batch_support import BatchTest, start_wine
+from batch_support import ENGINE, TILER, BatchTest, start_wine
 from rasters import NATIONAL_GRID, OWN_ZONE, SOUTH, make_raster, picture
-from results import Job, ResultChecks
+from results import PAGE_FILES, Job, ResultChecks, files_below, links
+from web_check import WebCheck
+import kml_rules
 
+SHOWN_TILES = """[...document.querySelectorAll('img.leaflet-tile')]
+                     .filter(each => each.naturalWidth > 0).length"""
 PLACES = {"a own.tif": OWN_ZONE, "b grid.TIF": NATIONAL_GRID, "c south.tif": SOUTH}
 
 
@@ -28,6 +34,28 @@ class Jobs(BatchTest, ResultChecks):
                 self.assert_result(job, index, orthophoto, place)
                 levels = [path for path in job.folder(index).iterdir() if path.name.isdigit()]
                 self.assertGreater(len(levels), 1)
+        if job.count > 1 and TILER == ENGINE:
+            self.assert_index(job)
+
+    def assert_index(self, job):
+        """A page and documents that show all maps."""
+        names = {"index.html", "googleearth_all.KML", *(f"leaflet/{name}" for name in PAGE_FILES)}
+        if job.url:
+            names.add("googleearth_all_web.KML")
+        found = {path for path in files_below(job.target) if not path.startswith("tile_")}
+        self.assertEqual(found, names)
+        page = (job.target / "index.html").read_text()
+        maps = json.loads(re.search(r'id="maps-data">(.*?)</script>', page, re.DOTALL)[1])
+        self.assertEqual([each["folder"] for each in maps], [f"tile_{i}" for i in range(job.count)])
+        self.assertEqual(
+            links(job.target / "googleearth_all.KML"), [f"tile_{i}/googleearth_loc.kml" for i in range(3)]
+        )
+        for name in filter(lambda name: name.endswith("KML"), names):
+            self.assertEqual(kml_rules.faults((job.target / name).read_bytes()), [])
+        with WebCheck(job.target) as web:
+            visit = web.open_page("index.html", SHOWN_TILES)
+            self.assertEqual((visit.faults(), visit.console), ([], []))
+            self.assertGreater(visit.value, 0)
 
 
 class JobOfThree(Jobs):

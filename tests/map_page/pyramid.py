@@ -77,15 +77,11 @@ def json_for_page(value):
     return json.dumps(value, ensure_ascii=False).replace("<", "\\u003c")
 
 
-def fill(template, **marks):
-    """All marks at once: what is filled in may itself look like a mark."""
-    text = (SOURCES / template).read_text(encoding="utf-8")
-    return re.sub("@([A-Z]+)@", lambda mark: marks[mark[1]], text)
-
-
-def write_page(path, template, title, **marks):
-    marks = {name: json_for_page(value) for name, value in marks.items()}
-    path.write_text(fill(template, TITLE=html.escape(title), **marks), encoding="utf-8")
+def write_page(path, kind, title, data):
+    """kind: "map" or "maps". All marks at once: what is filled in may itself look like a mark."""
+    marks = {"TITLE": html.escape(title), "KIND": kind, "DATA": json_for_page(data)}
+    page = (SOURCES / "page.html").read_text(encoding="utf-8")
+    path.write_text(re.sub("@([A-Z]+)@", lambda mark: marks[mark[1]], page), encoding="utf-8")
 
 
 def write_leaflet(folder):
@@ -101,7 +97,7 @@ def write_leaflet(folder):
 def write_map(folder, one):
     """One map with its page, in the folder itself."""
     write_leaflet(folder)
-    write_page(folder / "leaflet.html", "leaflet.html", one.title, MAP=one.described())
+    write_page(folder / "leaflet.html", "map", one.title, one.described())
     for name in filter(None, one.kml.values()):
         (folder / name).write_text("<kml/>", encoding="utf-8")
     for z, (west, south, east, north) in one.levels().items():
@@ -113,7 +109,7 @@ def write_map(folder, one):
 def write_maps(folder, maps, title="Three fields"):
     """The index page, and a folder for each map."""
     write_leaflet(folder)
-    write_page(folder / "index.html", "index.html", title, MAPS=[one.described() for one in maps])
+    write_page(folder / "index.html", "maps", title, [one.described() for one in maps])
     for one in maps:
         write_map(folder / one.folder, one)
 

@@ -96,9 +96,17 @@ class FakeSteps : public FinishingSteps {
     return !pictureProblem;
   }
   bool IsPreview(const std::string& path) override { return previews.count(path) > 0; }
+  bool WriteText(const std::string& path, const std::string& text) override {
+    m_events.push_back("write " + path);
+    if (unwritten.count(path) > 0) return false;
+    texts[path] = text;
+    return true;
+  }
 
   std::set<std::string> previews;
   std::set<std::string> unlinked;
+  std::set<std::string> unwritten;
+  std::map<std::string, std::string> texts;  // by path
   std::optional<std::string> pictureProblem;
   std::function<void(const std::string& kml)> onLinks;  // what becomes of the file besides
 

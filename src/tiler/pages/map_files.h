@@ -6,7 +6,7 @@
 
 namespace tiler {
 
-extern const std::string_view kMapPage;
+extern const std::string_view kPage;
 extern const std::string_view kMapStyles;
 extern const std::string_view kMapScript;
 extern const std::string_view kPositionScript;
