@@ -61,11 +61,11 @@ Kernel KernelOf(Resampling resampling) {
 
 }  // namespace
 
-AxisWeights::AxisWeights(Resampling resampling, double scale, int parts)
+AxisWeights::AxisWeights(Resampling resampling, double scale)
     : m_isArea(resampling == Resampling::kAverage && scale >= 1) {
   if (m_isArea) {
-    m_reach = scale / parts / 2;
-    m_share = parts / scale;
+    m_reach = scale / 2;
+    m_share = 1 / scale;
     m_count = static_cast<int>(std::ceil(2 * m_reach)) + 1;
     return;
   }

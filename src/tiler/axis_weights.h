@@ -20,9 +20,8 @@ class AxisWeights {
     int count = 0;
   };
 
-  // scale: source pixels that a pixel of the map covers along the axis, above 0. parts: it is made of so many
-  // of them, each of which is asked for on its own; for kAverage alone.
-  AxisWeights(Resampling resampling, double scale, int parts = 1);
+  // scale: source pixels that a pixel of the map covers along the axis, above 0.
+  AxisWeights(Resampling resampling, double scale);
 
   // Whether weights are shares of an area; those of kernels have no such meaning where a part of them is
   // missing.

@@ -44,11 +44,6 @@ TEST(AxisWeights, AverageOverWhatIsCovered) {
                 {{5, 0.25}, {6, 0.25}, {7, 0.25}, {8, 0.25}});
 }
 
-TEST(AxisWeights, AverageOverPartsOfAPixel) {
-  ExpectWeights(WeightsAt(AxisWeights(Resampling::kAverage, 1.5, 3), 4.9), {{4, 0.7}, {5, 0.3}});
-  ExpectWeights(WeightsAt(AxisWeights(Resampling::kAverage, 1.5, 3), 4.5), {{4, 1}});
-}
-
 TEST(AxisWeights, AreCubicWhereTheMapIsFiner) {
   for (const Resampling resampling : {Resampling::kAverage, Resampling::kCubic}) {
     const AxisWeights axis(resampling, 0.5);

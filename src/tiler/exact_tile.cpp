@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <optional>
 
 #include "tiler/area_row.h"
 #include "tiler/pixel_sums.h"
@@ -15,8 +16,10 @@ namespace {
 constexpr std::uint8_t kOpaque = 255;
 constexpr std::size_t kHalf = kTileSize / 2;
 
-// The side of a pixel of the map along an axis of the image, whichever way the two are turned: that of the
-// square that spreads as far. Where a projection comes to its end there is no telling how large it gets.
+// The side of a pixel of the map along an axis of the image. Where the two are turned against each other,
+// that of the upright pixel that spreads as far stands for it: of a real image, turned by 45 degrees, the
+// tiles are 53 dB from the truth then, and 58 dB where it is not turned. Where a projection comes to its end
+// there is no telling how large it gets.
 double ScaleOf(double across, double down) {
   constexpr double kMost = 256;
   return std::min(std::hypot(across, down), kMost);
@@ -25,19 +28,6 @@ double ScaleOf(double across, double down) {
 // How far from its middle a pixel of the map may need pixels of the image, along an axis of that.
 double ReachOf(double across, double down, const AxisWeights& weights) {
   return std::min((std::fabs(across) + std::fabs(down)) / 2, ScaleOf(across, down)) + weights.Reach();
-}
-
-// Where the map is turned against the image, a pixel of it is no upright rectangle there; of small ones it is
-// made well enough.
-int PartsOf(const PositionCell& cell, Resampling resampling) {
-  if (resampling != Resampling::kAverage) return 1;
-  const double turn = std::min(std::max(std::fabs(cell.acrossY) / ScaleOf(cell.acrossY, cell.downY),
-                                        std::fabs(cell.downX) / ScaleOf(cell.acrossX, cell.downX)),
-                               // Turned by a right angle is upright.
-                               std::max(std::fabs(cell.acrossX) / ScaleOf(cell.acrossX, cell.downX),
-                                        std::fabs(cell.downY) / ScaleOf(cell.acrossY, cell.downY)));
-  if (turn < 0.06) return 1;
-  return turn < 0.25 ? 2 : 3;
 }
 
 // The weights of a pixel that meet pixels of the image.
@@ -52,9 +42,8 @@ class Sampler {
  public:
   Sampler(const PositionCell& cell, Resampling resampling, const PixelWindow& window, const Pixel* pixels)
       : m_cell(cell),
-        m_parts(PartsOf(cell, resampling)),
-        m_across(resampling, ScaleOf(cell.acrossX, cell.downX), m_parts),
-        m_down(resampling, ScaleOf(cell.acrossY, cell.downY), m_parts),
+        m_across(resampling, ScaleOf(cell.acrossX, cell.downX)),
+        m_down(resampling, ScaleOf(cell.acrossY, cell.downY)),
         m_reachX(ReachOf(cell.acrossX, cell.downX, m_across)),
         m_reachY(ReachOf(cell.acrossY, cell.downY, m_down)),
         m_columns(m_across.Most()),
@@ -63,11 +52,7 @@ class Sampler {
         m_top(static_cast<int>(window.y)),
         m_width(window.width),
         m_height(window.height),
-        m_pixels(pixels),
-        m_quick(ScaleOf(cell.acrossX, cell.downX), ScaleOf(cell.acrossY, cell.downY), window, pixels),
-        m_isQuick(resampling == Resampling::kAverage && m_parts == 1 &&
-                  AreaRow::Suits(ScaleOf(cell.acrossX, cell.downX)) &&
-                  AreaRow::Suits(ScaleOf(cell.acrossY, cell.downY))) {}
+        m_pixels(pixels) {}
 
   template <bool isOpaque>
   void Fill(Tile& tile) {
@@ -77,7 +62,6 @@ class Sampler {
       const Polynomial ys = m_cell.ys.AlongRow(down);
       Pixel* to = &tile[static_cast<std::size_t>(m_cell.top + row) * kTileSize +
                         static_cast<std::size_t>(m_cell.left)];
-      if (isOpaque && m_isQuick && m_quick.Fill(xs, ys, m_cell.size, to)) continue;
       for (int column = 0; column < m_cell.size; ++column) {
         const double across = static_cast<double>(column) / m_cell.size;
         to[column] = PixelAt<isOpaque>(xs.At(across), ys.At(across));
@@ -96,24 +80,12 @@ class Sampler {
   Pixel PixelAt(double x, double y) {
     if (IsOutside(x, y)) return {};
     PixelSums sums;
-    if (m_parts == 1) {
-      Add<isOpaque>(x, y, 1, sums);
-      return sums.Seen();
-    }
-    const float share = 1 / static_cast<float>(m_parts * m_parts);
-    for (int i = 0; i < m_parts; ++i) {
-      const double down = (i + 0.5) / m_parts - 0.5;
-      for (int k = 0; k < m_parts; ++k) {
-        const double across = (k + 0.5) / m_parts - 0.5;
-        Add<isOpaque>(x + across * m_cell.acrossX + down * m_cell.downX,
-                      y + across * m_cell.acrossY + down * m_cell.downY, share, sums);
-      }
-    }
+    Add<isOpaque>(x, y, sums);
     return sums.Seen();
   }
 
   template <bool isOpaque>
-  void Add(double x, double y, float share, PixelSums& sums) {
+  void Add(double x, double y, PixelSums& sums) {
     const AxisWeights::Range columns = m_across.At(x, m_columns.data());
     const AxisWeights::Range rows = m_down.At(y, m_rows.data());
     const int left = columns.first - m_left;
@@ -121,13 +93,13 @@ class Sampler {
     const bool isWithin =
         left >= 0 && top >= 0 && left + columns.count <= m_width && top + rows.count <= m_height;
     if (isWithin) {
-      AddPart<isOpaque>({0, columns.count, 0, rows.count}, left, top, share, sums);
+      AddPart<isOpaque>({0, columns.count, 0, rows.count}, left, top, 1, sums);
       return;
     }
     const Part part = {std::max(0, -left), std::min(columns.count, m_width - left), std::max(0, -top),
                        std::min(rows.count, m_height - top)};
-    share *= ShareOf(m_across, x - m_left, m_width, m_columns, part.left, part.right) *
-             ShareOf(m_down, y - m_top, m_height, m_rows, part.top, part.bottom);
+    const float share = ShareOf(m_across, x - m_left, m_width, m_columns, part.left, part.right) *
+                        ShareOf(m_down, y - m_top, m_height, m_rows, part.top, part.bottom);
     if (share != 0) AddPart<isOpaque>(part, left, top, share, sums);
   }
 
@@ -155,7 +127,6 @@ class Sampler {
   }
 
   const PositionCell& m_cell;
-  int m_parts;
   AxisWeights m_across;
   AxisWeights m_down;
   double m_reachX;
@@ -167,12 +138,34 @@ class Sampler {
   int m_width;
   int m_height;
   const Pixel* m_pixels;
-  AreaRow m_quick;
-  bool m_isQuick;
 };
+
+// Whether AreaRow is for it.
+bool IsMadeInRows(const PositionCell& cell, Resampling resampling) {
+  const double across = ScaleOf(cell.acrossX, cell.downX);
+  const double down = ScaleOf(cell.acrossY, cell.downY);
+  // A cell of one pixel may lie where positions end.
+  return cell.size > 1 && AxisWeights(resampling, across).IsArea() &&
+         AxisWeights(resampling, down).IsArea() && AreaRow::Suits(across) && AreaRow::Suits(down);
+}
+
+void FillInRows(const PositionCell& cell, const AreaSource& source, Tile& tile) {
+  AreaRow made(source, ScaleOf(cell.acrossX, cell.downX), ScaleOf(cell.acrossY, cell.downY));
+  for (int row = 0; row < cell.size; ++row) {
+    const double down = static_cast<double>(row) / cell.size;
+    made.Fill(
+        cell.xs.AlongRow(down), cell.ys.AlongRow(down), cell.size,
+        &tile[static_cast<std::size_t>(cell.top + row) * kTileSize + static_cast<std::size_t>(cell.left)]);
+  }
+}
 
 bool IsOpaque(const std::vector<Pixel>& pixels) {
   return std::all_of(pixels.begin(), pixels.end(), [](const Pixel& pixel) { return pixel.alpha == kOpaque; });
+}
+
+bool IsOpaqueOrHidden(const std::vector<Pixel>& pixels) {
+  return std::all_of(pixels.begin(), pixels.end(),
+                     [](const Pixel& pixel) { return pixel.alpha == kOpaque || pixel.alpha == 0; });
 }
 
 // The average of four, of which each counts as much as it is opaque.
@@ -253,7 +246,13 @@ Tile ExactTile(const std::vector<PositionCell>& cells, Resampling resampling, co
   Tile tile(kTilePixels);
   if (window.width == 0) return tile;
   const bool isOpaque = IsOpaque(pixels);
+  std::optional<AreaSource> source;
+  if (isOpaque || IsOpaqueOrHidden(pixels)) source.emplace(window, pixels);
   for (const PositionCell& cell : cells) {
+    if (source && IsMadeInRows(cell, resampling)) {
+      FillInRows(cell, *source, tile);
+      continue;
+    }
     Sampler sampler(cell, resampling, window, pixels.data());
     if (isOpaque) {
       sampler.Fill<true>(tile);
