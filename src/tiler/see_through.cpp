@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -28,7 +29,10 @@ std::string FolderOf(const std::string& path) {
   return Utf8Of(PathOf(path).parent_path());
 }
 
+// Nothing where it is no file by itself, but a part of one.
 GDALDatasetUniquePtr TryToOpen(const std::string& path) {
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(PathOf(path), ignored)) return nullptr;
   return GDALDatasetUniquePtr(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY));
 }
 
