@@ -51,6 +51,7 @@
 #define IDC_CHECK_UPDATES 1059
 #define IDC_WEB_OUTPUT 1064
 #define IDC_PROGRESS_LABEL 1070
+#define IDC_SHOW_FINISHED_MAP 1073
 
 // Completion report
 #define IDC_WORK_TIME 1019

@@ -26,7 +26,8 @@ void BatchDriver::FinishMap(const CTifData& data, const Output& output) {
   if (!m_files.Exists(document)) m_audit.Fail("could not make " + document);
 }
 
-// Shows the map page, which needs a key, or the tutorial; the other viewer page never stays.
+// Shows the map page, which needs a key, or the tutorial, or in its place the page that needs none; the other
+// viewer page never stays.
 void BatchDriver::FinishViewers(const Output& output) {
   const std::string googleMaps = FileIn(output.normalised, "googlemaps", "html");
   if (m_files.Exists(googleMaps)) {
@@ -34,7 +35,9 @@ void BatchDriver::FinishViewers(const Output& output) {
       m_host.NavigatePreview(googleMaps);
     } else {
       m_files.Delete(googleMaps);
-      m_host.NavigatePreview(m_tools.folder + "\\tutorial.html");
+      const std::string map = FileIn(output.normalised, "leaflet", "html");
+      const bool isShown = m_settings.showFinishedMap && m_files.Exists(map);
+      m_host.NavigatePreview(isShown ? map : m_tools.folder + "\\tutorial.html");
     }
   }
   m_host.PumpMessages();

@@ -293,6 +293,30 @@ TEST_F(Driver, KeepsTheMapPageOnlyWithAKey) {
                            "delete D:\\out\\maps\\openlayers.html"}));
 }
 
+TEST_F(Driver, ShowsTheFinishedMapToWhoWantsThat) {
+  const std::string map = "preview: D:\\out\\maps\\leaflet.html";
+  const std::string tutorial = std::string("preview: ") + kTools + "tutorial.html";
+  m_settings.showFinishedMap = true;
+  m_runner.onRun = [&](const ToolRun&) { m_files.Put("D:\\out\\maps\\googlemaps.html"); };
+  Start({MakeData("a")});
+  EXPECT_EQ(CountEvents(tutorial), 1U) << "there is none";
+
+  Clear();
+  m_runner.onRun = [&](const ToolRun&) {
+    m_files.Put("D:\\out\\maps\\googlemaps.html");
+    m_files.Put("D:\\out\\maps\\leaflet.html");
+  };
+  Start({MakeData("a")});
+  EXPECT_EQ(CountEvents(map), 1U);
+  EXPECT_EQ(CountEvents(tutorial), 0U);
+
+  Clear();
+  m_settings.googleApiKey = "KEY";
+  Start({MakeData("a")});
+  EXPECT_EQ(CountEvents("preview: D:\\out\\maps\\googlemaps.html"), 1U);
+  EXPECT_EQ(CountEvents(map), 0U);
+}
+
 TEST_F(Driver, ShowsNoPageWhenTheScriptMadeNone) {
   Start({MakeData("a")});
   EXPECT_EQ(CountEvents("preview"), 0U);

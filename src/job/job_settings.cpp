@@ -10,6 +10,7 @@
 namespace {
 
 constexpr ProfileSection kProfile("Input", 4096);
+constexpr char kShowFinishedMap[] = "ShowFinishedMap";
 constexpr size_t kRootFolderLength = 3;
 
 void SaveByte(const char* key, uint32_t value) {
@@ -115,9 +116,14 @@ JobSettings RestoreSettings() {
   if (settings.resampling < 0 || settings.resampling >= static_cast<int>(ResamplingModes().size())) {
     settings.resampling = 0;
   }
+  settings.showFinishedMap = kProfile.Load(kShowFinishedMap) == "1";
   settings.mapTitle = kProfile.Load("MapTitle");
   settings.targetFolder = kProfile.Load("TargetFolder");
   return settings;
+}
+
+void SaveShowFinishedMap(bool isShown) {
+  kProfile.Save(kShowFinishedMap, isShown ? "1" : "0");
 }
 
 bool ValidateAndSaveSettings(JobSettings& settings, size_t orthophotos, FileSystem& files, JobForm& form) {

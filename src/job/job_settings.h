@@ -11,14 +11,15 @@
 #include "job/job_host.h"
 
 struct JobSettings {
-  std::string inputPath;      // one orthophoto, or the folder that holds several
-  bool webOutput = false;     // the result gets absolute links below targetUrl
-  std::string targetUrl;      // where the target folder will be published
-  std::string googleApiKey;   // may be empty
-  uint32_t transparency = 0;  // R + 256 * G + 65536 * B
-  int resampling = 0;         // index into ResamplingModes; stored, not used by the tools
-  std::string mapTitle;       // may be empty
-  std::string targetFolder;   // checked: a full path without a final separator
+  std::string inputPath;         // one orthophoto, or the folder that holds several
+  bool webOutput = false;        // the result gets absolute links below targetUrl
+  std::string targetUrl;         // where the target folder will be published
+  std::string googleApiKey;      // may be empty
+  uint32_t transparency = 0;     // R + 256 * G + 65536 * B
+  int resampling = 0;            // index into ResamplingModes; stored, not used by the tools
+  bool showFinishedMap = false;  // in the preview, where there is no Google key
+  std::string mapTitle;          // may be empty
+  std::string targetFolder;      // checked: a full path without a final separator
 };
 
 // "average", "near", ... in the order of the list that the user chooses from.
@@ -42,6 +43,9 @@ std::string FindGoogleKeyProblem(const std::string& key);
 // What was stored by the last job. Black is the transparent colour at every start, and web output is
 // off, whatever was stored; a stored resampling mode that is no index of the list counts as 0.
 JobSettings RestoreSettings();
+
+// At once, not only when a job is started: it is about what is seen, and no job needs it.
+void SaveShowFinishedMap(bool isShown);
 
 // Checks the settings one after the other and saves each as it passes, so that a later failure keeps
 // what was saved before. Normalised values are written back to settings and to the form. The first

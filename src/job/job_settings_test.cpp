@@ -264,6 +264,14 @@ TEST_F(Settings, AreEmptyAtFirst) {
   EXPECT_EQ(restored.resampling, 0);
 }
 
+TEST_F(Settings, KeepTheChoiceOfThePreviewAtOnce) {
+  EXPECT_FALSE(RestoreSettings().showFinishedMap);
+  SaveShowFinishedMap(true);
+  EXPECT_TRUE(RestoreSettings().showFinishedMap);
+  SaveShowFinishedMap(false);
+  EXPECT_FALSE(RestoreSettings().showFinishedMap);
+}
+
 TEST_F(Settings, TakeAResamplingModeThatIsNoneForTheFirst) {
   for (const char* stored : {"abc", "", "-1", "7", "99999999999"}) {
     KVT_WriteUserProfileString("Input", "Resampling", stored);

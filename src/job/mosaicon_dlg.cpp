@@ -34,6 +34,7 @@ ON_BN_CLICKED(IDC_START, CMosaiconDlg::StartJob)
 ON_BN_CLICKED(IDC_CANCEL_JOB, CMosaiconDlg::AbortJob)
 ON_BN_CLICKED(IDC_PICK_FOLDER, CMosaiconDlg::OnPickFolder)
 ON_BN_CLICKED(IDC_WEB_OUTPUT, CMosaiconDlg::OnWebOutput)
+ON_BN_CLICKED(IDC_SHOW_FINISHED_MAP, CMosaiconDlg::OnShowFinishedMap)
 ON_BN_CLICKED(IDC_HELP_WEB_SERVER, CMosaiconDlg::OnHelpWebServer)
 ON_BN_CLICKED(IDC_HELP_INPUT_OUTPUT, CMosaiconDlg::OnHelpInputOutput)
 ON_BN_CLICKED(IDC_ABOUT, CMosaiconDlg::OnAbout)
@@ -75,6 +76,7 @@ JobSettings CMosaiconDlg::ReadForm() const {
   settings.googleApiKey = GetDlgItemText(IDC_GOOGLE_KEY);
   settings.transparency = m_transparency.GetColor();
   settings.resampling = static_cast<int>(SendDlgItemMessageA(m_hWnd, IDC_RESAMPLING, CB_GETCURSEL, 0, 0));
+  settings.showFinishedMap = IsDlgButtonChecked(IDC_SHOW_FINISHED_MAP) != FALSE;
   settings.mapTitle = GetDlgItemText(IDC_MAP_TITLE);
   settings.targetFolder = m_targetFolder.GetWindowText();
   return settings;
@@ -166,6 +168,10 @@ LRESULT CMosaiconDlg::OnDpiChanged(WPARAM /*wParam*/, LPARAM /*lParam*/) {
 
 void CMosaiconDlg::OnWebOutput() {
   EnableWindow(GetDlgItem(IDC_TARGET_URL), IsDlgButtonChecked(IDC_WEB_OUTPUT));
+}
+
+void CMosaiconDlg::OnShowFinishedMap() {
+  SaveShowFinishedMap(IsDlgButtonChecked(IDC_SHOW_FINISHED_MAP) != FALSE);
 }
 
 void CMosaiconDlg::OnHelpWebServer() {

@@ -72,6 +72,7 @@ class CMosaiconDlg : public CDialogEx, private JobHost {
   void OnAbout();
   void OnUpload();
   void OnWebOutput();
+  void OnShowFinishedMap();
   void OnHelpWebServer();
   void OnHelpInputOutput();
   void OnSysCommand(UINT id, LPARAM lParam);

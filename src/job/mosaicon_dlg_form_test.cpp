@@ -43,6 +43,7 @@ constexpr Control kControls[] = {
     {IDC_UPLOAD, "Button", "Upload"},
     {IDC_ABOUT, "Button", "About"},
     {IDC_EXIT, "Button", "Exit"},
+    {IDC_SHOW_FINISHED_MAP, "Button", "Show the finished map"},
     {IDC_CHECK_UPDATES, "Button", "Check updates on Kovel Software FTP"},
 };
 
@@ -55,6 +56,7 @@ struct Kind {
 constexpr Kind kKinds[] = {
     {IDC_PICK_FOLDER, BS_AUTOCHECKBOX},
     {IDC_WEB_OUTPUT, BS_AUTOCHECKBOX},
+    {IDC_SHOW_FINISHED_MAP, BS_AUTOCHECKBOX},
     {IDC_GET_GOOGLE_KEY, BS_OWNERDRAW},
     {IDC_CHECK_UPDATES, BS_OWNERDRAW},
     {IDC_TRANSPARENCY, BS_OWNERDRAW},

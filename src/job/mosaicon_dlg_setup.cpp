@@ -23,6 +23,7 @@ constexpr afx::ControlTip kToolTips[] = {
     {IDC_GOOGLE_KEY, "With a key, a Google Maps page is made and shown"},
     {IDC_TRANSPARENCY, "The color of the orthophoto that becomes transparent"},
     {IDC_RESAMPLING, "How pixels are joined to those of smaller scales"},
+    {IDC_SHOW_FINISHED_MAP, "Without a Google API key, the preview shows the map itself"},
     {IDC_HELP_INPUT_OUTPUT, "What goes in and what comes out"},
     {IDC_HELP_WEB_SERVER, "How to publish the result with a web server of your own"},
     {IDC_START, "Make the tiles"},
@@ -101,6 +102,7 @@ void CMosaiconDlg::RestoreForm() {
   SendDlgItemMessageA(m_hWnd, IDC_RESAMPLING, CB_SETCURSEL, static_cast<WPARAM>(settings.resampling), 0);
   SetDlgItemText(IDC_MAP_TITLE, settings.mapTitle);
   m_targetFolder.SetWindowText(settings.targetFolder);
+  CheckDlgButton(IDC_SHOW_FINISHED_MAP, settings.showFinishedMap);
   CheckDlgButton(IDC_WEB_OUTPUT, settings.webOutput);
   EnableWindow(GetDlgItem(IDC_TARGET_URL), settings.webOutput);
 }

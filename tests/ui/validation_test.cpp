@@ -107,6 +107,16 @@ TEST_F(Validation, NormalisesTheTargetFolder) {
   EXPECT_TRUE(WaitUntil([this] { return !IsWorking() && Item(IDC_START).IsEnabled(); }));
 }
 
+TEST_F(Validation, RemembersWhatThePreviewShows) {
+  EXPECT_FALSE(Item(IDC_SHOW_FINISHED_MAP).IsChecked());
+  for (const bool isShown : {true, false}) {
+    Item(IDC_SHOW_FINISHED_MAP).Click();
+    EXPECT_TRUE(WaitUntil([&] { return ReadProfile("Input", "ShowFinishedMap") == (isShown ? "1" : "0"); }));
+    ASSERT_TRUE(Restart());
+    EXPECT_EQ(Item(IDC_SHOW_FINISHED_MAP).IsChecked(), isShown);
+  }
+}
+
 TEST_F(Validation, IsShownAgainAtTheNextStart) {
   WriteProfile("Input", "TargetURL", "http://www.example.org");
   WriteProfile("Input", "GoogleAPI", "key");
