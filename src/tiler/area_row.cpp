@@ -3,9 +3,10 @@
 #include <emmintrin.h>
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstddef>
+
+#include "tiler/pixel_sums.h"
 
 namespace tiler {
 
@@ -13,7 +14,6 @@ namespace {
 
 // Weights of rows are whole numbers of this sum: sums of bytes that are so weighted fit into 16 bits.
 constexpr float kWhole = 256;
-constexpr float kOpaque = 255;
 // Pixels; what is as far from a source as that is not in it.
 constexpr double kFar = 1e6;
 
@@ -23,16 +23,6 @@ short Nearest(float value) {
 
 __m128 Column(__m128i words, float weight) {
   return _mm_mul_ps(_mm_cvtepi32_ps(words), _mm_set1_ps(weight));
-}
-
-// Of sums of colours, and of how much of them is opaque.
-Pixel Seen(__m128 sums) {
-  const float opaque = _mm_cvtss_f32(_mm_shuffle_ps(sums, sums, _MM_SHUFFLE(3, 3, 3, 3)));
-  if (opaque < 0.5F) return {};
-  const float share = opaque > kOpaque - 0.01F ? 1 : kOpaque / opaque;
-  const __m128 seen = _mm_mul_ps(sums, _mm_set_ps(1, share, share, share));
-  const __m128i words = _mm_packs_epi32(_mm_cvtps_epi32(seen), _mm_setzero_si128());
-  return std::bit_cast<Pixel>(_mm_cvtsi128_si32(_mm_packus_epi16(words, words)));
 }
 
 }  // namespace
@@ -105,7 +95,7 @@ Pixel AreaRow::PixelAt(std::size_t place) const {
   __m128 sum = Column(_mm_unpacklo_epi16(left, none), m_columns.weights[0][place]);
   sum = _mm_add_ps(sum, Column(_mm_unpackhi_epi16(left, none), m_columns.weights[1][place]));
   sum = _mm_add_ps(sum, Column(_mm_unpacklo_epi16(right, none), m_columns.weights[2][place]));
-  return Seen(_mm_mul_ps(sum, _mm_set1_ps(1 / kWhole)));
+  return SeenOf(_mm_mul_ps(sum, _mm_set1_ps(1 / kWhole)));
 }
 
 }  // namespace tiler

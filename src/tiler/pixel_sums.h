@@ -11,6 +11,18 @@
 
 namespace tiler {
 
+// Of the sums of colours that count as much as they are opaque, and of how much of them is. Kernels with
+// negative weights go beyond what there is.
+inline Pixel SeenOf(__m128 sums) {
+  const float opaque = _mm_cvtss_f32(_mm_shuffle_ps(sums, sums, _MM_SHUFFLE(3, 3, 3, 3)));
+  if (opaque < 0.5F) return {};
+  const float share = 255 / opaque;
+  const __m128 seen = _mm_mul_ps(sums, _mm_set_ps(1, share, share, share));
+  // Rounds to the nearest; what is too large or too small stays in the range.
+  const __m128i words = _mm_packs_epi32(_mm_cvtps_epi32(seen), _mm_setzero_si128());
+  return std::bit_cast<Pixel>(_mm_cvtsi128_si32(_mm_packus_epi16(words, words)));
+}
+
 // Colours count as much as they are opaque.
 class PixelSums {
  public:
@@ -19,7 +31,7 @@ class PixelSums {
   void Add(const Pixel& pixel, float weight) {
     auto bytes = std::bit_cast<std::uint32_t>(pixel);
     if constexpr (!isOpaque) {
-      weight *= static_cast<float>(pixel.alpha) * (1 / kOpaque);
+      weight *= static_cast<float>(pixel.alpha) * (1.0F / 255);
       bytes |= kAlphaByte;
     }
     const __m128i none = _mm_setzero_si128();
@@ -33,19 +45,10 @@ class PixelSums {
     m_sums = _mm_add_ps(m_sums, _mm_mul_ps(other.m_sums, _mm_set1_ps(weight)));
   }
 
-  // What is to be seen of it. Kernels with negative weights go beyond what there is.
-  Pixel Seen() const {
-    const float opaque = _mm_cvtss_f32(_mm_shuffle_ps(m_sums, m_sums, _MM_SHUFFLE(3, 3, 3, 3)));
-    if (opaque < 0.5F) return {};
-    const float share = kOpaque / opaque;
-    const __m128 seen = _mm_mul_ps(m_sums, _mm_set_ps(1, share, share, share));
-    // Rounds to the nearest; what is too large or too small stays in the range.
-    const __m128i words = _mm_packs_epi32(_mm_cvtps_epi32(seen), _mm_setzero_si128());
-    return std::bit_cast<Pixel>(_mm_cvtsi128_si32(_mm_packus_epi16(words, words)));
-  }
+  // What is to be seen of it.
+  Pixel Seen() const { return SeenOf(m_sums); }
 
  private:
-  static constexpr float kOpaque = 255;
   static constexpr std::uint32_t kAlphaByte = 0xFF000000;
 
   __m128 m_sums = _mm_setzero_ps();
