@@ -52,6 +52,8 @@
 #define IDC_WEB_OUTPUT 1064
 #define IDC_PROGRESS_LABEL 1070
 #define IDC_SHOW_FINISHED_MAP 1073
+#define IDC_TILES_EXACT 1074
+#define IDC_TILES_SMALL 1075
 
 // Completion report
 #define IDC_WORK_TIME 1019

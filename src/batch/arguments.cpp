@@ -35,6 +35,15 @@ std::string ReadResampling(const std::string& value, int& index) {
   return "";
 }
 
+std::string ReadTiles(const std::string& value, tiler::TileFormat& tiles) {
+  for (const auto format : {tiler::TileFormat::kPng, tiler::TileFormat::kAuto, tiler::TileFormat::kWebp}) {
+    if (value != NameOf(format)) continue;
+    tiles = format;
+    return "";
+  }
+  return "--tiles knows png, auto, webp, not \"" + value + "\"";
+}
+
 std::string ReadOverwrite(const std::string& value, std::optional<bool>& overwrite) {
   if (value != "yes" && value != "no") return "--overwrite needs yes or no, not \"" + value + "\"";
   overwrite = value == "yes";
@@ -74,6 +83,7 @@ std::map<std::string, ValueReader> ValueReaders(BatchArguments& arguments) {
       {"--transparency",
        [&](const std::string& value) { return ReadTransparency(value, arguments.transparency); }},
       {"--resampling", [&](const std::string& value) { return ReadResampling(value, arguments.resampling); }},
+      {"--tiles", [&](const std::string& value) { return ReadTiles(value, arguments.tiles); }},
       {"--overwrite", [&](const std::string& value) { return ReadOverwrite(value, arguments.overwrite); }},
   };
 }
@@ -137,6 +147,9 @@ std::string BatchHelp() {
          "  --transparency RRGGBB  colour that becomes transparent (default 000000, black)\n"
          "  --resampling MODE      average, near, bilinear, cubic, cubicspline, lanczos or\n"
          "                         antialias (default average)\n"
+         "  --tiles png|auto|webp  png is exact (default); auto makes JPEG where nothing is\n"
+         "                         transparent, which is much smaller; webp is smaller still,\n"
+         "                         but for web pages alone: it comes without KML\n"
          "  --overwrite yes|no     write into folders that are not empty; without it the\n"
          "                         program asks on a terminal, and does not overwrite elsewhere\n"
          "  --quiet                print nothing but problems\n"

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "tiler/tile_kind.h"
+
 struct BatchArguments {
   std::vector<std::string> inputs;  // orthophotos and folders, as typed
   std::string title;
@@ -15,6 +17,7 @@ struct BatchArguments {
   std::string googleKey;
   uint32_t transparency = 0;  // R + 256 * G + 65536 * B
   int resampling = 0;         // index into ResamplingModes
+  tiler::TileFormat tiles = tiler::TileFormat::kPng;
   std::optional<bool> overwrite;
   bool quiet = false;
   bool help = false;

@@ -10,11 +10,13 @@ using Words = std::vector<std::string>;
 
 TEST(BatchArguments, AreReadInAnyOrder) {
   BatchArguments arguments;
-  ASSERT_EQ(ParseBatchArguments({"a.tif", "--title", "My map", "--target=d:\\out", "--url", "http://h/x",
-                                 "folder", "--google-key", "KEY", "--transparency", "FF8000", "--resampling",
-                                 "cubic", "--overwrite", "yes", "--quiet", "--", "--odd.tif"},
-                                arguments),
-            "");
+  ASSERT_EQ(
+      ParseBatchArguments({"a.tif",  "--title",      "My map", "--target=d:\\out", "--url",  "http://h/x",
+                           "folder", "--google-key", "KEY",    "--transparency",   "FF8000", "--resampling",
+                           "cubic",  "--tiles",      "auto",   "--overwrite",      "yes",    "--quiet",
+                           "--",     "--odd.tif"},
+                          arguments),
+      "");
   EXPECT_EQ(arguments.inputs, (Words{"a.tif", "folder", "--odd.tif"}));
   EXPECT_EQ(arguments.title, "My map");
   EXPECT_EQ(arguments.target, "d:\\out");
@@ -22,6 +24,7 @@ TEST(BatchArguments, AreReadInAnyOrder) {
   EXPECT_EQ(arguments.googleKey, "KEY");
   EXPECT_EQ(arguments.transparency, 0x0080FFU);
   EXPECT_EQ(arguments.resampling, 3);
+  EXPECT_EQ(arguments.tiles, tiler::TileFormat::kAuto);
   EXPECT_EQ(arguments.overwrite, true);
   EXPECT_TRUE(arguments.quiet);
 }
@@ -33,6 +36,7 @@ TEST(BatchArguments, HaveDefaults) {
   EXPECT_EQ(arguments.url, std::nullopt);
   EXPECT_EQ(arguments.transparency, 0U);
   EXPECT_EQ(arguments.resampling, 0);
+  EXPECT_EQ(arguments.tiles, tiler::TileFormat::kPng);
   EXPECT_EQ(arguments.overwrite, std::nullopt);
   EXPECT_FALSE(arguments.quiet);
 }
@@ -58,6 +62,7 @@ TEST(BatchArguments, SayWhatIsWrong) {
       {{"--transparency", "0xFFFF"}, "--transparency needs six hexadecimal digits RRGGBB, not \"0xFFFF\""},
       {{"--resampling", "Cubic"},
        "--resampling knows average, near, bilinear, cubic, cubicspline, lanczos, antialias, not \"Cubic\""},
+      {{"--tiles", "jpg"}, "--tiles knows png, auto, webp, not \"jpg\""},
       {{"--overwrite", "maybe"}, "--overwrite needs yes or no, not \"maybe\""},
       {{"--title", "a\"b"}, "--title must not contain any of \\ / : * ? \" < > |"},
       {{"--title", "a\nb"}, "--title must not contain any of \\ / : * ? \" < > |"},
@@ -83,7 +88,7 @@ TEST(BatchArguments, NeedNothingElseForHelpAndVersion) {
 TEST(BatchHelp, NamesEveryOptionAndMode) {
   const std::string help = BatchHelp();
   for (const char* option : {"--target", "--title", "--url", "--google-key", "--transparency", "--resampling",
-                             "--overwrite", "--quiet", "--help", "--version"}) {
+                             "--tiles", "--overwrite", "--quiet", "--help", "--version"}) {
     EXPECT_NE(help.find(option), std::string::npos) << option;
   }
   for (const std::string& mode : ResamplingModes()) EXPECT_NE(help.find(mode), std::string::npos) << mode;

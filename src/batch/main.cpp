@@ -38,6 +38,7 @@ JobSettings MakeSettings(const BatchArguments& arguments, const std::vector<CTif
   settings.googleApiKey = arguments.googleKey;
   settings.transparency = arguments.transparency;
   settings.resampling = arguments.resampling;
+  settings.tiles = arguments.tiles;
   settings.mapTitle = arguments.title;
   // A short name is no root here.
   settings.targetFolder = SystemFiles().FullPath(arguments.target);

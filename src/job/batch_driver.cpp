@@ -45,6 +45,8 @@ JobResult BatchDriver::StartJob(const JobSettings& settings, std::vector<CTifDat
   m_bOverwriteConfirmed = false;
   m_vOutputFolders.clear();
   m_vMapNames.clear();
+  m_vPages.clear();
+  m_bPageFilesWritten = false;
   m_audit.StartJob(m_vOrthophotos);
   const JobResult result = RunJob();
   return m_host.IsClosed() ? JobResult::kClosed : result;
@@ -61,6 +63,8 @@ JobResult BatchDriver::RunJob() {
   m_environment.Set("MOSAICON_TILER_DOCUMENTS", m_settings.targetUrl.empty()
                                                     ? "googleearth_loc.kml"
                                                     : "googleearth_loc.kml|googleearth_web.kml");
+  // Its command line has no place for this.
+  m_environment.Set("MOSAICON_TILER_TILES", NameOf(m_settings.tiles));
   m_files.Protect(m_vOrthophotos);
   if (!Prepare()) return JobResult::kTargetMissing;
   ProcessAll();
@@ -111,6 +115,7 @@ BatchDriver::Next BatchDriver::ProcessOne(const CTifData& data, size_t index, si
     return Next::kContinue;
   }
   Output output;
+  output.index = index;
   if (!NameOutput(index, count, output)) {
     Log(data.m_strFileName + ": unable to create target folder");
     m_audit.LeaveOut("the target folder could not be made");
@@ -145,7 +150,8 @@ BatchDriver::Next BatchDriver::ProcessOne(const CTifData& data, size_t index, si
   m_host.SetProgressLabel("Process " + std::to_string(index + 1) + "/" + std::to_string(count) + " - " +
                           output.mapName + " -");
   m_host.SetProgressPosition(0);
-  m_audit.Run({Tool::kTiler, tiler.path, *arguments, data.m_strFileName, request.inputPath, output.folder});
+  m_audit.Run({Tool::kTiler, tiler.path, *arguments, data.m_strFileName, request.inputPath, output.folder,
+               m_settings.tiles != tiler::TileFormat::kWebp});
   // A script that was killed left what it was writing, and an upload would publish it.
   if (m_host.IsAborted()) m_files.RemovePartial(output.folder);
 

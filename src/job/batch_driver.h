@@ -5,6 +5,7 @@
 #define MOSAICON_JOB_BATCH_DRIVER_H_
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@
 #include "job/tif_data.h"
 #include "job/tool_paths.h"
 #include "job/tool_runner.h"
+#include "tiler/index_page.h"
 
 // How far a job got.
 enum class JobResult {
@@ -49,6 +51,7 @@ class BatchDriver {
 
   // The names that belong to one orthophoto.
   struct Output {
+    size_t index = 0;
     std::string folder;      // where its tiles go
     std::string baseUrl;     // as the tiling script gets it
     std::string webFolder;   // "" or "/tile_<i>", between the target URL and a link
@@ -76,11 +79,17 @@ class BatchDriver {
   // With the files of a map, when the script has ended: batch_driver_finish.cpp
   void FinishMap(const CTifData& data, const Output& output);
   void FinishViewers(const Output& output);
+  bool IsWithoutKml(const Output& output);
+  void LeaveOutKml(const CTifData& data, const Output& output);
   void FinishKml(const Output& output);
   void RenameDocument(const std::string& document, const std::string& local);
   void MakePicture(const CTifData& data, const Output& output);
   std::string NamePicture(const Output& output);
-  void MakeIndex();
+  // With what several maps share: batch_driver_index.cpp
+  std::optional<tiler::MapDescription> ReadPage(size_t index);
+  void MakeIndex(size_t finished);
+  bool WriteIndex(const std::vector<tiler::MapDescription>& maps);
+  bool WritePageFiles();
 
   // The only way to the world: every call of them may come too late.
   GuardedHost m_host;
@@ -99,6 +108,8 @@ class BatchDriver {
   bool m_bOverwriteConfirmed = false;
   std::vector<std::string> m_vOutputFolders;
   std::vector<std::string> m_vMapNames;
+  std::vector<std::optional<tiler::MapDescription>> m_vPages;  // of all orthophotos, once one is finished
+  bool m_bPageFilesWritten = false;
 };
 
 #endif  // MOSAICON_JOB_BATCH_DRIVER_H_

@@ -8,6 +8,7 @@ namespace {
 // In bytes. Larger documents are not compared.
 constexpr size_t kMaxDocument = 4 << 20;
 constexpr char kLocalDocument[] = "googleearth_loc";
+constexpr char kWebDocument[] = "googleearth_web";
 
 // The path of a file directly in a normalised folder.
 std::string FileIn(const std::string& normalisedFolder, const std::string& name, const char* extension) {
@@ -19,11 +20,31 @@ std::string FileIn(const std::string& normalisedFolder, const std::string& name,
 
 void BatchDriver::FinishMap(const CTifData& data, const Output& output) {
   FinishViewers(output);
-  FinishKml(output);
+  const bool isWithoutKml = IsWithoutKml(output);
+  if (isWithoutKml) {
+    LeaveOutKml(data, output);
+  } else {
+    FinishKml(output);
+  }
   MakePicture(data, output);
-  if (m_vOrthophotos.size() > 1) MakeIndex();
+  if (m_vOrthophotos.size() > 1) MakeIndex(output.index);
   const std::string document = FileIn(output.normalised, kLocalDocument, "kml");
-  if (!m_files.Exists(document)) m_audit.Fail("could not make " + document);
+  if (!isWithoutKml && !m_files.Exists(document)) m_audit.Fail("could not make " + document);
+}
+
+// Whether the tiler made the map so. What an earlier one left of a tiler that failed is as it was.
+bool BatchDriver::IsWithoutKml(const Output& output) {
+  if (m_settings.tiles != tiler::TileFormat::kWebp) return false;
+  const auto page = ReadPage(output.index);
+  return page && !page->hasDocuments;
+}
+
+// Documents of an earlier job would lead to tiles that are there no more.
+void BatchDriver::LeaveOutKml(const CTifData& data, const Output& output) {
+  for (const char* name : {kLocalDocument, kWebDocument}) {
+    m_files.Delete(FileIn(output.normalised, name, "kml"));
+  }
+  Log(data.m_strFileName + ": no KML is made, because Google Earth does not show WebP images");
 }
 
 // Shows the map page, which needs a key, or the tutorial, or in its place the page that needs none; the other
@@ -48,7 +69,7 @@ void BatchDriver::FinishKml(const Output& output) {
   const std::string local = FileIn(output.normalised, kLocalDocument, "kml");
   RenameDocument(FileIn(output.normalised, "doc", "kml"), local);
   if (m_settings.targetUrl.empty()) return;
-  const std::string web = FileIn(output.normalised, "googleearth_web", "kml");
+  const std::string web = FileIn(output.normalised, kWebDocument, "kml");
   // A copy of an earlier job has its absolute links already.
   if (!m_files.Copy(local, web)) {
     m_audit.Fail("could not write " + web);

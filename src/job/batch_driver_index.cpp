@@ -1,4 +1,5 @@
 // The driver: what shows several maps together, in the folder that holds theirs.
+#include <algorithm>
 #include <optional>
 #include <vector>
 
@@ -22,32 +23,54 @@ std::string WithSlash(const std::string& url) {
 
 }  // namespace
 
-// After each map, so that a job that is aborted leaves an index of what there is.
-void BatchDriver::MakeIndex() {
-  const std::string folder = m_settings.targetFolder + "\\";
+// What the page of a map says of it.
+std::optional<tiler::MapDescription> BatchDriver::ReadPage(size_t index) {
+  const auto page = m_files.Read(OutputFolder(index) + "\\leaflet.html", kMaxPage);
+  return page ? tiler::DescriptionIn(*page, "tile_" + std::to_string(index)) : std::nullopt;
+}
+
+// After each map, so that a job that is aborted leaves an index of what there is. The others may be of an
+// earlier job.
+void BatchDriver::MakeIndex(size_t finished) {
+  for (size_t i = m_vPages.size(); i < m_vOrthophotos.size(); ++i) m_vPages.push_back(ReadPage(i));
+  m_vPages[finished] = ReadPage(finished);
   std::vector<tiler::MapDescription> maps;
-  for (size_t i = 0; i < m_vOrthophotos.size(); ++i) {
-    const auto page = m_files.Read(OutputFolder(i) + "\\leaflet.html", kMaxPage);
-    const auto map = page ? tiler::DescriptionIn(*page, "tile_" + std::to_string(i)) : std::nullopt;
-    if (map) maps.push_back(*map);
+  for (const auto& page : m_vPages) {
+    if (page) maps.push_back(*page);
   }
-  const std::string index = folder + "index.html";
+  const std::string index = m_settings.targetFolder + "\\index.html";
   // A page of the user's own stays.
   const bool isTaken =
       m_files.Exists(index) && !tiler::IsIndexPage(m_files.Read(index, kMaxPage).value_or(""));
   if (maps.empty() || isTaken) return;
-  const std::string needed = folder + tiler::kPageFolder;
-  bool isWritten = m_files.CreateFolder(needed);
-  for (const tiler::PageFile& file : tiler::PageFiles()) {
-    isWritten = isWritten && m_steps.WriteText(needed + "\\" + file.name, std::string(file.content));
+  if (!WriteIndex(maps) && !m_host.IsClosed()) m_audit.Fail("could not write " + index);
+}
+
+bool BatchDriver::WriteIndex(const std::vector<tiler::MapDescription>& maps) {
+  const std::string folder = m_settings.targetFolder + "\\";
+  if (!WritePageFiles()) return false;
+  const bool anyDocument =
+      std::any_of(maps.begin(), maps.end(), [](const auto& map) { return map.hasDocuments; });
+  if (!anyDocument) {
+    m_files.Delete(folder + kDocument);
+    m_files.Delete(folder + kWebDocument);
+  } else if (!m_steps.WriteText(folder + kDocument, tiler::IndexKml(maps, "googleearth_loc.kml", "")) ||
+             (!m_settings.targetUrl.empty() &&
+              !m_steps.WriteText(folder + kWebDocument, tiler::IndexKml(maps, "googleearth_web.kml",
+                                                                        WithSlash(m_settings.targetUrl))))) {
+    return false;
   }
-  isWritten =
-      isWritten && m_steps.WriteText(folder + kDocument, tiler::IndexKml(maps, "googleearth_loc.kml", ""));
-  if (!m_settings.targetUrl.empty()) {
-    isWritten = isWritten &&
-                m_steps.WriteText(folder + kWebDocument, tiler::IndexKml(maps, "googleearth_web.kml",
-                                                                         WithSlash(m_settings.targetUrl)));
-  }
-  isWritten = isWritten && m_steps.WriteText(index, tiler::IndexPage(maps));
-  if (!isWritten && !m_host.IsClosed()) m_audit.Fail("could not write " + index);
+  return m_steps.WriteText(folder + "index.html", tiler::IndexPage(maps));
+}
+
+// Once in a job: they are always the same.
+bool BatchDriver::WritePageFiles() {
+  const std::string folder = m_settings.targetFolder + "\\" + tiler::kPageFolder;
+  m_bPageFilesWritten =
+      m_bPageFilesWritten ||
+      (m_files.CreateFolder(folder) &&
+       std::all_of(tiler::PageFiles().begin(), tiler::PageFiles().end(), [&](const tiler::PageFile& file) {
+         return m_steps.WriteText(folder + "\\" + file.name, std::string(file.content));
+       }));
+  return m_bPageFilesWritten;
 }

@@ -17,8 +17,10 @@ class IndexOfMaps : public Driver {
       if (run.tool != Tool::kTiler) return;
       const tiler::Pyramid pyramid({512, 300, 1000000.5, 2000000.25, 4.7, -4.7});
       const std::string number = run.output.substr(run.output.size() - 1);
-      m_files.Put(run.output + "\\leaflet.html",
-                  tiler::MapPage(pyramid, "Valley_" + number, {"googleearth_loc.kml", ""}));
+      const bool isWebp = m_settings.tiles == tiler::TileFormat::kWebp;
+      const std::string document = isWebp ? "" : "googleearth_loc.kml";
+      m_files.Put(run.output + "\\leaflet.html", tiler::MapPage(pyramid, "Valley_" + number, {document, ""},
+                                                                tiler::TileKinds(pyramid, m_settings.tiles)));
     };
   }
   bool Has(const std::string& path, const std::string& part) const {
@@ -60,6 +62,27 @@ TEST_F(IndexOfMaps, LeavesOutWhatHasNoPage) {
   Start({MakeData("a"), MakeData("b")});
   EXPECT_FALSE(Has(kIndex, "tile_0"));
   EXPECT_TRUE(Has(kIndex, "tile_1"));
+}
+
+TEST_F(IndexOfMaps, NeedsItsFilesOnce) {
+  Start({MakeData("a"), MakeData("b"), MakeData("c")});
+  EXPECT_EQ(CountEvents("write D:\\out\\maps\\leaflet\\map.js"), 1U);
+  EXPECT_EQ(CountEvents("write D:\\out\\maps\\index.html"), 3U) << "of what there is until then";
+}
+
+TEST_F(IndexOfMaps, HasNoDocumentsOfMapsThatGoogleEarthDoesNotShow) {
+  Start({MakeData("a"), MakeData("b")});
+  m_files.Put(kDocument);
+  m_steps.texts.clear();
+  m_settings.tiles = tiler::TileFormat::kWebp;
+  Start({MakeData("a"), MakeData("b")});
+  EXPECT_TRUE(Has(kIndex, "\"kinds\": [\"webp\"]"));
+  EXPECT_FALSE(m_steps.texts.contains(kDocument));
+  EXPECT_FALSE(m_files.Exists(kDocument)) << "of the earlier job";
+  EXPECT_FALSE(m_files.Exists("D:\\out\\maps\\tile_1\\googleearth_loc.kml"));
+  for (const MapOutcome& map : m_host.report.maps) EXPECT_EQ(map.state, MapState::kComplete) << map.problem;
+  EXPECT_NE(m_host.report.log.find("no KML is made, because Google Earth does not show WebP images"),
+            std::string::npos);
 }
 
 TEST_F(IndexOfMaps, LeavesAPageOfTheUsersOwn) {

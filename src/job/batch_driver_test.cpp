@@ -317,6 +317,15 @@ TEST_F(Driver, ShowsTheFinishedMapToWhoWantsThat) {
   EXPECT_EQ(CountEvents(map), 0U);
 }
 
+TEST_F(Driver, TellsTheTilerWhatTilesAreToBe) {
+  for (const auto tiles : {tiler::TileFormat::kPng, tiler::TileFormat::kAuto, tiler::TileFormat::kWebp}) {
+    m_settings.tiles = tiles;
+    Start({MakeData("a")});
+    EXPECT_EQ(m_environment.values["MOSAICON_TILER_TILES"], NameOf(tiles));
+    EXPECT_EQ(m_runner.runs.at(0).withKml, tiles != tiler::TileFormat::kWebp);
+  }
+}
+
 TEST_F(Driver, ShowsNoPageWhenTheScriptMadeNone) {
   Start({MakeData("a")});
   EXPECT_EQ(CountEvents("preview"), 0U);

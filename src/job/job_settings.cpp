@@ -11,6 +11,7 @@ namespace {
 
 constexpr ProfileSection kProfile("Input", 4096);
 constexpr char kShowFinishedMap[] = "ShowFinishedMap";
+constexpr char kTiles[] = "Tiles";
 constexpr size_t kRootFolderLength = 3;
 
 void SaveByte(const char* key, uint32_t value) {
@@ -117,6 +118,9 @@ JobSettings RestoreSettings() {
     settings.resampling = 0;
   }
   settings.showFinishedMap = kProfile.Load(kShowFinishedMap) == "1";
+  // Of the two that the window offers.
+  const bool isSmall = kProfile.Load(kTiles) == NameOf(tiler::TileFormat::kAuto);
+  settings.tiles = isSmall ? tiler::TileFormat::kAuto : tiler::TileFormat::kPng;
   settings.mapTitle = kProfile.Load("MapTitle");
   settings.targetFolder = kProfile.Load("TargetFolder");
   return settings;
@@ -124,6 +128,10 @@ JobSettings RestoreSettings() {
 
 void SaveShowFinishedMap(bool isShown) {
   kProfile.Save(kShowFinishedMap, isShown ? "1" : "0");
+}
+
+void SaveTiles(tiler::TileFormat tiles) {
+  kProfile.Save(kTiles, NameOf(tiles));
 }
 
 bool ValidateAndSaveSettings(JobSettings& settings, size_t orthophotos, FileSystem& files, JobForm& form) {

@@ -9,6 +9,7 @@
 
 #include "files/file_system.h"
 #include "job/job_host.h"
+#include "tiler/tile_kind.h"
 
 struct JobSettings {
   std::string inputPath;         // one orthophoto, or the folder that holds several
@@ -18,8 +19,9 @@ struct JobSettings {
   uint32_t transparency = 0;     // R + 256 * G + 65536 * B
   int resampling = 0;            // index into ResamplingModes; stored, not used by the tools
   bool showFinishedMap = false;  // in the preview, where there is no Google key
-  std::string mapTitle;          // may be empty
-  std::string targetFolder;      // checked: a full path without a final separator
+  tiler::TileFormat tiles = tiler::TileFormat::kPng;
+  std::string mapTitle;      // may be empty
+  std::string targetFolder;  // checked: a full path without a final separator
 };
 
 // "average", "near", ... in the order of the list that the user chooses from.
@@ -44,8 +46,9 @@ std::string FindGoogleKeyProblem(const std::string& key);
 // off, whatever was stored; a stored resampling mode that is no index of the list counts as 0.
 JobSettings RestoreSettings();
 
-// At once, not only when a job is started: it is about what is seen, and no job needs it.
+// At once, not only when a job is started.
 void SaveShowFinishedMap(bool isShown);
+void SaveTiles(tiler::TileFormat tiles);
 
 // Checks the settings one after the other and saves each as it passes, so that a later failure keeps
 // what was saved before. Normalised values are written back to settings and to the form. The first

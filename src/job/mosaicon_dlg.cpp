@@ -35,6 +35,8 @@ ON_BN_CLICKED(IDC_CANCEL_JOB, CMosaiconDlg::AbortJob)
 ON_BN_CLICKED(IDC_PICK_FOLDER, CMosaiconDlg::OnPickFolder)
 ON_BN_CLICKED(IDC_WEB_OUTPUT, CMosaiconDlg::OnWebOutput)
 ON_BN_CLICKED(IDC_SHOW_FINISHED_MAP, CMosaiconDlg::OnShowFinishedMap)
+ON_BN_CLICKED(IDC_TILES_EXACT, CMosaiconDlg::OnTiles)
+ON_BN_CLICKED(IDC_TILES_SMALL, CMosaiconDlg::OnTiles)
 ON_BN_CLICKED(IDC_HELP_WEB_SERVER, CMosaiconDlg::OnHelpWebServer)
 ON_BN_CLICKED(IDC_HELP_INPUT_OUTPUT, CMosaiconDlg::OnHelpInputOutput)
 ON_BN_CLICKED(IDC_ABOUT, CMosaiconDlg::OnAbout)
@@ -77,6 +79,7 @@ JobSettings CMosaiconDlg::ReadForm() const {
   settings.transparency = m_transparency.GetColor();
   settings.resampling = static_cast<int>(SendDlgItemMessageA(m_hWnd, IDC_RESAMPLING, CB_GETCURSEL, 0, 0));
   settings.showFinishedMap = IsDlgButtonChecked(IDC_SHOW_FINISHED_MAP) != FALSE;
+  settings.tiles = ChosenTiles();
   settings.mapTitle = GetDlgItemText(IDC_MAP_TITLE);
   settings.targetFolder = m_targetFolder.GetWindowText();
   return settings;
@@ -172,6 +175,14 @@ void CMosaiconDlg::OnWebOutput() {
 
 void CMosaiconDlg::OnShowFinishedMap() {
   SaveShowFinishedMap(IsDlgButtonChecked(IDC_SHOW_FINISHED_MAP) != FALSE);
+}
+
+tiler::TileFormat CMosaiconDlg::ChosenTiles() const {
+  return IsDlgButtonChecked(IDC_TILES_SMALL) ? tiler::TileFormat::kAuto : tiler::TileFormat::kPng;
+}
+
+void CMosaiconDlg::OnTiles() {
+  SaveTiles(ChosenTiles());
 }
 
 void CMosaiconDlg::OnHelpWebServer() {

@@ -73,6 +73,7 @@ class CMosaiconDlg : public CDialogEx, private JobHost {
   void OnUpload();
   void OnWebOutput();
   void OnShowFinishedMap();
+  void OnTiles();
   void OnHelpWebServer();
   void OnHelpInputOutput();
   void OnSysCommand(UINT id, LPARAM lParam);
@@ -82,6 +83,7 @@ class CMosaiconDlg : public CDialogEx, private JobHost {
   void OnDestroy();
   void OpenTutorial(const char* name);
   JobSettings ReadForm() const;
+  tiler::TileFormat ChosenTiles() const;
 
   // The gate: mosaicon_dlg_gate.cpp
   LRESULT WindowProcWhenClosed(UINT message, WPARAM wParam, LPARAM lParam);

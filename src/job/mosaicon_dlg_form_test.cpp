@@ -43,6 +43,8 @@ constexpr Control kControls[] = {
     {IDC_UPLOAD, "Button", "Upload"},
     {IDC_ABOUT, "Button", "About"},
     {IDC_EXIT, "Button", "Exit"},
+    {IDC_TILES_EXACT, "Button", "Tiles: exact (PNG)"},
+    {IDC_TILES_SMALL, "Button", "Tiles: small (JPEG)"},
     {IDC_SHOW_FINISHED_MAP, "Button", "Show the finished map"},
     {IDC_CHECK_UPDATES, "Button", "Check updates on Kovel Software FTP"},
 };
@@ -57,6 +59,8 @@ constexpr Kind kKinds[] = {
     {IDC_PICK_FOLDER, BS_AUTOCHECKBOX},
     {IDC_WEB_OUTPUT, BS_AUTOCHECKBOX},
     {IDC_SHOW_FINISHED_MAP, BS_AUTOCHECKBOX},
+    {IDC_TILES_EXACT, BS_AUTORADIOBUTTON},
+    {IDC_TILES_SMALL, BS_AUTORADIOBUTTON},
     {IDC_GET_GOOGLE_KEY, BS_OWNERDRAW},
     {IDC_CHECK_UPDATES, BS_OWNERDRAW},
     {IDC_TRANSPARENCY, BS_OWNERDRAW},

@@ -9,10 +9,11 @@
 namespace {
 
 // Locked while a job runs. About and the tutorials are not: they do no harm then.
-constexpr int kLockedControls[] = {IDC_ORTHOPHOTO,   IDC_TARGET_URL, IDC_GOOGLE_KEY,       IDC_GET_GOOGLE_KEY,
-                                   IDC_TRANSPARENCY, IDC_RESAMPLING, IDC_MAP_TITLE,        IDC_TARGET_FOLDER,
-                                   IDC_PREVIEW,      IDC_UPLOAD,     IDC_PICK_FOLDER,      IDC_WEB_OUTPUT,
-                                   IDC_START,        IDC_EXIT,       IDC_SHOW_FINISHED_MAP};
+constexpr int kLockedControls[] = {
+    IDC_ORTHOPHOTO,  IDC_TARGET_URL, IDC_GOOGLE_KEY,    IDC_GET_GOOGLE_KEY, IDC_TRANSPARENCY,
+    IDC_RESAMPLING,  IDC_MAP_TITLE,  IDC_TARGET_FOLDER, IDC_PREVIEW,        IDC_UPLOAD,
+    IDC_PICK_FOLDER, IDC_WEB_OUTPUT, IDC_START,         IDC_EXIT,           IDC_SHOW_FINISHED_MAP,
+    IDC_TILES_EXACT, IDC_TILES_SMALL};
 
 bool IsLockedControl(int id) {
   return std::find(std::begin(kLockedControls), std::end(kLockedControls), id) != std::end(kLockedControls);

@@ -23,6 +23,8 @@ constexpr afx::ControlTip kToolTips[] = {
     {IDC_GOOGLE_KEY, "With a key, a Google Maps page is made and shown"},
     {IDC_TRANSPARENCY, "The color of the orthophoto that becomes transparent"},
     {IDC_RESAMPLING, "How pixels are joined to those of smaller scales"},
+    {IDC_TILES_EXACT, "Every pixel as it was computed; the map needs about six times the space"},
+    {IDC_TILES_SMALL, "JPEG where nothing is transparent: quicker to upload and to show"},
     {IDC_SHOW_FINISHED_MAP, "Without a Google API key, the preview shows the map itself"},
     {IDC_HELP_INPUT_OUTPUT, "What goes in and what comes out"},
     {IDC_HELP_WEB_SERVER, "How to publish the result with a web server of your own"},
@@ -103,6 +105,8 @@ void CMosaiconDlg::RestoreForm() {
   SetDlgItemText(IDC_MAP_TITLE, settings.mapTitle);
   m_targetFolder.SetWindowText(settings.targetFolder);
   CheckDlgButton(IDC_SHOW_FINISHED_MAP, settings.showFinishedMap);
+  CheckRadioButton(m_hWnd, IDC_TILES_EXACT, IDC_TILES_SMALL,
+                   settings.tiles == tiler::TileFormat::kAuto ? IDC_TILES_SMALL : IDC_TILES_EXACT);
   CheckDlgButton(IDC_WEB_OUTPUT, settings.webOutput);
   EnableWindow(GetDlgItem(IDC_TARGET_URL), settings.webOutput);
 }

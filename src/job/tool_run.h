@@ -20,6 +20,7 @@ struct ToolRun {
   std::string orthophoto;  // that the map is made of
   std::string input;       // the file that the tool reads: the orthophoto, or what another tool made of it
   std::string output;      // the file that it writes; the folder of the tiles
+  bool withKml = true;     // of a tiler
 };
 
 struct ToolOutcome {

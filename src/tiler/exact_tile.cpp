@@ -159,10 +159,6 @@ void FillInRows(const PositionCell& cell, const AreaSource& source, Tile& tile) 
   }
 }
 
-bool IsOpaque(const std::vector<Pixel>& pixels) {
-  return std::all_of(pixels.begin(), pixels.end(), [](const Pixel& pixel) { return pixel.alpha == kOpaque; });
-}
-
 bool IsOpaqueOrHidden(const std::vector<Pixel>& pixels) {
   return std::all_of(pixels.begin(), pixels.end(),
                      [](const Pixel& pixel) { return pixel.alpha == kOpaque || pixel.alpha == 0; });

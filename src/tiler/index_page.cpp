@@ -19,6 +19,7 @@ constexpr std::string_view kBegin = "<script type=\"application/json\" id=\"map-
 constexpr std::string_view kEnd = "</script>";
 constexpr std::string_view kIndexMark = "id=\"maps-data\"";
 constexpr std::string_view kTitle = "{\"title\": \"";
+constexpr std::string_view kNoDocument = "\"kml\": {\"disk\": null";
 constexpr std::string_view kBounds = "\"bounds\": ";
 
 // Of a text as it was quoted for a page, up to its end.
@@ -72,7 +73,8 @@ std::optional<MapDescription> DescriptionIn(const std::string& page, const std::
   const auto title = Unquoted(std::string_view(json).substr(kTitle.size()));
   const auto degrees = BoundsIn(json);
   if (!title || !degrees) return std::nullopt;
-  return MapDescription{folder, *title, json, *degrees};
+  // The title may say so too, but with other quotes.
+  return MapDescription{folder, *title, json, *degrees, json.find(kNoDocument) == std::string::npos};
 }
 
 std::string TitleOfAll(const std::vector<MapDescription>& maps) {
@@ -114,6 +116,7 @@ std::string IndexKml(const std::vector<MapDescription>& maps, const std::string&
       "    <name>" +
       XmlEscaped(TitleOfAll(maps)) + "</name>\n" + LookFromAbove(AllOf(maps));
   for (const MapDescription& map : maps) {
+    if (!map.hasDocuments) continue;
     std::string address = url;
     address.append(map.folder).append("/").append(document);
     text.append("    <NetworkLink>\n      <name>").append(XmlEscaped(map.title));

@@ -17,6 +17,7 @@ struct MapDescription {
   std::string title;
   std::string json;  // an object, without the folder
   Bounds degrees;
+  bool hasDocuments = true;  // for Google Earth
 };
 
 // page: leaflet.html of that folder. Nothing where it is no page of this program, or none that is read here.

@@ -11,8 +11,10 @@ bool Has(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
 }
 
-std::string PageOf(const std::string& title, double left = 1000000.5) {
-  return MapPage(Pyramid({512, 300, left, 2000000.25, 4.7, -4.7}), title, {"a.kml", ""});
+std::string PageOf(const std::string& title, double left = 1000000.5,
+                   const PageDocuments& documents = {"a.kml", ""}) {
+  const Pyramid pyramid({512, 300, left, 2000000.25, 4.7, -4.7});
+  return MapPage(pyramid, title, documents, TileKinds(pyramid, TileFormat::kPng));
 }
 
 MapDescription MapOf(const std::string& title, const std::string& folder, double left = 1000000.5) {
@@ -71,6 +73,16 @@ TEST(IndexKml, LeadsToTheDocumentsOfAllMaps) {
                   "googleearth_loc.kml</href>"));
   // From the west of the one to the east of the other.
   EXPECT_TRUE(Has(text, "<longitude>9.89227")) << text;
+}
+
+TEST(IndexKml, LeavesOutMapsWithoutDocuments) {
+  const MapDescription without =
+      DescriptionIn(PageOf("W", 1000000.5, {}), "tile_1").value_or(MapDescription());
+  EXPECT_FALSE(without.hasDocuments);
+  EXPECT_TRUE(MapOf("N", "tile_0").hasDocuments);
+  const std::string text = IndexKml({MapOf("N", "tile_0"), without}, "a.kml", "");
+  EXPECT_TRUE(Has(text, "tile_0/a.kml"));
+  EXPECT_FALSE(Has(text, "tile_1"));
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ std::string Region(const Bounds& box, const PixelLimits& limits, const std::stri
          indent + "</Region>\n";
 }
 
-std::string Overlay(const TileId& tile, const Bounds& box) {
+std::string Overlay(const TileId& tile, TileKind kind, const Bounds& box) {
   // The first column of tiles of the world is drawn above its neighbours.
   const int order = 2 * tile.level + (tile.column == 0 ? 1 : 0);
   return "    <GroundOverlay>\n"
@@ -48,8 +48,8 @@ std::string Overlay(const TileId& tile, const Bounds& box) {
          "</drawOrder>\n"
          "      <Icon>\n"
          "        <href>" +
-         std::to_string(tile.row) +
-         ".png</href>\n"
+         std::to_string(tile.row) + "." + ExtensionOf(kind) +
+         "</href>\n"
          "      </Icon>\n"
          "      <LatLonBox>\n" +
          Sides(box, "        ") +

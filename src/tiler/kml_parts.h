@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tiler/mercator.h"
+#include "tiler/tile_kind.h"
 
 namespace tiler {
 
@@ -24,7 +25,7 @@ std::string Region(const Bounds& box, const PixelLimits& limits, const std::stri
 // A view from above, so high that all of it is to be seen with a little around it.
 std::string LookFromAbove(const Bounds& degrees);
 // A tile's image, which lies beside the file.
-std::string Overlay(const TileId& tile, const Bounds& box);
+std::string Overlay(const TileId& tile, TileKind kind, const Bounds& box);
 
 }  // namespace tiler
 

@@ -62,7 +62,7 @@ std::string MapTileKml(const TileId& tile, const std::vector<TileId>& finer, con
   const int least = look.isCoarsest ? kLeastPixelsOfCoarsest : kLeastPixels;
   const int most = look.isTranslucent ? kMostPixels : kMostPixelsBelow;
   std::string text = Head(Path(tile), "") + Region(box, {least, finer.empty() ? kForEver : most}, "    ") +
-                     Overlay(tile, box);
+                     Overlay(tile, look.kind, box);
   for (const TileId& each : finer) text += Link(each, kLeastPixels, "../../");
   return text + kEnd + "\n";
 }

@@ -8,12 +8,14 @@
 #include <vector>
 
 #include "tiler/mercator.h"
+#include "tiler/tile_kind.h"
 #include "tiler/tile_pixels.h"
 
 namespace tiler {
 
 // How a tile is shown.
 struct TileLook {
+  TileKind kind = TileKind::kPng;
   bool isCoarsest = false;     // there is nothing coarser, which would be seen from afar
   bool isTranslucent = false;  // what is drawn below it shines through
 };

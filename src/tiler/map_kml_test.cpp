@@ -30,11 +30,11 @@ TEST(MapTileKml, HidesATileBelowItsFinerOnes) {
   EXPECT_TRUE(Has(opaque, "<href>../../4/0/11.kml</href>"));
   EXPECT_TRUE(Has(opaque, "<href>../../4/1/10.kml</href>"));
   // Both would be seen at the same time.
-  EXPECT_TRUE(Has(MapTileKml({3, 0, 5}, finer, {false, true}), Limits(128, 256)));
+  EXPECT_TRUE(Has(MapTileKml({3, 0, 5}, finer, {TileKind::kPng, false, true}), Limits(128, 256)));
 }
 
 TEST(MapTileKml, ShowsTheCoarsestTilesFromAfar) {
-  EXPECT_TRUE(Has(MapTileKml({3, 0, 5}, {}, {true, false}), Limits(16, -1)));
+  EXPECT_TRUE(Has(MapTileKml({3, 0, 5}, {}, {TileKind::kPng, true, false}), Limits(16, -1)));
 }
 
 TEST(MapRootKml, LooksAtTheMapFromAbove) {

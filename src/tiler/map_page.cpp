@@ -25,6 +25,12 @@ std::string LevelsOf(const Pyramid& pyramid) {
   return "{" + text + "}";
 }
 
+// Which tiles there are, and what they are, as tiles.js takes it: members of an object.
+std::string TilesOf(const Pyramid& pyramid, const TileKinds& kinds) {
+  const std::string levels = "\"levels\": " + LevelsOf(pyramid);
+  return kinds.AreExact() ? levels : levels + ", \"tiles\": " + kinds.Text();
+}
+
 }  // namespace
 
 std::string QuotedForPage(const std::string& text) {
@@ -46,15 +52,21 @@ std::string QuotedForPage(const std::string& text) {
   return quoted + "\"";
 }
 
-std::string MapPage(const Pyramid& pyramid, const std::string& title, const PageDocuments& documents) {
+std::string MapPage(const Pyramid& pyramid, const std::string& title, const PageDocuments& documents,
+                    const TileKinds& kinds) {
   const Bounds degrees = pyramid.Degrees();
   const std::string map =
       "{\"title\": " + QuotedForPage(title) + ", \"coarsest\": " + std::to_string(pyramid.Coarsest()) +
       ", \"finest\": " + std::to_string(pyramid.Finest()) + ", \"bounds\": [[" + ShortestText(degrees.south) +
       ", " + ShortestText(degrees.west) + "], [" + ShortestText(degrees.north) + ", " +
-      ShortestText(degrees.east) + "]], \"levels\": " + LevelsOf(pyramid) +
+      ShortestText(degrees.east) + "]], " + TilesOf(pyramid, kinds) +
       ", \"kml\": {\"disk\": " + Name(documents.disk) + ", \"web\": " + Name(documents.web) + "}}";
   return FilledIn(kPage, {{"TITLE", XmlEscaped(title)}, {"KIND", "map"}, {"DATA", map}});
+}
+
+std::string TileNameScripts(const Pyramid& pyramid, const TileKinds& kinds) {
+  return std::string("<script src=\"") + kPageFolder + "/tiles.js\"></script><script>var orthophoto = {" +
+         TilesOf(pyramid, kinds) + "};</script>";
 }
 
 const std::vector<PageFile>& PageFiles() {
@@ -64,6 +76,7 @@ const std::vector<PageFile>& PageFiles() {
                                               {"map.css", kMapStyles},
                                               {"map.js", kMapScript},
                                               {"position.js", kPositionScript},
+                                              {"tiles.js", kTilesScript},
                                               {"tools.js", kToolsScript}};
   return files;
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tiler/pyramid.h"
+#include "tiler/tile_kinds.h"
 
 namespace tiler {
 
@@ -20,7 +21,12 @@ struct PageDocuments {
 std::string QuotedForPage(const std::string& text);
 
 // leaflet.html. title: UTF-8.
-std::string MapPage(const Pyramid& pyramid, const std::string& title, const PageDocuments& documents);
+std::string MapPage(const Pyramid& pyramid, const std::string& title, const PageDocuments& documents,
+                    const TileKinds& kinds);
+
+// What another page needs of these scripts to name tiles: within it, Mosaicon.tileName(orthophoto, level,
+// column, row).
+std::string TileNameScripts(const Pyramid& pyramid, const TileKinds& kinds);
 
 // What the page needs, in a folder of this name beside it.
 inline constexpr char kPageFolder[] = "leaflet";

@@ -14,8 +14,13 @@ bool Has(std::string_view text, std::string_view part) {
 }
 
 // Two levels, 14 and 15, near the equator.
+const Pyramid& Sample() {
+  static const Pyramid pyramid({512, 300, 1000000.5, 2000000.25, 4.7, -4.7});
+  return pyramid;
+}
+
 std::string PageWith(const std::string& title, const PageDocuments& documents = {}) {
-  return MapPage(Pyramid({512, 300, 1000000.5, 2000000.25, 4.7, -4.7}), title, documents);
+  return MapPage(Sample(), title, documents, TileKinds(Sample(), TileFormat::kPng));
 }
 
 TEST(MapPage, TellsWhereTheTilesAre) {
@@ -24,6 +29,12 @@ TEST(MapPage, TellsWhereTheTilesAre) {
   EXPECT_TRUE(
       Has(page, "\"levels\": {\"14\": [8600, 9009, 8601, 9009], \"15\": [17201, 18018, 17203, 18019]}"))
       << page;
+}
+
+TEST(MapPage, TellsTilesThatAreNotPng) {
+  EXPECT_FALSE(Has(PageWith("t"), "\"tiles\""));
+  EXPECT_TRUE(Has(MapPage(Sample(), "t", {}, TileKinds(Sample(), TileFormat::kWebp)),
+                  "18019]}, \"tiles\": {\"kinds\": [\"webp\"], \"runs\": {}}, \"kml\""));
 }
 
 TEST(MapPage, LinksToTheDocumentsThatThereAre) {
@@ -51,7 +62,7 @@ TEST(MapPage, HasWhatItAsksFor) {
     })) << name;
     ++asked;
   }
-  EXPECT_EQ(asked, 6);
+  EXPECT_EQ(asked, 7);
   for (const PageFile& file : PageFiles()) {
     EXPECT_GT(file.content.size(), 1000U) << file.name;
     // Would be asked for as well, by who has the developer tools open.

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "tiler/kml_text.h"
+#include "tiler/map_page.h"
 #include "tiler/number_text.h"
 #include "tiler/page_template.h"
 
@@ -25,6 +26,10 @@ constexpr char kGoogleMapsUrl[] = "https://maps.googleapis.com/maps/api/js";
 constexpr int kFineDecimals = 14;
 constexpr double kMetresPerPixelOfLevel0 = 156543.0339;  // as the format has it
 
+constexpr char kTileUrlFunction[] =
+    "tileUrlFunction: function (at) { return './' + Mosaicon.tileName(orthophoto, at[0], at[1], "
+    "Math.pow(2, at[0]) - 1 - at[2]); }";
+
 std::string WithEscapedQuotes(const std::string& text) {
   std::string escaped;
   for (const char c : text) {
@@ -41,6 +46,28 @@ std::string TileSet(int level, const std::string& escapedUrl) {
          WithDecimals(metresPerPixel, kFineDecimals) + "\" order=\"" + number + "\"/>\n";
 }
 
+std::string MimeTypeAndExtension(TileKind kind) {
+  return std::string("mime-type=\"") + MimeTypeOf(kind) + "\" extension=\"" + ExtensionOf(kind) + "\"";
+}
+
+// How many tiles of a level are of the usual kind, then of the other, and so on, eastwards from the
+// south-west corner, row by row.
+std::string OtherTiles(const Pyramid& pyramid, const TileKinds& kinds) {
+  std::string text;
+  for (const TileKind kind : kinds.Other()) {
+    text += "      <OtherTiles xmlns=\"urn:mosaicon:tiles\" " + MimeTypeAndExtension(kind) + ">\n";
+    for (int level = pyramid.Coarsest(); level <= pyramid.Finest(); ++level) {
+      const std::vector<std::int64_t> runs = kinds.RunsOf(level);
+      if (runs.empty()) continue;
+      text += "        <Runs order=\"" + std::to_string(level) + "\">";
+      for (std::size_t i = 0; i < runs.size(); ++i) text += (i == 0 ? "" : " ") + std::to_string(runs[i]);
+      text += "</Runs>\n";
+    }
+    text += "      </OtherTiles>\n";
+  }
+  return text;
+}
+
 MarkValues CommonValues(const Pyramid& pyramid, const PageTexts& texts) {
   const Bounds degrees = pyramid.Degrees();
   return {{"TITLE", XmlEscaped(texts.title)},           {"COARSEST", std::to_string(pyramid.Coarsest())},
@@ -51,8 +78,11 @@ MarkValues CommonValues(const Pyramid& pyramid, const PageTexts& texts) {
 
 }  // namespace
 
-std::string GoogleMapsPage(const Pyramid& pyramid, const PageTexts& texts) {
+std::string GoogleMapsPage(const Pyramid& pyramid, const PageTexts& texts, const TileKinds& kinds) {
   MarkValues values = CommonValues(pyramid, texts);
+  values["TILE_SCRIPTS"] = kinds.AreExact() ? "" : TileNameScripts(pyramid, kinds);
+  values["TILE_NAME"] = kinds.AreExact() ? "zoom+\"/\"+tile.x+\"/\"+tile.y+\".png\""
+                                         : "Mosaicon.tileName(orthophoto, zoom, tile.x, tile.y)";
   const std::string url = kGoogleMapsUrl;
   values["MAPS_URL"] = texts.googleKey.empty() ? url : url + "?key=" + texts.googleKey;
   values["KEY_HINT"] =
@@ -69,10 +99,12 @@ std::string LeafletPage(const Pyramid& pyramid, const PageTexts& texts) {
   return FilledIn(kLeaflet, values);
 }
 
-std::string OpenLayersPage(const Pyramid& pyramid, const PageTexts& texts) {
+std::string OpenLayersPage(const Pyramid& pyramid, const PageTexts& texts, const TileKinds& kinds) {
   constexpr int kDecimals = 6;
   const Bounds& metres = pyramid.Metres();
   MarkValues values = CommonValues(pyramid, texts);
+  values["TILE_SCRIPTS"] = kinds.AreExact() ? "" : TileNameScripts(pyramid, kinds);
+  values["TILE_URL"] = kinds.AreExact() ? "url: './{z}/{x}/{-y}.png'" : kTileUrlFunction;
   values["LEFT"] = WithDecimals(metres.west, kDecimals);
   values["BOTTOM"] = WithDecimals(metres.south, kDecimals);
   values["RIGHT"] = WithDecimals(metres.east, kDecimals);
@@ -82,7 +114,8 @@ std::string OpenLayersPage(const Pyramid& pyramid, const PageTexts& texts) {
   return FilledIn(kOpenLayers, values);
 }
 
-std::string TileMapResource(const Pyramid& pyramid, const std::string& title, const std::string& url) {
+std::string TileMapResource(const Pyramid& pyramid, const std::string& title, const std::string& url,
+                            const TileKinds& kinds) {
   const Bounds degrees = pyramid.Degrees();
   const std::string south = WithDecimals(degrees.south, kFineDecimals);
   const std::string west = WithDecimals(degrees.west, kFineDecimals);
@@ -101,12 +134,14 @@ std::string TileMapResource(const Pyramid& pyramid, const std::string& title, co
       "      <Origin x=\"" +
       west + "\" y=\"" + south +
       "\"/>\n"
-      "      <TileFormat width=\"256\" height=\"256\" mime-type=\"image/png\" extension=\"png\"/>\n"
+      "      <TileFormat width=\"256\" height=\"256\" " +
+      MimeTypeAndExtension(kinds.Usual()) +
+      "/>\n"
       "      <TileSets profile=\"mercator\">\n";
   for (int level = pyramid.Coarsest(); level <= pyramid.Finest(); ++level) {
     text += TileSet(level, XmlEscaped(url));
   }
-  return text + "      </TileSets>\n    </TileMap>\n    ";
+  return text + "      </TileSets>\n" + OtherTiles(pyramid, kinds) + "    </TileMap>\n    ";
 }
 
 }  // namespace tiler

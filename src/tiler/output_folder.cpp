@@ -1,5 +1,6 @@
 #include "tiler/output_folder.h"
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
 #include <fstream>
@@ -114,6 +115,15 @@ void OutputFolder::RemoveOldDocument() const {
   if (failed && failed != std::errc::not_a_directory) {
     throw TilerError(Utf8Of(m_path / "doc.kml") + ": " + WordsFor(failed));
   }
+}
+
+bool OutputFolder::HasTiles() const {
+  const std::vector<fs::path> entries = EntriesOf(m_path);
+  return std::any_of(entries.begin(), entries.end(), [](const fs::path& entry) { return NumberOf(entry); });
+}
+
+void OutputFolder::RemoveTile(const TileId& tile, const char* extension) const {
+  Remove(TilePath(tile, extension));
 }
 
 void OutputFolder::Create() const {

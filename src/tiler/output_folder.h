@@ -29,10 +29,15 @@ class OutputFolder {
   // it stays.
   void RemoveOldDocument() const;
 
+  // Whether there is anything in it that may be of a map.
+  bool HasTiles() const;
+  // One that is not there, or stays, is no failure.
+  void RemoveTile(const TileId& tile, const char* extension) const;
+
   // All of these throw TilerError. The folder itself, with those above it.
   void Create() const;
   void CreateColumn(int level, int column) const;
-  // extension: "png" or "kml".
+  // extension: without its dot.
   void WriteTile(const TileId& tile, const char* extension, std::string_view content) const;
   // What such a file holds; nullopt when it cannot be read.
   std::optional<std::string> ReadTile(const TileId& tile, const char* extension) const;

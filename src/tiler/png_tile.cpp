@@ -47,12 +47,6 @@ std::string Header(int channels) {
   return header;
 }
 
-bool IsOpaque(const Tile& tile) {
-  std::uint8_t all = 255;
-  for (const Pixel& pixel : tile) all &= pixel.alpha;
-  return all == 255;
-}
-
 }  // namespace
 
 void PngEncoder::Deleter::operator()(libdeflate_compressor* compressor) const {

@@ -6,7 +6,7 @@
 #include <random>
 #include <string>
 
-#include "tiler/png_reader.h"
+#include "tiler/decoded_tile.h"
 
 namespace tiler {
 namespace {
@@ -42,7 +42,7 @@ TEST_F(Png, LosesNothing) {
       const bool opaque = seed % 2 == 0;
       const Tile tile = Noise(seed, grey, opaque);
       const std::string file(encoder.Encode(tile));
-      EXPECT_EQ(PngTile(file), tile);
+      EXPECT_EQ(DecodedTile(file), tile);
       EXPECT_EQ(ChannelsOf(file), (grey ? 1 : 3) + (opaque ? 0 : 1));
     }
   }
@@ -53,7 +53,7 @@ TEST_F(Png, KeepsASingleTransparentPixel) {
   for (const std::size_t place : {std::size_t{0}, kTilePixels - 1}) {
     Tile tile(kTilePixels, Pixel{1, 2, 3, 255});
     tile[place].alpha = 254;
-    EXPECT_EQ(PngTile(std::string(encoder.Encode(tile))), tile);
+    EXPECT_EQ(DecodedTile(std::string(encoder.Encode(tile))), tile);
   }
 }
 
@@ -61,7 +61,7 @@ TEST_F(Png, MakesLittleOfNothing) {
   PngEncoder encoder(3);
   const Tile empty(kTilePixels);
   EXPECT_LT(encoder.Encode(empty).size(), 2000U);
-  EXPECT_EQ(PngTile(std::string(encoder.Encode(empty))), empty);
+  EXPECT_EQ(DecodedTile(std::string(encoder.Encode(empty))), empty);
 }
 
 TEST_F(Png, RemembersNothingOfTheTileBefore) {
@@ -75,12 +75,12 @@ TEST_F(Png, IsReadOnlyWhenItIsAWholeTile) {
   PngEncoder encoder(3);
   const std::string file(encoder.Encode(Noise(3, false, false)));
   CPLPushErrorHandler(CPLQuietErrorHandler);
-  EXPECT_EQ(PngTile(""), std::nullopt);
-  EXPECT_EQ(PngTile("no image"), std::nullopt);
-  EXPECT_EQ(PngTile(file.substr(0, file.size() / 2)), std::nullopt);
+  EXPECT_EQ(DecodedTile(""), std::nullopt);
+  EXPECT_EQ(DecodedTile("no image"), std::nullopt);
+  EXPECT_EQ(DecodedTile(file.substr(0, file.size() / 2)), std::nullopt);
   std::string broken = file;
   broken[file.size() / 2] ^= 1;
-  EXPECT_EQ(PngTile(broken), std::nullopt);
+  EXPECT_EQ(DecodedTile(broken), std::nullopt);
   CPLPopErrorHandler();
 }
 

@@ -10,13 +10,14 @@
 #include <thread>
 #include <utility>
 
+#include "tiler/decoded_tile.h"
 #include "tiler/exact_tile.h"
 #include "tiler/kml_text.h"
 #include "tiler/map_kml.h"
 #include "tiler/output_folder.h"
-#include "tiler/png_reader.h"
-#include "tiler/png_tile.h"
 #include "tiler/run_log.h"
+#include "tiler/tile_encoder.h"
+#include "tiler/tile_kinds.h"
 #include "tiler/tile_reader.h"
 #include "tiler/tiler_error.h"
 #include "tiler/unit_journal.h"
@@ -25,7 +26,6 @@ namespace tiler {
 
 namespace {
 
-constexpr const char* kImage = "png";
 constexpr const char* kDocument = "kml";
 
 // Of the four that a tile stands for, as JoinedTile takes them.
@@ -41,14 +41,14 @@ class PyramidCutter::Worker {
   explicit Worker(PyramidCutter& cutter)
       : m_cutter(cutter),
         m_reader(MakeTileReader(cutter.m_view, cutter.m_pyramid, cutter.m_log)),
-        m_encoder(cutter.m_view.colours) {}
+        m_encoder(cutter.m_format, cutter.m_view.colours) {}
 
   void MakeUnit(const TileId& unit) {
     TileId tile = unit;
     Tile pixels;
     if (!TakeUp(unit, pixels)) {
       m_checksum = 0;
-      pixels = Make(unit);
+      pixels = AsWritten(Make(unit));
       m_cutter.m_journal.Add(unit, m_checksum);
     }
     std::array<Quarter, 4> quarters;
@@ -68,7 +68,7 @@ class PyramidCutter::Worker {
     m_checksum = 0;
     m_taken = 0;
     if (!wanted || !AddFiles(unit) || m_checksum != *wanted) return false;
-    const auto read = PngTile(m_content);
+    const auto read = DecodedTile(m_content);
     if (!read) return false;
     pixels = *read;
     for (; m_taken > 0; --m_taken) m_cutter.TellDone();
@@ -96,13 +96,18 @@ class PyramidCutter::Worker {
   }
 
   bool AddOwnFiles(const TileId& tile) {
-    for (const char* extension : m_cutter.Extensions()) {
-      auto content = m_cutter.m_output.ReadTile(tile, extension);
-      if (!content) return false;
-      AddToChecksum(*content);
-      if (extension == kImage) m_content = std::move(*content);
+    for (const TileKind kind : KindsOf(m_cutter.m_format)) {
+      auto content = m_cutter.m_output.ReadTile(tile, ExtensionOf(kind));
+      if (!content) continue;
+      m_content = std::move(*content);
+      AddToChecksum(m_content);
+      m_cutter.Note(tile, kind);
+      if (!m_cutter.m_kml) return true;
+      const auto document = m_cutter.m_output.ReadTile(tile, kDocument);
+      if (document) AddToChecksum(*document);
+      return document.has_value();
     }
-    return true;
+    return false;
   }
 
   void AddToChecksum(std::string_view content) {
@@ -131,16 +136,36 @@ class PyramidCutter::Worker {
   }
 
   void Write(const TileId& tile, const Tile& pixels) {
-    WriteFile(tile, kImage, m_encoder.Encode(pixels));
+    m_image = m_encoder.Encode(pixels);
+    WriteFile(tile, ExtensionOf(m_image.kind), m_image.content);
     if (m_cutter.m_kml) WriteFile(tile, kDocument, Document(tile, pixels));
+    if (m_cutter.m_wasInUse) RemoveOldFiles(tile);
+    m_cutter.Note(tile, m_image.kind);
     m_cutter.TellDone();
+  }
+
+  // Of a map that had tiles of other kinds: who takes the folder for what it is now has no use for them.
+  void RemoveOldFiles(const TileId& tile) {
+    for (const TileKind kind : {TileKind::kPng, TileKind::kJpeg, TileKind::kWebp}) {
+      if (kind != m_image.kind) m_cutter.m_output.RemoveTile(tile, ExtensionOf(kind));
+    }
+    if (!m_cutter.m_kml) m_cutter.m_output.RemoveTile(tile, kDocument);
   }
 
   std::string Document(const TileId& tile, const Tile& pixels) const {
     const std::vector<TileId> finer = m_cutter.m_plan.Finer(tile);
     if (!m_cutter.m_view.exact) return TileKml(tile, finer);
-    return MapTileKml(tile, finer,
-                      {tile.level == m_cutter.m_pyramid.Coarsest(), !finer.empty() && IsTranslucent(pixels)});
+    return MapTileKml(
+        tile, finer,
+        {m_image.kind, tile.level == m_cutter.m_pyramid.Coarsest(), !finer.empty() && IsTranslucent(pixels)});
+  }
+
+  // What a later run would read of the tile that was written last, so that it goes on with the same.
+  Tile AsWritten(Tile pixels) const {
+    if (m_image.kind == TileKind::kPng) return pixels;
+    auto read = DecodedTile(std::string(m_image.content));
+    if (!read) throw TilerError("a tile could not be read after it was written");
+    return std::move(*read);
   }
 
   void WriteFile(const TileId& tile, const char* extension, std::string_view content) {
@@ -150,26 +175,31 @@ class PyramidCutter::Worker {
 
   PyramidCutter& m_cutter;
   std::unique_ptr<TileReader> m_reader;
-  PngEncoder m_encoder;
+  TileEncoder m_encoder;
+  EncodedTile m_image;           // the one that was written last
   std::uint32_t m_checksum = 0;  // of the files of a unit
   std::int64_t m_taken = 0;      // tiles of a unit that was finished before
   std::string m_content;
 };
 
 PyramidCutter::PyramidCutter(const MapView& view, const Pyramid& pyramid, const TilePlan& plan,
-                             const OutputFolder& output, bool kml, UnitJournal& journal, RunLog& log)
+                             const OutputFolder& output, TileFormat format, bool kml, UnitJournal& journal,
+                             RunLog& log)
     : m_view(view),
       m_pyramid(pyramid),
       m_plan(plan),
       m_total(plan.TileCount()),
       m_output(output),
+      m_format(format),
       m_kml(kml),
       m_journal(journal),
-      m_log(log) {}
+      m_log(log),
+      m_kinds(pyramid, format) {}
 
 void PyramidCutter::Cut(int threads, const std::atomic<bool>& stop, const OnTile& onTile) {
   m_stop = &stop;
   m_onTile = &onTile;
+  m_wasInUse = m_output.HasTiles();
   CreateFolders();
   {
     std::vector<std::jthread> others;
@@ -202,10 +232,6 @@ void PyramidCutter::Fail() {
   m_failed = true;
 }
 
-std::vector<const char*> PyramidCutter::Extensions() const {
-  return m_kml ? std::vector{kImage, kDocument} : std::vector{kImage};
-}
-
 void PyramidCutter::CreateFolders() const {
   for (int level = m_pyramid.Coarsest(); level <= m_pyramid.Finest(); ++level) {
     const TileRange& range = m_pyramid.Range(level);
@@ -216,6 +242,11 @@ void PyramidCutter::CreateFolders() const {
 void PyramidCutter::TellDone() {
   const std::lock_guard lock(m_mutex);
   (*m_onTile)(++m_done, m_total);
+}
+
+void PyramidCutter::Note(const TileId& tile, TileKind kind) {
+  const std::lock_guard lock(m_mutex);
+  m_kinds.Set(tile, kind);
 }
 
 bool PyramidCutter::IsComplete(const TileId& tile, Quarter quarter, std::array<Quarter, 4>& quarters) {

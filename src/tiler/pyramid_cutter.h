@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tiler/map_view.h"
+#include "tiler/tile_kinds.h"
 #include "tiler/tile_pixels.h"
 #include "tiler/tile_plan.h"
 
@@ -30,12 +31,16 @@ class PyramidCutter {
   // After each tile, from any thread, one at a time.
   using OnTile = std::function<void(std::int64_t done, std::int64_t total)>;
 
+  // format: another than PNG for exact views alone.
   PyramidCutter(const MapView& view, const Pyramid& pyramid, const TilePlan& plan, const OutputFolder& output,
-                bool kml, UnitJournal& journal, RunLog& log);
+                TileFormat format, bool kml, UnitJournal& journal, RunLog& log);
 
   // Throws TilerError, Stopped among them soon after stop becomes true, or std::bad_alloc. No thread is left
   // then.
   void Cut(int threads, const std::atomic<bool>& stop, const OnTile& onTile);
+
+  // Of the tiles of the plan, when they are cut.
+  const TileKinds& Kinds() const { return m_kinds; }
 
  private:
   class Worker;
@@ -47,13 +52,12 @@ class PyramidCutter {
     std::size_t count = 0;
   };
 
-  // Of the files of a tile, in the order in which they are written.
-  std::vector<const char*> Extensions() const;
   void CreateFolders() const;
   void Work();
   void Fail();
   bool IsOver() const { return m_failed || *m_stop; }
   void TellDone();
+  void Note(const TileId& tile, TileKind kind);
   // Takes what a tile is in the one above it; when it was the last of them, moves them all to quarters.
   bool IsComplete(const TileId& tile, Quarter quarter, std::array<Quarter, 4>& quarters);
 
@@ -62,16 +66,19 @@ class PyramidCutter {
   const TilePlan& m_plan;
   const std::int64_t m_total;
   const OutputFolder& m_output;
+  const TileFormat m_format;
   const bool m_kml;
   UnitJournal& m_journal;
   RunLog& m_log;
 
   const std::atomic<bool>* m_stop = nullptr;
   const OnTile* m_onTile = nullptr;
+  bool m_wasInUse = false;  // the output folder
   std::atomic<std::size_t> m_nextUnit = 0;
   std::atomic<bool> m_failed = false;
   std::mutex m_mutex;  // of what follows
   std::map<TileId, Waiting> m_waiting;
+  TileKinds m_kinds;
   std::int64_t m_done = 0;
   std::exception_ptr m_failure;
 };

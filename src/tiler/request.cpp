@@ -24,10 +24,15 @@ constexpr const char* kShard = "--shard";
 constexpr const char* kMerge = "--merge";
 constexpr const char* kSampling = "--sampling";
 constexpr const char* kResampling = "--resampling";
-constexpr std::array<const char*, 5> kLong = {kThreads, kMemory, kShard, kSampling, kResampling};
+constexpr const char* kTiles = "--tiles";
+constexpr std::array<const char*, 6> kLong = {kThreads, kMemory, kShard, kSampling, kResampling, kTiles};
 
 constexpr std::array<std::pair<const char*, Sampling>, 2> kSamplings = {
     {{"sharp", Sampling::kSharp}, {"gdal2tiles", Sampling::kGdal2tiles}}};
+constexpr std::array<std::pair<const char*, TileFormat>, 3> kFormats = {
+    {{NameOf(TileFormat::kPng), TileFormat::kPng},
+     {NameOf(TileFormat::kAuto), TileFormat::kAuto},
+     {NameOf(TileFormat::kWebp), TileFormat::kWebp}}};
 constexpr std::array<std::pair<const char*, Resampling>, 7> kResamplings = {
     {{"average", Resampling::kAverage},
      {"near", Resampling::kNearest},
@@ -69,6 +74,9 @@ that the map is to be in.
   --resampling=MODE
                  of sharp sampling: average (the default), near, bilinear,
                  cubic, cubicspline, lanczos or antialias
+  --tiles=WHAT   png: exact (the default); auto: JPEG where nothing is transparent
+                 and PNG elsewhere, a fifth as large; webp: smaller still, for web
+                 pages alone, without KML; the last two of sharp sampling
   --version      what this program is
   --help         this
 
@@ -261,6 +269,10 @@ Request ParseRequest(const std::vector<std::string>& arguments) {
     request.sampling = Chosen(options.Value(kSampling), kSamplings, "the sampling");
   }
   if (options.Has(kResampling)) request.resampling = ResamplingOf(options.Value(kResampling));
+  if (options.Has(kTiles)) request.tiles = TileFormatOf(options.Value(kTiles));
+  if (request.tiles.value_or(TileFormat::kPng) != TileFormat::kPng && request.sampling != Sampling::kSharp) {
+    throw TilerError("tiles as gdal2tiles makes them are PNG alone");
+  }
   request.merge = options.Has(kMerge);
   if (request.share && request.merge) {
     throw TilerError("a run makes either a share or what is left when all shares are there");
@@ -270,6 +282,10 @@ Request ParseRequest(const std::vector<std::string>& arguments) {
 
 Resampling ResamplingOf(const std::string& name) {
   return Chosen(name, kResamplings, "the resampling");
+}
+
+TileFormat TileFormatOf(const std::string& name) {
+  return Chosen(name, kFormats, "the kind of tiles");
 }
 
 std::optional<std::string> Information(const std::vector<std::string>& arguments) {

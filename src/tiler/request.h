@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tiler/axis_weights.h"
+#include "tiler/tile_kind.h"
 
 namespace tiler {
 
@@ -46,6 +47,7 @@ struct Request {
   int memory = 0;   // megabytes; 0: as the engine thinks best
   Sampling sampling = Sampling::kSharp;
   std::optional<Resampling> resampling;  // of sharp sampling; nothing: as the engine thinks best
+  std::optional<TileFormat> tiles;       // nothing: as the environment or the engine thinks best
   // Makes a share of the tiles alone; without it the whole map is made.
   std::optional<Share> share;
   bool merge = false;  // makes what is left when all shares are there; not together with share
@@ -54,14 +56,17 @@ struct Request {
 // What follows the program's name:
 //
 //     [-a COLOUR] [-s SRS] [-p mercator] [-t TITLE] [-k] [-u URL] [-g KEY] [--threads=N]
-//         [--memory=MB] [--shard=I/N | --merge] [--sampling=sharp|gdal2tiles] [--resampling=MODE] INPUT
-//         OUTPUT
+//         [--memory=MB] [--shard=I/N | --merge] [--sampling=sharp|gdal2tiles] [--resampling=MODE]
+//         [--tiles=png|auto|webp] INPUT OUTPUT
 //
 // Information() says what they mean. A value may begin with a dash. Throws TilerError when it is not that.
 Request ParseRequest(const std::vector<std::string>& arguments);
 
 // Of a value of --resampling. Throws TilerError when it is none.
 Resampling ResamplingOf(const std::string& name);
+
+// Of a value of --tiles. Throws TilerError when it is none.
+TileFormat TileFormatOf(const std::string& name);
 
 // What the program says instead of working when it is called with --help or --version alone.
 std::optional<std::string> Information(const std::vector<std::string>& arguments);

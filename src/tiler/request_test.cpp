@@ -74,6 +74,17 @@ TEST(Request, ChoosesHowPixelsAreMade) {
             "the resampling '' is none of average, near, bilinear, cubic, cubicspline, lanczos, antialias");
 }
 
+TEST(ParseRequest, KnowsWhatTilesAreToBe) {
+  EXPECT_EQ(ParseRequest({"i", "o"}).tiles, std::nullopt);
+  EXPECT_EQ(ParseRequest({"--tiles=png", "i", "o"}).tiles, TileFormat::kPng);
+  EXPECT_EQ(ParseRequest({"--tiles", "auto", "i", "o"}).tiles, TileFormat::kAuto);
+  EXPECT_EQ(ParseRequest({"--tiles=webp", "i", "o"}).tiles, TileFormat::kWebp);
+  EXPECT_EQ(Refusal({"--tiles=jpg", "i", "o"}), "the kind of tiles 'jpg' is none of png, auto, webp");
+  EXPECT_EQ(ParseRequest({"--tiles=png", "--sampling=gdal2tiles", "i", "o"}).tiles, TileFormat::kPng);
+  EXPECT_EQ(Refusal({"--tiles=auto", "--sampling=gdal2tiles", "i", "o"}),
+            "tiles as gdal2tiles makes them are PNG alone");
+}
+
 TEST(Request, RefusesWhatIsNoColour) {
   for (const std::string text : {"16777216", "white", "-1", "+1", "", " 1", "1.0", "99999999999999999999"}) {
     EXPECT_EQ(Refusal({"-a", text, "i", "o"}),

@@ -77,6 +77,13 @@ QueryAxis RowsOf(const TileQuery& query, std::int64_t imageSize) {
   return axis;
 }
 
+bool IsOpaque(const std::vector<Pixel>& pixels) {
+  // In one go through all of them, which compilers do several at a time.
+  std::uint8_t all = 255;
+  for (const Pixel& pixel : pixels) all &= pixel.alpha;
+  return all == 255;
+}
+
 Tile AveragedTile(const std::vector<Pixel>& window, std::int64_t windowWidth, const QueryAxis& columns,
                   const QueryAxis& rows) {
   Tile tile(kTilePixels);

@@ -25,6 +25,9 @@ struct Pixel {
 using Tile = std::vector<Pixel>;
 inline constexpr std::size_t kTilePixels = std::size_t{kTileSize} * kTileSize;
 
+// Whether nothing of them is transparent in the least.
+bool IsOpaque(const std::vector<Pixel>& pixels);
+
 // For each pixel of a query along one axis, the pixel of the image's window that it shows; kNoPixel outside.
 inline constexpr int kNoPixel = -1;
 using QueryAxis = std::array<int, kQuerySize>;

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <thread>
 #include <vector>
 
 #include "tiler/damaged_place.h"
@@ -20,6 +19,7 @@
 #include "tiler/progress_records.h"
 #include "tiler/pyramid_cutter.h"
 #include "tiler/see_through.h"
+#include "tiler/settled_request.h"
 #include "tiler/share_journals.h"
 #include "tiler/source_image.h"
 #include "tiler/tile_plan.h"
@@ -61,18 +61,19 @@ PageDocuments DocumentsFor(const Request& request) {
   return {both.substr(0, sign), sign == std::string::npos ? "" : both.substr(sign + 1)};
 }
 
-void WritePages(const Request& request, const Pyramid& pyramid, const OutputFolder& output) {
+void WritePages(const Request& request, const Pyramid& pyramid, const TileKinds& kinds,
+                const OutputFolder& output) {
   const PageTexts texts = {request.title, request.key};
   const std::string url = UrlOfTiles(request, output);
-  output.WritePage("googlemaps.html", GoogleMapsPage(pyramid, texts));
+  output.WritePage("googlemaps.html", GoogleMapsPage(pyramid, texts, kinds));
   if (request.sampling == Sampling::kSharp) {
     for (const PageFile& file : PageFiles()) output.WritePageFile(kPageFolder, file.name, file.content);
-    output.WritePage("leaflet.html", MapPage(pyramid, request.title, DocumentsFor(request)));
+    output.WritePage("leaflet.html", MapPage(pyramid, request.title, DocumentsFor(request), kinds));
   } else {
     output.WritePage("leaflet.html", LeafletPage(pyramid, texts));
   }
-  output.WritePage("openlayers.html", OpenLayersPage(pyramid, texts));
-  output.WritePage("tilemapresource.xml", TileMapResource(pyramid, request.title, url));
+  output.WritePage("openlayers.html", OpenLayersPage(pyramid, texts, kinds));
+  output.WritePage("tilemapresource.xml", TileMapResource(pyramid, request.title, url, kinds));
   if (!request.kml) return;
   const std::vector<TileId> coarsest = CoarsestTiles(pyramid);
   output.WritePage(kDocument, request.sampling == Sampling::kSharp
@@ -81,7 +82,7 @@ void WritePages(const Request& request, const Pyramid& pyramid, const OutputFold
 }
 
 // Changes with whatever changes a byte of the result, or which run makes it.
-constexpr const char* kVersion = "2";
+constexpr const char* kVersion = "3";
 
 // The same text for all runs that make the same, of the same image, in the same pieces.
 std::string IdentityOf(const Request& request, const SourceImage& source, const MapView& view,
@@ -94,24 +95,9 @@ std::string IdentityOf(const Request& request, const SourceImage& source, const 
        {std::string(kVersion), std::string(GDALVersionInfo("RELEASE_NAME")), source.State(), view.State()})
     add(each);
   add(request.kml ? "kml" : "");
+  for (const TileKind kind : KindsOf(*request.tiles)) add(ExtensionOf(kind));
   add(std::to_string(unitLevels));
   return std::to_string(hash);
-}
-
-// MOSAICON_TILER_PROCESSES is for who cannot change the command line.
-int ThreadsFor(const Request& request) {
-  if (request.threads > 0) return request.threads;
-  const char* wanted = std::getenv("MOSAICON_TILER_PROCESSES");
-  const int count = wanted == nullptr ? 0 : std::atoi(wanted);
-  if (count > 0) return std::min(count, kMostThreads);
-  return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
-}
-
-// MOSAICON_TILER_RESAMPLING likewise.
-Resampling ResamplingFor(const Request& request) {
-  if (request.resampling) return *request.resampling;
-  const char* wanted = std::getenv("MOSAICON_TILER_RESAMPLING");
-  return wanted == nullptr || *wanted == '\0' ? Resampling::kAverage : ResamplingOf(wanted);
 }
 
 // Rows of the image that a tile of the finest level covers.
@@ -121,12 +107,12 @@ double RowsOfTile(const Pyramid& pyramid, const MapImage& image) {
 
 // GDAL keeps so many bytes of decoded blocks, for all threads.
 void LimitMemory(const Request& request, const SourceImage& source, const MapView& view,
-                 const Pyramid& pyramid, int unitLevels, int threads) {
-  const std::int64_t memory = request.memory > 0 ? request.memory * kMebibyte : UsualMemory(threads);
+                 const Pyramid& pyramid, int unitLevels) {
+  const std::int64_t memory = request.memory > 0 ? request.memory * kMebibyte : UsualMemory(request.threads);
   const int level = std::max(pyramid.Coarsest(), pyramid.Finest() - unitLevels);
   const std::int64_t waiting = WaitingFor(pyramid.Range(level).Columns());
-  GDALSetCacheMax64(
-      CacheFor(source.Layout(), RowsOfTile(pyramid, view.image), view.IsShared(), threads, memory - waiting));
+  GDALSetCacheMax64(CacheFor(source.Layout(), RowsOfTile(pyramid, view.image), view.IsShared(),
+                             request.threads, memory - waiting));
 }
 
 // What ended runs left. A share leaves alone what others may be writing at this moment.
@@ -138,9 +124,9 @@ void RemovePartialFiles(const OutputFolder& output, const Request& request, cons
   }
 }
 
-void FinishMap(const Request& request, const Pyramid& pyramid, const OutputFolder& output,
-               UnitJournal& journal) {
-  WritePages(request, pyramid, output);
+void FinishMap(const Request& request, const Pyramid& pyramid, const TileKinds& kinds,
+               const OutputFolder& output, UnitJournal& journal) {
+  WritePages(request, pyramid, kinds, output);
   journal.Close();
   RemoveJournals(output.Path());
 }
@@ -152,7 +138,8 @@ void CheckWritten(const std::error_code& failure, const std::filesystem::path& p
 
 }  // namespace
 
-void RunTiler(const Request& request, RunLog& log, ProgressRecords& records, const std::atomic<bool>& stop) {
+void RunTiler(const Request& asked, RunLog& log, ProgressRecords& records, const std::atomic<bool>& stop) {
+  const Request request = Settled(asked, log);
   const OutputFolder output(request.output);
   CheckNobodyIsAtWork(output.Path(), request.share);
   const bool isAlone = !request.share && !request.merge;
@@ -163,12 +150,11 @@ void RunTiler(const Request& request, RunLog& log, ProgressRecords& records, con
   const SourceImage source(seen, log);
   records.Start();
   const MapView view =
-      isExact ? MakeExactView(request, source, ResamplingFor(request), log) : MakeMapView(source, log);
+      isExact ? MakeExactView(request, source, *request.resampling, log) : MakeMapView(source, log);
   const Pyramid pyramid(view.image);
   const int unitLevels = UnitLevelsFor(source.Layout(), RowsOfTile(pyramid, view.image), view.IsShared());
   const TilePlan plan(pyramid, unitLevels, request.share);
-  const int threads = ThreadsFor(request);
-  LimitMemory(request, source, view, pyramid, unitLevels, threads);
+  LimitMemory(request, source, view, pyramid, unitLevels);
   const std::string identity = IdentityOf(request, source, view, unitLevels);
   std::vector<std::filesystem::path> shares;
   if (request.merge) shares = CompleteShares(output.Path(), identity);
@@ -182,12 +168,13 @@ void RunTiler(const Request& request, RunLog& log, ProgressRecords& records, con
   if (request.share) CheckWritten(journal.Failure(), path);
   for (const std::filesystem::path& share : shares) journal.TakeOver(share, identity);
   try {
-    PyramidCutter(view, pyramid, plan, output, request.kml, journal, log)
-        .Cut(threads, stop, [&](std::int64_t done, std::int64_t total) { records.Report(done, total); });
+    PyramidCutter cutter(view, pyramid, plan, output, *request.tiles, request.kml, journal, log);
+    cutter.Cut(request.threads, stop,
+               [&](std::int64_t done, std::int64_t total) { records.Report(done, total); });
     if (request.share) {
       CheckWritten(journal.Complete(), path);
     } else {
-      FinishMap(request, pyramid, output, journal);
+      FinishMap(request, pyramid, cutter.Kinds(), output, journal);
     }
   } catch (const NotRead& failure) {
     RemovePartialFiles(output, request, plan);

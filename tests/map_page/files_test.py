@@ -55,7 +55,7 @@ class FilesTest(unittest.TestCase):
         scripts = {
             name: (SOURCES / name).read_text(encoding="utf-8") for name in OWN_FILES if name.endswith(".js")
         }
-        self.assertEqual(len(scripts), 3)
+        self.assertEqual(len(scripts), 4)
         page = (SOURCES / "page.html").read_text(encoding="utf-8")
         [scripts["page.html"]] = re.findall(r"<script>(.*?)</script>", page, re.DOTALL)
         for name, script in scripts.items():

@@ -1,9 +1,11 @@
 """That the page of one map shows it: from a web server and from a disk without any network, in windows of all
 sizes, asking for tiles that exist and for nothing else."""
 
+import itertools
 import shutil
 import unittest
 
+import numpy
 from page_case import BOXES, LAPTOP, LOADED, PHONE, TILES, VIEWS, PageCase
 from pyramid import Map, tile_at, write_map
 from osgeo import osr
@@ -58,7 +60,8 @@ class ShowingTest(MapPageCase):
         tiles = tab.evaluate(TILES)
         self.assertGreater(len(tiles), 0)
         for tile in tiles:
-            z, column, row = (int(each) for each in tile["src"].removesuffix(".png").split("/")[-3:])
+            path, _ = tile["src"].rsplit(".", 1)
+            z, column, row = (int(each) for each in path.split("/")[-3:])
             self.assertEqual(tile["width"], 256, tile)
             self.assertEqual((column, row), tile_at(z, tile["lng"], tile["lat"]), tile)
         return {tile["src"] for tile in tiles}
@@ -93,20 +96,31 @@ class ShowingTest(MapPageCase):
                     self.assertEqual(tab.evaluate("document.title"), self.map.title)
 
     def test_only_tiles_that_exist_are_asked_for_wherever_one_looks(self):
-        tab = self.open("one/leaflet.html")
-        (south, west), (north, east) = self.map.bounds()
+        self.check_every_tile(self.map, "one/leaflet.html")
+
+    def test_tiles_of_both_kinds_are_asked_for_by_their_names(self):
+        mixed = Map(HERE[1], HERE[0], metres=900, mixed=True)
+        write_map(self.root / "mixed", mixed)
+        seen = self.check_every_tile(mixed, "mixed/leaflet.html")
+        counts = [sum(each.endswith(kind) for each in seen) for kind in (".jpg", ".png")]
+        self.assertGreater(min(counts), 10, counts)
+
+    def check_every_tile(self, one, address):
+        tab = self.open(address)
+        (south, west), (north, east) = one.bounds()
         lowest, highest = tab.evaluate("[Mosaicon.map.getMinZoom(), Mosaicon.map.getMaxZoom()]")
-        self.assertLess(lowest, self.map.coarsest)
-        self.assertEqual(highest, self.map.finest + 1)
+        self.assertLess(lowest, one.coarsest)
+        self.assertEqual(highest, one.finest + 1)
         seen = set()
         for zoom in range(lowest, highest + 1):
-            for place in ([south, west], [north, east], list(HERE)):
+            for place in itertools.product(numpy.linspace(south, north, 5), numpy.linspace(west, east, 3)):
                 self.set_view(tab, place, zoom)
                 seen |= self.check_tiles(tab)
         self.set_view(tab, [-40, -170], lowest)
         self.assertEqual(self.complaints(tab), [])
-        every = sum((e - w + 1) * (n - s + 1) for w, s, e, n in self.map.levels().values())
+        every = sum((e - w + 1) * (n - s + 1) for w, s, e, n in one.levels().values())
         self.assertEqual(len(seen), every, "every tile can be seen")
+        return seen
 
     def test_it_is_shown_at_twice_its_finest_level(self):
         tab = self.open("one/leaflet.html", disk=True)
@@ -162,7 +176,8 @@ class ShowingTest(MapPageCase):
         self.assertEqual(tab.evaluate("Mosaicon.infos[0].title"), ODD_TITLE)
 
     def test_a_page_without_its_folder_says_so(self):
-        for missing in ("", "leaflet.js", "map.js", "tools.js", "position.js", "map.css", "leaflet.css"):
+        scripts = ("leaflet.js", "map.js", "tools.js", "position.js", "tiles.js")
+        for missing in ("", *scripts, "map.css", "leaflet.css"):
             with self.subTest(missing):
                 page = self.changed("alone", metres=60)
                 if missing:

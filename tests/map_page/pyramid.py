@@ -2,6 +2,7 @@
 
 import dataclasses
 import html
+import itertools
 import json
 import math
 import pathlib
@@ -15,7 +16,7 @@ gdal.UseExceptions()
 
 SOURCES = pathlib.Path(__file__).parent.parent.parent / "src" / "tiler" / "pages" / "map"
 LEAFLET = pathlib.Path("/usr/share/javascript/leaflet")
-OWN_FILES = ("leaflet-licence.txt", "map.css", "map.js", "position.js", "tools.js")
+OWN_FILES = ("leaflet-licence.txt", "map.css", "map.js", "position.js", "tiles.js", "tools.js")
 SOURCE_MAP = re.compile(r"^(//# sourceMappingURL=.*|/\*# sourceMappingURL=.*\*/)\n?", re.MULTILINE)
 EDGE = 20037508.342789244  # of the projection, in its metres
 
@@ -31,6 +32,7 @@ class Map:
     finest: int = 18
     title: str = "Orthophoto"
     folder: str = ""
+    mixed: bool = False  # JPEG where nothing is transparent
     kml: dict = dataclasses.field(
         default_factory=lambda: {"disk": "googleearth_loc.kml", "web": "googleearth_web.kml"}
     )
@@ -52,9 +54,31 @@ class Map:
             levels[str(z)] = [math.floor((each + EDGE) / size) for each in (west, south, east, north)]
         return levels
 
+    def kind(self, z, column, row):
+        size = 2 * EDGE / 2**z
+        left, lower = column * size - EDGE, row * size - EDGE
+        west, south, east, north = self.corners()
+        is_inside = west <= left and left + size < east and south <= lower and lower + size < north
+        return "jpg" if self.mixed and is_inside else "png"
+
+    def runs(self):
+        """Lengths of rows of neighbours of a kind, by turns JPEG and PNG, from the south-west."""
+        runs = {}
+        for z, (west, south, east, north) in self.levels().items():
+            kinds = [
+                self.kind(int(z), column, row)
+                for row in range(south, north + 1)
+                for column in range(west, east + 1)
+            ]
+            groups = [(kind, len(list(group))) for kind, group in itertools.groupby(kinds)]
+            runs[z] = [0] * (groups[0][0] == "png") + [length for _, length in groups]
+        return runs
+
     def described(self):
         names = ("title", "coarsest", "finest", "kml") + (("folder",) if self.folder else ())
         described = {name: getattr(self, name) for name in names}
+        if self.mixed:
+            described["tiles"] = {"kinds": ["jpg", "png"], "runs": self.runs()}
         return {**described, "bounds": self.bounds(), "levels": self.levels()}
 
 
@@ -103,7 +127,8 @@ def write_map(folder, one):
     for z, (west, south, east, north) in one.levels().items():
         for column in range(west, east + 1):
             for row in range(south, north + 1):
-                write_tile(folder / z / str(column) / f"{row}.png", int(z), column, row, one.corners())
+                kind = one.kind(int(z), column, row)
+                write_tile(folder / z / str(column) / f"{row}.{kind}", int(z), column, row, one.corners())
 
 
 def write_maps(folder, maps, title="Three fields"):
@@ -125,13 +150,15 @@ def write_tile(path, z, column, row, corners):
     green = 120 + 40 * numpy.sin(x / 45 + numpy.sin(y / 60)) + 25 * numpy.sin(x / 3)
     bands = [numpy.where(path_here, 205, green * 0.8), numpy.where(path_here, 195, green), green * 0.5]
     bands.append(numpy.where((x >= west) & (x < east) & (y >= south) & (y < north), 255, 0))
-    memory = gdal.GetDriverByName("MEM").Create("", 256, 256, 4, gdal.GDT_Byte)
+    is_opaque = path.suffix == ".jpg"
+    bands = bands[:3] if is_opaque else bands
+    memory = gdal.GetDriverByName("MEM").Create("", 256, 256, len(bands), gdal.GDT_Byte)
     for number, band in enumerate(bands, 1):
         memory.GetRasterBand(number).WriteArray(numpy.clip(band, 0, 255).astype(numpy.uint8))
     path.parent.mkdir(parents=True, exist_ok=True)
     # GDAL would have names with "%" in ways of its own.
-    gdal.GetDriverByName("PNG").CreateCopy("/vsimem/tile.png", memory)
-    length = gdal.VSIStatL("/vsimem/tile.png").size
-    file = gdal.VSIFOpenL("/vsimem/tile.png", "rb")
+    gdal.GetDriverByName("JPEG" if is_opaque else "PNG").CreateCopy("/vsimem/tile", memory)
+    length = gdal.VSIStatL("/vsimem/tile").size
+    file = gdal.VSIFOpenL("/vsimem/tile", "rb")
     path.write_bytes(bytes(gdal.VSIFReadL(1, length, file)))
     gdal.VSIFCloseL(file)

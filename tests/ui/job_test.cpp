@@ -162,7 +162,8 @@ class BusyWindow : public Job {
   static constexpr int kLocked[] = {
       IDC_ORTHOPHOTO,  IDC_TARGET_URL, IDC_GOOGLE_KEY,    IDC_GET_GOOGLE_KEY, IDC_TRANSPARENCY,
       IDC_RESAMPLING,  IDC_MAP_TITLE,  IDC_TARGET_FOLDER, IDC_PREVIEW,        IDC_UPLOAD,
-      IDC_PICK_FOLDER, IDC_WEB_OUTPUT, IDC_START,         IDC_EXIT,           IDC_SHOW_FINISHED_MAP};
+      IDC_PICK_FOLDER, IDC_WEB_OUTPUT, IDC_START,         IDC_EXIT,           IDC_SHOW_FINISHED_MAP,
+      IDC_TILES_EXACT, IDC_TILES_SMALL};
   static constexpr int kAlwaysOpen[] = {IDC_ABOUT, IDC_HELP_WEB_SERVER, IDC_HELP_INPUT_OUTPUT,
                                         IDC_CHECK_UPDATES};
 

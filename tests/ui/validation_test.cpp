@@ -117,6 +117,18 @@ TEST_F(Validation, RemembersWhatThePreviewShows) {
   }
 }
 
+TEST_F(Validation, RemembersWhatTilesAreToBe) {
+  EXPECT_TRUE(Item(IDC_TILES_EXACT).IsChecked());
+  for (const int chosen : {IDC_TILES_SMALL, IDC_TILES_EXACT}) {
+    Item(chosen).Click();
+    const std::string name = chosen == IDC_TILES_SMALL ? "auto" : "png";
+    EXPECT_TRUE(WaitUntil([&] { return ReadProfile("Input", "Tiles") == name; }));
+    ASSERT_TRUE(Restart());
+    EXPECT_EQ(Item(IDC_TILES_SMALL).IsChecked(), chosen == IDC_TILES_SMALL);
+    EXPECT_EQ(Item(IDC_TILES_EXACT).IsChecked(), chosen == IDC_TILES_EXACT);
+  }
+}
+
 TEST_F(Validation, IsShownAgainAtTheNextStart) {
   WriteProfile("Input", "TargetURL", "http://www.example.org");
   WriteProfile("Input", "GoogleAPI", "key");

@@ -10,6 +10,7 @@ extern const std::string_view kPage;
 extern const std::string_view kMapStyles;
 extern const std::string_view kMapScript;
 extern const std::string_view kPositionScript;
+extern const std::string_view kTilesScript;
 extern const std::string_view kToolsScript;
 extern const std::string_view kLeafletStyles;
 extern const std::string_view kLeafletScript;

@@ -57,6 +57,10 @@ std::string Plan(const Pyramid& pyramid) {
   return text;
 }
 
+tiler::TileKinds ExactTiles(const tiler::Pyramid& pyramid) {
+  return {pyramid, tiler::TileFormat::kPng};
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -77,7 +81,8 @@ int main(int argc, char** argv) {
       {"plan", [&] { return Plan(PyramidOf(words)); }},
       {"google",
        [&] {
-         return tiler::GoogleMapsPage(PyramidOf(words), {words[6], words[7]});
+         const tiler::Pyramid pyramid = PyramidOf(words);
+         return tiler::GoogleMapsPage(pyramid, {words[6], words[7]}, ExactTiles(pyramid));
        }},
       {"leaflet",
        [&] {
@@ -85,9 +90,14 @@ int main(int argc, char** argv) {
        }},
       {"openlayers",
        [&] {
-         return tiler::OpenLayersPage(PyramidOf(words), {words[6], words[7]});
+         const tiler::Pyramid pyramid = PyramidOf(words);
+         return tiler::OpenLayersPage(pyramid, {words[6], words[7]}, ExactTiles(pyramid));
        }},
-      {"tilemap", [&] { return tiler::TileMapResource(PyramidOf(words), words[6], words[8]); }},
+      {"tilemap",
+       [&] {
+         const tiler::Pyramid pyramid = PyramidOf(words);
+         return tiler::TileMapResource(pyramid, words[6], words[8], ExactTiles(pyramid));
+       }},
   };
   Print(parts.at(words.at(0))());
   return 0;

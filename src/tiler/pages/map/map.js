@@ -35,11 +35,6 @@
     });
   }
 
-  // The only place that knows where a tile lies; row counts from the south.
-  function tileAddress(info, z, column, row) {
-    return info.base + z + '/' + column + '/' + row + '.png';
-  }
-
   // From a disk the file with relative links; on the web the one that knows its address. That one also works
   // from a disk, once it is published, but one with relative links leads nowhere when it is downloaded.
   function kmlAddress(info) {
@@ -154,7 +149,7 @@
   function tileLayerClass() {
     return L.TileLayer.extend({
       getTileUrl: function (at) {
-        return tileAddress(this.info, at.z, at.x, Math.pow(2, at.z) - 1 - at.y);
+        return this.info.base + page.tileName(this.info, at.z, at.x, Math.pow(2, at.z) - 1 - at.y);
       },
       existing: function () {
         var level = this.info.levels[this._tileZoom], last = Math.pow(2, this._tileZoom) - 1;
@@ -352,7 +347,7 @@
 
   // Whether the page is whole. What is missing makes an error, or leaves it as it was.
   function start() {
-    if (!hasStyles()) { return false; }
+    if (!hasStyles() || !page.tileName) { return false; }
     readInfos();
     layOut();
     makeMap();

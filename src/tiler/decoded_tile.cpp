@@ -1,4 +1,4 @@
-#include "tiler/png_reader.h"
+#include "tiler/decoded_tile.h"
 
 #include <cpl_vsi.h>
 #include <gdal_priv.h>
@@ -15,7 +15,7 @@ class MemoryFile {
  public:
   explicit MemoryFile(const std::string& content) {
     static std::atomic<int> count = 0;
-    m_name = "/vsimem/mosaicon_tile_" + std::to_string(++count) + ".png";
+    m_name = "/vsimem/mosaicon_tile_" + std::to_string(++count);
     // It is read only.
     auto* bytes = reinterpret_cast<GByte*>(const_cast<char*>(content.data()));
     VSIFCloseL(VSIFileFromMemBuffer(m_name.c_str(), bytes, content.size(), FALSE));
@@ -32,9 +32,9 @@ class MemoryFile {
 
 }  // namespace
 
-std::optional<Tile> PngTile(const std::string& content) {
+std::optional<Tile> DecodedTile(const std::string& content) {
   const MemoryFile file(content);
-  const char* const drivers[] = {"PNG", nullptr};
+  const char* const drivers[] = {"PNG", "JPEG", "WEBP", nullptr};
   const GDALDatasetUniquePtr dataset(
       GDALDataset::Open(file.Name().c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, drivers));
   if (!dataset || dataset->GetRasterXSize() != kTileSize || dataset->GetRasterYSize() != kTileSize) {
