@@ -39,16 +39,15 @@ std::string Region(const Bounds& box, const PixelLimits& limits, const std::stri
          indent + "</Region>\n";
 }
 
-std::string Overlay(const TileId& tile, TileKind kind, const Bounds& box) {
+std::string Overlay(const TileId& tile, const Bounds& box, const std::string& href,
+                    const std::string& region) {
   // The first column of tiles of the world is drawn above its neighbours.
   const int order = 2 * tile.level + (tile.column == 0 ? 1 : 0);
-  return "    <GroundOverlay>\n"
-         "      <drawOrder>" +
-         std::to_string(order) +
+  return "    <GroundOverlay>\n" + region + "      <drawOrder>" + std::to_string(order) +
          "</drawOrder>\n"
          "      <Icon>\n"
          "        <href>" +
-         std::to_string(tile.row) + "." + ExtensionOf(kind) +
+         href +
          "</href>\n"
          "      </Icon>\n"
          "      <LatLonBox>\n" +

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "tiler/mercator.h"
-#include "tiler/tile_kind.h"
 
 namespace tiler {
 
@@ -24,8 +23,10 @@ std::string Path(const TileId& tile);
 std::string Region(const Bounds& box, const PixelLimits& limits, const std::string& indent);
 // A view from above, so high that all of it is to be seen with a little around it.
 std::string LookFromAbove(const Bounds& degrees);
-// A tile's image, which lies beside the file.
-std::string Overlay(const TileId& tile, TileKind kind, const Bounds& box);
+// A tile's image. href: where it is from the file; region: an element with indent of six, empty where the
+// overlay takes that of the file.
+std::string Overlay(const TileId& tile, const Bounds& box, const std::string& href,
+                    const std::string& region = "");
 
 }  // namespace tiler
 

@@ -73,7 +73,7 @@ std::string TileKml(const TileId& tile, const std::vector<TileId>& finer) {
   const Bounds box = TileBoundsInDegrees(tile);
   std::string text = Head(Path(tile) + ".kml") + "\n" +
                      Region(box, {kLeastPixels, finer.empty() ? kForEver : kMostPixels}, "    ") +
-                     Overlay(tile, TileKind::kPng, box);
+                     Overlay(tile, box, std::to_string(tile.row) + ".png");
   for (const TileId& each : finer) text += Link(each, "../../");
   return text + kEnd + "\n    ";
 }

@@ -43,6 +43,18 @@ std::string Link(const TileId& tile, int least, const std::string& escapedUrl) {
          "    </NetworkLink>\n";
 }
 
+PixelLimits LimitsOf(const ShownTile& shown) {
+  return {shown.isCoarsest ? kLeastPixelsOfCoarsest : kLeastPixels, shown.isFinest        ? kForEver
+                                                                    : shown.isTranslucent ? kMostPixels
+                                                                                          : kMostPixelsBelow};
+}
+
+std::string Suffix(const ShownTile& shown) {
+  return std::string(".") + ExtensionOf(shown.kind);
+}
+
+// From a tile's file to the folder of the map.
+const std::string kUp = "../../";
 constexpr const char* kEnd = "  </Document>\n</kml>";
 
 }  // namespace
@@ -57,13 +69,22 @@ bool IsTranslucent(const Tile& pixels) {
   return 8 * half > visible;
 }
 
-std::string MapTileKml(const TileId& tile, const std::vector<TileId>& finer, const TileLook& look) {
-  const Bounds box = TileBoundsInDegrees(tile);
-  const int least = look.isCoarsest ? kLeastPixelsOfCoarsest : kLeastPixels;
-  const int most = look.isTranslucent ? kMostPixels : kMostPixelsBelow;
-  std::string text = Head(Path(tile), "") + Region(box, {least, finer.empty() ? kForEver : most}, "    ") +
-                     Overlay(tile, look.kind, box);
-  for (const TileId& each : finer) text += Link(each, kLeastPixels, "../../");
+bool BeginsFile(int level, int coarsest, int finest) {
+  return level == coarsest || (finest - level) % 2 == 1;
+}
+
+std::string MapTileKml(const std::vector<ShownTile>& shown, const std::vector<TileId>& linked) {
+  const TileId& own = shown.front().tile;
+  const Bounds ownBox = TileBoundsInDegrees(own);
+  std::string text = Head(Path(own), "") + Region(ownBox, LimitsOf(shown.front()), "    ") +
+                     Overlay(own, ownBox, std::to_string(own.row) + Suffix(shown.front()));
+  for (std::size_t i = 1; i < shown.size(); ++i) {
+    const TileId& tile = shown[i].tile;
+    const Bounds box = TileBoundsInDegrees(tile);
+    text +=
+        Overlay(tile, box, kUp + Path(tile) + Suffix(shown[i]), Region(box, LimitsOf(shown[i]), "      "));
+  }
+  for (const TileId& each : linked) text += Link(each, kLeastPixels, kUp);
   return text + kEnd + "\n";
 }
 

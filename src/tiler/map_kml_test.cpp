@@ -14,8 +14,12 @@ std::string Limits(int least, int most) {
          std::to_string(most) + "</maxLodPixels>";
 }
 
+ShownTile Finest(const TileId& tile, TileKind kind = TileKind::kPng) {
+  return {tile, kind, false, true, false};
+}
+
 TEST(MapTileKml, ShowsTheFinestTilesForEver) {
-  const std::string text = MapTileKml({18, 139430, 172265}, {}, {});
+  const std::string text = MapTileKml({Finest({18, 139430, 172265})}, {});
   EXPECT_TRUE(Has(text, "<name>18/139430/172265</name>"));
   EXPECT_TRUE(Has(text, Limits(128, -1)));
   EXPECT_TRUE(Has(text, "<drawOrder>36</drawOrder>\n      <Icon>\n        <href>172265.png</href>"));
@@ -23,18 +27,49 @@ TEST(MapTileKml, ShowsTheFinestTilesForEver) {
   EXPECT_TRUE(text.ends_with("  </Document>\n</kml>\n"));
 }
 
+TEST(MapTileKml, ShowsTheTilesBelowEachInItsRegion) {
+  const std::string text = MapTileKml({{{3, 0, 5}, TileKind::kJpeg, false, false, false},
+                                       Finest({4, 0, 11}),
+                                       Finest({4, 1, 10}, TileKind::kJpeg)},
+                                      {});
+  EXPECT_TRUE(Has(text, "<href>5.jpg</href>"));
+  EXPECT_TRUE(Has(text, "<href>../../4/0/11.png</href>"));
+  EXPECT_TRUE(Has(text, "<href>../../4/1/10.jpg</href>"));
+  EXPECT_TRUE(
+      Has(text,
+          "        <maxLodPixels>512</maxLodPixels>\n      </Lod>\n    </Region>\n    <GroundOverlay>\n"
+          "      <drawOrder>7</drawOrder>"));
+  EXPECT_TRUE(Has(text,
+                  "          <maxLodPixels>-1</maxLodPixels>\n        </Lod>\n      </Region>\n"
+                  "      <drawOrder>8</drawOrder>"));
+}
+
 TEST(MapTileKml, HidesATileBelowItsFinerOnes) {
   const std::vector<TileId> finer = {{4, 0, 11}, {4, 1, 10}};
-  const std::string opaque = MapTileKml({3, 0, 5}, finer, {});
+  const std::string opaque = MapTileKml({{{3, 0, 5}, TileKind::kPng, false, false, false}}, finer);
   EXPECT_TRUE(Has(opaque, Limits(128, 512)));
   EXPECT_TRUE(Has(opaque, "<href>../../4/0/11.kml</href>"));
   EXPECT_TRUE(Has(opaque, "<href>../../4/1/10.kml</href>"));
   // Both would be seen at the same time.
-  EXPECT_TRUE(Has(MapTileKml({3, 0, 5}, finer, {TileKind::kPng, false, true}), Limits(128, 256)));
+  EXPECT_TRUE(Has(MapTileKml({{{3, 0, 5}, TileKind::kPng, false, false, true}}, finer), Limits(128, 256)));
 }
 
 TEST(MapTileKml, ShowsTheCoarsestTilesFromAfar) {
-  EXPECT_TRUE(Has(MapTileKml({3, 0, 5}, {}, {TileKind::kPng, true, false}), Limits(16, -1)));
+  EXPECT_TRUE(Has(MapTileKml({{{3, 0, 5}, TileKind::kPng, true, true, false}}, {}), Limits(16, -1)));
+}
+
+TEST(BeginsFile, IsEachSecondLevelFromTheFinestAndTheCoarsest) {
+  const auto files = [](int coarsest, int finest) {
+    std::vector<int> levels;
+    for (int level = coarsest; level <= finest; ++level) {
+      if (BeginsFile(level, coarsest, finest)) levels.push_back(level);
+    }
+    return levels;
+  };
+  EXPECT_EQ(files(14, 19), (std::vector{14, 16, 18}));
+  EXPECT_EQ(files(14, 18), (std::vector{14, 15, 17}));
+  EXPECT_EQ(files(14, 15), (std::vector{14}));
+  EXPECT_EQ(files(14, 14), (std::vector{14}));
 }
 
 TEST(MapRootKml, LooksAtTheMapFromAbove) {

@@ -13,7 +13,6 @@
 #include "tiler/decoded_tile.h"
 #include "tiler/exact_tile.h"
 #include "tiler/kml_text.h"
-#include "tiler/map_kml.h"
 #include "tiler/output_folder.h"
 #include "tiler/run_log.h"
 #include "tiler/tile_encoder.h"
@@ -51,13 +50,14 @@ class PyramidCutter::Worker {
       pixels = AsWritten(Make(unit));
       m_cutter.m_journal.Add(unit, m_checksum);
     }
-    std::array<Quarter, 4> quarters;
-    while (m_cutter.m_plan.Makes(Above(tile)) && m_cutter.IsComplete(tile, Halved(pixels), quarters)) {
+    Parts parts;
+    while (m_cutter.m_plan.Makes(Above(tile)) &&
+           m_cutter.IsComplete(Shown(tile, pixels), Halved(pixels), parts)) {
       tile = Above(tile);
-      pixels = JoinedTile(quarters);
+      pixels = JoinedTile(parts.quarters);
       if (IsThere(tile)) continue;
       m_checksum = 0;
-      Write(tile, pixels);
+      Write(tile, pixels, parts);
       m_cutter.m_journal.Add(tile, m_checksum);
     }
   }
@@ -100,9 +100,10 @@ class PyramidCutter::Worker {
       auto content = m_cutter.m_output.ReadTile(tile, ExtensionOf(kind));
       if (!content) continue;
       m_content = std::move(*content);
+      m_image = {kind, m_content};
       AddToChecksum(m_content);
       m_cutter.Note(tile, kind);
-      if (!m_cutter.m_kml) return true;
+      if (!m_cutter.HasDocument(tile)) return true;
       const auto document = m_cutter.m_output.ReadTile(tile, kDocument);
       if (document) AddToChecksum(*document);
       return document.has_value();
@@ -118,46 +119,64 @@ class PyramidCutter::Worker {
   Tile Make(const TileId& tile) {
     if (m_cutter.IsOver()) throw Stopped();
     Tile pixels;
+    Parts parts;
     if (tile.level == m_cutter.m_pyramid.Finest()) {
       pixels = m_reader->Read(tile);
     } else {
-      std::array<Quarter, 4> quarters;
       for (const TileId& each : m_cutter.m_plan.Finer(tile)) {
-        quarters[PlaceInAbove(each)] = Halved(Make(each));
+        const Tile below = Make(each);
+        parts.quarters[PlaceInAbove(each)] = Halved(below);
+        parts.shown[PlaceInAbove(each)] = Shown(each, below);
       }
-      pixels = JoinedTile(quarters);
+      pixels = JoinedTile(parts.quarters);
     }
-    Write(tile, pixels);
+    Write(tile, pixels, parts);
     return pixels;
+  }
+
+  // Of the tile that was written or read last.
+  ShownTile Shown(const TileId& tile, const Tile& pixels) const {
+    const bool isFinest = tile.level == m_cutter.m_pyramid.Finest();
+    const bool isCoarsest = tile.level == m_cutter.m_pyramid.Coarsest();
+    return {tile, m_image.kind, isCoarsest, isFinest, !isFinest && m_cutter.m_kml && IsTranslucent(pixels)};
   }
 
   Quarter Halved(const Tile& tile) const {
     return m_cutter.m_view.exact ? HalvedByOpacity(tile) : HalvedTile(tile);
   }
 
-  void Write(const TileId& tile, const Tile& pixels) {
+  void Write(const TileId& tile, const Tile& pixels, const Parts& parts) {
     m_image = m_encoder.Encode(pixels);
     WriteFile(tile, ExtensionOf(m_image.kind), m_image.content);
-    if (m_cutter.m_kml) WriteFile(tile, kDocument, Document(tile, pixels));
+    if (m_cutter.HasDocument(tile)) WriteFile(tile, kDocument, Document(Shown(tile, pixels), parts));
     if (m_cutter.m_wasInUse) RemoveOldFiles(tile);
     m_cutter.Note(tile, m_image.kind);
     m_cutter.TellDone();
   }
 
-  // Of a map that had tiles of other kinds: who takes the folder for what it is now has no use for them.
+  // Of a map that had other files: who takes the folder for what it is now has no use for them.
   void RemoveOldFiles(const TileId& tile) {
     for (const TileKind kind : {TileKind::kPng, TileKind::kJpeg, TileKind::kWebp}) {
       if (kind != m_image.kind) m_cutter.m_output.RemoveTile(tile, ExtensionOf(kind));
     }
-    if (!m_cutter.m_kml) m_cutter.m_output.RemoveTile(tile, kDocument);
+    if (!m_cutter.HasDocument(tile)) m_cutter.m_output.RemoveTile(tile, kDocument);
   }
 
-  std::string Document(const TileId& tile, const Tile& pixels) const {
-    const std::vector<TileId> finer = m_cutter.m_plan.Finer(tile);
-    if (!m_cutter.m_view.exact) return TileKml(tile, finer);
-    return MapTileKml(
-        tile, finer,
-        {m_image.kind, tile.level == m_cutter.m_pyramid.Coarsest(), !finer.empty() && IsTranslucent(pixels)});
+  std::string Document(const ShownTile& own, const Parts& parts) const {
+    const std::vector<TileId> finer = m_cutter.m_plan.Finer(own.tile);
+    if (!m_cutter.m_view.exact) return TileKml(own.tile, finer);
+    std::vector<ShownTile> shown = {own};
+    std::vector<TileId> linked;
+    for (const TileId& each : finer) {
+      if (m_cutter.HasDocument(each)) {
+        linked.push_back(each);
+        continue;
+      }
+      shown.push_back(parts.shown[PlaceInAbove(each)]);
+      const std::vector<TileId> below = m_cutter.m_plan.Finer(each);
+      linked.insert(linked.end(), below.begin(), below.end());
+    }
+    return MapTileKml(shown, linked);
   }
 
   // What a later run would read of the tile that was written last, so that it goes on with the same.
@@ -176,7 +195,7 @@ class PyramidCutter::Worker {
   PyramidCutter& m_cutter;
   std::unique_ptr<TileReader> m_reader;
   TileEncoder m_encoder;
-  EncodedTile m_image;           // the one that was written last
+  EncodedTile m_image;           // the one that was written or read last
   std::uint32_t m_checksum = 0;  // of the files of a unit
   std::int64_t m_taken = 0;      // tiles of a unit that was finished before
   std::string m_content;
@@ -232,6 +251,10 @@ void PyramidCutter::Fail() {
   m_failed = true;
 }
 
+bool PyramidCutter::HasDocument(const TileId& tile) const {
+  return m_kml && (!m_view.exact || BeginsFile(tile.level, m_pyramid.Coarsest(), m_pyramid.Finest()));
+}
+
 void PyramidCutter::CreateFolders() const {
   for (int level = m_pyramid.Coarsest(); level <= m_pyramid.Finest(); ++level) {
     const TileRange& range = m_pyramid.Range(level);
@@ -249,14 +272,15 @@ void PyramidCutter::Note(const TileId& tile, TileKind kind) {
   m_kinds.Set(tile, kind);
 }
 
-bool PyramidCutter::IsComplete(const TileId& tile, Quarter quarter, std::array<Quarter, 4>& quarters) {
-  const TileId above = Above(tile);
+bool PyramidCutter::IsComplete(const ShownTile& shown, Quarter quarter, Parts& parts) {
+  const TileId above = Above(shown.tile);
   const std::size_t needed = m_plan.Finer(above).size();
   const std::lock_guard lock(m_mutex);
   Waiting& waiting = m_waiting[above];
-  waiting.quarters[PlaceInAbove(tile)] = std::move(quarter);
+  waiting.parts.quarters[PlaceInAbove(shown.tile)] = std::move(quarter);
+  waiting.parts.shown[PlaceInAbove(shown.tile)] = shown;
   if (++waiting.count < needed) return false;
-  quarters = std::move(waiting.quarters);
+  parts = std::move(waiting.parts);
   m_waiting.erase(above);
   return true;
 }

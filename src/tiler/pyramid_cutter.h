@@ -10,6 +10,7 @@
 #include <mutex>
 #include <vector>
 
+#include "tiler/map_kml.h"
 #include "tiler/map_view.h"
 #include "tiler/tile_kinds.h"
 #include "tiler/tile_pixels.h"
@@ -45,21 +46,27 @@ class PyramidCutter {
  private:
   class Worker;
 
-  // What has come for the tile above, in the order of JoinedTile. It waits for the row below in wide images,
-  // so it is kept at the size that is needed.
-  struct Waiting {
+  // What a tile needs of the four that it stands for, in the order of JoinedTile.
+  struct Parts {
     std::array<Quarter, 4> quarters;
+    std::array<ShownTile, 4> shown;
+  };
+  // What has come of it. It waits for the row below in wide images, so it is kept at the size that is needed.
+  struct Waiting {
+    Parts parts;
     std::size_t count = 0;
   };
 
+  // Whether there is a document beside the tile.
+  bool HasDocument(const TileId& tile) const;
   void CreateFolders() const;
   void Work();
   void Fail();
   bool IsOver() const { return m_failed || *m_stop; }
   void TellDone();
   void Note(const TileId& tile, TileKind kind);
-  // Takes what a tile is in the one above it; when it was the last of them, moves them all to quarters.
-  bool IsComplete(const TileId& tile, Quarter quarter, std::array<Quarter, 4>& quarters);
+  // Takes what the one above needs of a tile; when it was the last of them, moves them all to parts.
+  bool IsComplete(const ShownTile& shown, Quarter quarter, Parts& parts);
 
   const MapView& m_view;
   const Pyramid& m_pyramid;
