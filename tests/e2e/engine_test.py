@@ -44,6 +44,23 @@ class Engine(ToolFolderTest):
                 self.assertGreater(len(found), 1000)
                 self.assertEqual(found <= colours, is_one_of_them)
 
+    def test_makes_small_tiles_where_they_are_asked_for(self):
+        make_raster(self.own, pixels=noise(900, 800))
+        run = self.run_job("--tiles", "auto", self.own)
+        self.assertEqual((run.code, run.errors), (0, []), run)
+        self.assert_links_resolve(self.job.target)
+        suffixes = {path.suffix for path in self.job.target.glob("*/*/*")}
+        self.assertEqual(suffixes, {".jpg", ".png", ".kml"})
+
+    def test_makes_pages_alone_of_webp(self):
+        self.assertEqual(self.run_job(self.own).code, 0)
+        run = self.run_job("--overwrite", "yes", "--tiles=webp", self.own)
+        self.assertEqual((run.code, run.errors), (0, []), run)
+        reason = "no KML is made, because Google Earth does not show WebP images"
+        self.assertIn(f"- {windows_path(self.own)}: {reason}", run.output)
+        self.assertEqual({path.suffix for path in self.job.target.glob("*/*/*")}, {".webp"})
+        self.assertEqual(list(self.job.target.glob("*.kml")), [], "of the earlier job")
+
     def test_is_called_as_the_script_is(self):
         self.replace_tool(self.stage, ENGINE)
         self.run_job()
