@@ -20,7 +20,13 @@ if(MOSAICON_FUZZ)
   target_compile_options(mosaicon_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
+# Neither where this checkout is nor when it was built is told by what is built.
+target_compile_options(mosaicon_options INTERFACE
+  $<$<COMPILE_LANGUAGE:C,CXX>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>)
 if(WIN32)
+  target_link_options(mosaicon_options INTERFACE -Wl,--no-insert-timestamp)
+  # With line numbers, for reports of crashes; packages keep them in an archive of their own.
+  target_compile_options(mosaicon_options INTERFACE $<$<AND:$<CONFIG:Release>,$<COMPILE_LANGUAGE:C,CXX>>:-g1>)
   # The 8-bit API throughout; the rest keeps windows.h small and its macros away from our names.
   target_compile_definitions(mosaicon_options INTERFACE
     _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN NOMINMAX)
