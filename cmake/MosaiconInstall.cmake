@@ -8,6 +8,15 @@ if(NOT WIN32)
   return()
 endif()
 
+# What is laid out, and what drives it: all that ./run needs.
+add_custom_target(programs)
+add_dependencies(programs crashrpt crashsender mosaicon mosaicon-batch mosaicon-tiler)
+foreach(target drive_window wine_python)
+  if(TARGET ${target})
+    add_dependencies(programs ${target})
+  endif()
+endforeach()
+
 install(PROGRAMS
   ${MOSAICON_GDAL_ROOT}/bin/gdal_translate.exe
   ${MOSAICON_GDAL_ROOT}/bin/gdalwarp.exe

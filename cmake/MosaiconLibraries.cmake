@@ -11,6 +11,8 @@ if(WIN32)
     # An MSYS2 shell names the folder of its packages.
     file(TO_CMAKE_PATH "$ENV{MSYSTEM_PREFIX}" MOSAICON_GDAL_ROOT)
   endif()
+  # For who packages the result.
+  set(MOSAICON_GDAL_ROOT_FOUND "${MOSAICON_GDAL_ROOT}" CACHE INTERNAL "")
   list(PREPEND CMAKE_FIND_ROOT_PATH ${MOSAICON_GDAL_ROOT})
   list(PREPEND CMAKE_PREFIX_PATH ${MOSAICON_GDAL_ROOT})
 endif()

@@ -30,7 +30,7 @@ as_root() {
 packages=(
   ca-certificates git ccache cmake ninja-build make g++ g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64
   clang clang-format clang-tidy libclang-rt-14-dev googletest black python3-flake8 shellcheck
-  dpkg-dev nasm tcl sqlite3
+  dpkg-dev nasm tcl sqlite3 nsis osslsigncode
   libgdal-dev libdeflate-dev gdal-bin python3 python3-gdal python3-numpy
   wine wine64 fonts-wine xvfb xauth procps
   chromium-headless-shell libjs-leaflet libpam-modules openssl perl python3-pyftpdlib util-linux
@@ -180,15 +180,15 @@ fetch_sample() {
     mv "$folder/part.tif" "$folder/landsat.tif"
 }
 
-# build_preset PRESET: configures and builds; the compiler's words are shown when it fails. What was
+# build_preset PRESET [TARGET]: configures and builds; the compiler's words are shown when it fails. What was
 # compiled before, in whatever checkout, is not compiled again.
 build_preset() {
-  local preset=$1 log=$top/build/$1.log
+  local preset=$1 target=${2:-all} log=$top/build/$1.log
   export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
   export CCACHE_DIR=$cache/ccache CCACHE_BASEDIR=$top CCACHE_NOHASHDIR=1 CCACHE_MAXSIZE=2G
   say "building $preset"
   mkdir -p "$top/build"
-  (cd "$top" && cmake --preset "$preset" && cmake --build --preset "$preset") > "$log" 2>&1 8>&- ||
+  (cd "$top" && cmake --preset "$preset" && cmake --build --preset "$preset" --target "$target") > "$log" 2>&1 8>&- ||
     { tail -n 40 "$log" >&2; die "building $preset failed, see $log"; }
 }
 

@@ -265,9 +265,7 @@ def without_skipped_documents(paths):
     """The engine's KML files hold two levels each, counted from the finest."""
     levels = {int(path.split("/")[0]) for path in paths if path.endswith(".png")}
     skipped = {level for level in levels - {min(levels)} if (max(levels) - level) % 2 == 0}
-    return {
-        path for path in paths if not (path.endswith(".kml") and path.split("/")[0] in map(str, skipped))
-    }
+    return {path for path in paths if not (path.endswith(".kml") and path.split("/")[0] in map(str, skipped))}
 
 
 def files_below(folder):
