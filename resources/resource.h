@@ -54,6 +54,7 @@
 #define IDC_SHOW_FINISHED_MAP 1073
 #define IDC_TILES_EXACT 1074
 #define IDC_TILES_SMALL 1075
+#define IDC_INPUT_SUMMARY 1076
 
 // Completion report
 #define IDC_WORK_TIME 1019

@@ -183,6 +183,7 @@ tiler::TileFormat CMosaiconDlg::ChosenTiles() const {
 
 void CMosaiconDlg::OnTiles() {
   SaveTiles(ChosenTiles());
+  ShowSummary();
 }
 
 void CMosaiconDlg::OnHelpWebServer() {

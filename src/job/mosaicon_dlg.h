@@ -99,6 +99,7 @@ class CMosaiconDlg : public CDialogEx, private JobHost {
   void SetFolderMode(bool folderMode);
   void ShowInputList(const std::string& inputList);
   void ShowInputPath(const std::string& path, bool folderMode);
+  void ShowSummary();
   void Scan(const std::string& path, MessageSink& messages);
   bool ScanTypedPath();
   void ScanForJob();

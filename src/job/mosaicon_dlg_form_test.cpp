@@ -46,6 +46,9 @@ constexpr Control kControls[] = {
     {IDC_TILES_EXACT, "Button", "Tiles: exact (PNG)"},
     {IDC_TILES_SMALL, "Button", "Tiles: small (JPEG)"},
     {IDC_SHOW_FINISHED_MAP, "Button", "Show the finished map"},
+    {IDC_INPUT_SUMMARY, "Static",
+     "Choose an orthophoto, or tick \"Pick Folder\" and choose a folder of them.\n"
+     "Then name a target folder and press Start."},
     {IDC_CHECK_UPDATES, "Button", "Check updates on Kovel Software FTP"},
 };
 

@@ -1,6 +1,7 @@
 // The main dialog: choosing the orthophotos, by browsing, typing or dropping.
 #include "job/dropped_files.h"
 #include "job/input_list.h"
+#include "job/input_summary.h"
 #include "job/mosaicon_dlg.h"
 #include "mfc/wait_cursor.h"
 #include "resources/resource.h"
@@ -23,6 +24,15 @@ void CMosaiconDlg::ShowInputList(const std::string& inputList) {
   m_strScannedPath = input.shownPath;
   m_vOrthophotos = std::move(input.orthophotos);
   ShowInputPath(input.shownPath, input.folderMode);
+  ShowSummary();
+}
+
+// Before a job, so that nobody has to start one to learn that the wrong file was chosen, or what it will
+// take.
+void CMosaiconDlg::ShowSummary() {
+  const bool isChosen = !m_orthophoto.GetWindowText().empty();
+  SetDlgItemText(IDC_INPUT_SUMMARY,
+                 SummaryOf(isChosen ? m_vOrthophotos : std::vector<CTifData>(), ChosenTiles()));
 }
 
 void CMosaiconDlg::ShowInputPath(const std::string& path, bool folderMode) {
@@ -56,6 +66,7 @@ void CMosaiconDlg::OnPickFolder() {
   SetFolderMode(IsDlgButtonChecked(IDC_PICK_FOLDER) != FALSE);
   m_orthophoto.SetWindowText("");
   m_strScannedPath.clear();
+  ShowSummary();
 }
 
 void CMosaiconDlg::Scan(const std::string& path, MessageSink& messages) {
@@ -63,6 +74,7 @@ void CMosaiconDlg::Scan(const std::string& path, MessageSink& messages) {
   m_strScannedPath = path;
   const CWaitCursor wait;
   ScanInput(path, IsDlgButtonChecked(IDC_PICK_FOLDER) != FALSE, m_files, messages, m_vOrthophotos);
+  if (!m_bClosed) ShowSummary();
 }
 
 // Looks at what the field says, unless the list was made from that; false then.

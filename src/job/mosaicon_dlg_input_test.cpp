@@ -56,6 +56,21 @@ TEST_F(Input, OfTheCommandLineIsMadeAbsolute) {
        "a.tif|b.tif");
 }
 
+TEST_F(Input, IsToldOfBeforeAJob) {
+  MakeOrthophoto("a.tif");
+  const auto telling = [this](const std::string& part) {
+    return [this, part] {
+      EXPECT_NE(Text(IDC_INPUT_SUMMARY).find(part), std::string::npos) << Text(IDC_INPUT_SUMMARY);
+      return true;
+    };
+  };
+  Work({telling(" pixels of "), telling("\nThe map: zoom level"), Posting(IDC_PICK_FOLDER),
+        telling("Choose an orthophoto")},
+       "a.tif");
+  MakeOrthophoto("b.tif");
+  Work({telling("2 orthophotos with pixels of ")}, "a.tif|b.tif");
+}
+
 // Its text is shown, without a message; Start tells that it cannot be used.
 TEST_F(Input, OfTheCommandLineThatCannotBeReadIsShown) {
   Work({Expecting(IDC_ORTHOPHOTO, m_folder.Path("none.tif")), Posting(IDC_START),

@@ -109,6 +109,7 @@ void CMosaiconDlg::RestoreForm() {
                    settings.tiles == tiler::TileFormat::kAuto ? IDC_TILES_SMALL : IDC_TILES_EXACT);
   CheckDlgButton(IDC_WEB_OUTPUT, settings.webOutput);
   EnableWindow(GetDlgItem(IDC_TARGET_URL), settings.webOutput);
+  ShowSummary();
 }
 
 void CMosaiconDlg::SetFolderMode(bool folderMode) {

@@ -15,7 +15,11 @@ bool ReadTifData(const std::string& path, CTifData& data) {
   if (DialogTest::s_onRead) DialogTest::s_onRead();
   if (!FileExists(path) || ReadFile(path) != kOrthophoto) return false;
   data.m_strFileName = path;
-  data.m_vCorners.resize(4);
+  // 600 x 500 pixels of half a metre.
+  data.m_vCorners = {{0, 0, 10.39548, 50.00392, 600000, 5540000},
+                     {0, 500, 10.39541, 50.00168, 600000, 5539750},
+                     {600, 0, 10.39966, 50.00387, 600300, 5540000},
+                     {600, 500, 10.39960, 50.00163, 600300, 5539750}};
   data.m_strTargetEPSG = kZone;
   data.m_strSourceEPSG = DialogTest::s_strSourceCode;
   return true;
