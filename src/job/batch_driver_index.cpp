@@ -9,8 +9,8 @@
 
 namespace {
 
-// In bytes. The tiler's pages are smaller.
-constexpr size_t kMaxPage = 4 << 20;
+// In bytes. The tiler's pages are smaller, and so is the index of thousands of them.
+constexpr size_t kMaxPage = 64 << 20;
 
 // The rules by which the upload's survey of a server sorts names know documents by "kml" in small letters.
 // This one is none of a map.
