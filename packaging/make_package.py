@@ -14,6 +14,7 @@ import re
 import shutil
 import subprocess
 import sys
+import tempfile
 import time
 import zipfile
 
@@ -88,10 +89,15 @@ def write_texts(build, stage, version):
 def sign(path, certificate):
     """Replaces the file by a signed one."""
     signed = path.with_name(path.name + ".signed")
-    password = os.environ.get("MOSAICON_CERTIFICATE_PASSWORD", "")
     url = constant("kMakerWebAddress")
-    command = ["osslsigncode", "sign", "-pkcs12", certificate, "-pass", password, "-h", "sha256"]
-    run(*command, "-n", "Mosaicon", "-i", url, "-in", path, "-out", signed)
+    # Who looks at running programs sees their arguments.
+    with tempfile.NamedTemporaryFile("w") as password:
+        password.write(os.environ.get("MOSAICON_CERTIFICATE_PASSWORD", ""))
+        password.flush()
+        command = ["osslsigncode", "sign", "-pkcs12", certificate, "-readpass", password.name, "-h", "sha256"]
+        timestamp = os.environ.get("MOSAICON_TIMESTAMP_URL")
+        command += ["-ts", timestamp] if timestamp else []
+        run(*command, "-n", "Mosaicon", "-i", url, "-in", path, "-out", signed)
     signed.replace(path)
 
 
@@ -107,17 +113,21 @@ def write_zip(archive, folder, prefix, seconds):
             target.writestr(entry, b"" if path.is_dir() else path.read_bytes(), compresslevel=9)
 
 
-def write_removals(stage, path):
-    """What the uninstaller does with the files of this version; folders last, where they are empty."""
+def write_includes(stage, removals, checks):
+    """For the setup: the removal of the files of this version, and then of folders where they are empty; and
+    whether one of them is there."""
     inside = sorted(stage.rglob("*"), reverse=True)
     names = ["$INSTDIR\\" + str(each.relative_to(stage)).replace("/", "\\") for each in inside]
     lines = [f'Delete "{name}"' for name, each in zip(names, inside) if each.is_file()]
+    lines += ["IfErrors 0 +2", "StrCpy $R1 1"]
     lines += [f'RMDir "{name}"' for name, each in zip(names, inside) if each.is_dir()]
-    path.write_text("\n".join(lines) + "\n")
+    removals.write_text("\n".join(lines) + "\n")
+    lines = [f'IfFileExists "{name}" Taken' for name, each in zip(names, inside) if each.is_file()]
+    checks.write_text("\n".join(lines) + "\n")
 
 
 def make_setup(stage, setup, work, version, seconds):
-    write_removals(stage, work / "removals.nsh")
+    write_includes(stage, work / "removals.nsh", work / "checks.nsh")
     for path in [*stage.rglob("*"), stage]:
         os.utime(path, (seconds, seconds))
     size = sum(path.stat().st_size for path in stage.rglob("*") if path.is_file())
@@ -129,6 +139,7 @@ def make_setup(stage, setup, work, version, seconds):
         "WEB": constant("kMakerWebAddress"),
         "STAGE": stage,
         "FILES": work / "removals.nsh",
+        "CHECKS": work / "checks.nsh",
         "ICON": TOP / "resources" / "mosaicon.ico",
         "OUTPUT": setup,
     }

@@ -1,10 +1,11 @@
 ; The setup program. makensis gets, as definitions:
 ;   VERSION, VERSION4 (four numbers), SIZE (kilobytes), MAKER, WEB, STAGE (folder with what is installed),
-;   FILES (an include file that removes just that), OUTPUT
+;   FILES (an include file that removes just that), CHECKS (one that goes to Taken when any of it is there),
+;   ICON, OUTPUT
 ;
 ; Without a question: /S, with /D=FOLDER as the last argument. Besides: /ALLUSERS, /DESKTOP (icon),
 ; /EXPLORER (menu entry for .tif files). Exit codes: 0 done, 1 cancelled, 2 something failed, 3 Mosaicon is
-; running, 4 no administrator rights for /ALLUSERS.
+; running, 4 it is a matter for an administrator.
 ; The uninstaller: /S keeps settings and crash reports, /PURGE removes them too.
 Unicode true
 Target amd64-unicode
@@ -30,6 +31,8 @@ AllowRootDirInstall false
 !define MENUS "Software\Classes\SystemFileAssociations"
 
 Name "Mosaicon"
+; Who chooses another folder by "Browse..." gets one of this name in it.
+InstallDir "$LOCALAPPDATA\Programs\Mosaicon"
 OutFile "${OUTPUT}"
 BrandingText "Mosaicon ${VERSION}"
 VIProductVersion "${VERSION4}"
@@ -56,10 +59,12 @@ Var WelcomeText
 !insertmacro MUI_PAGE_WELCOME
 !insertmacro MUI_PAGE_LICENSE "${STAGE}\LICENSE.txt"
 Page custom AskForWhom LeaveForWhom
+!define MUI_PAGE_CUSTOMFUNCTION_LEAVE LeaveFolder
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_COMPONENTS
 !insertmacro MUI_PAGE_INSTFILES
-!define MUI_FINISHPAGE_RUN "$INSTDIR\Mosaicon.exe"
+!define MUI_FINISHPAGE_RUN
+!define MUI_FINISHPAGE_RUN_FUNCTION StartProgram
 !define MUI_FINISHPAGE_RUN_TEXT "Start Mosaicon"
 !insertmacro MUI_PAGE_FINISH
 !insertmacro MUI_UNPAGE_CONFIRM
@@ -90,15 +95,63 @@ Function FindOldVersion
   ReadRegStr $OldVersion SHCTX "${UNINSTALL}" "DisplayVersion"
   IfFileExists "$OldFolder\uninstall.exe" +2
   StrCpy $OldFolder ""
-  ${If} $INSTDIR == ""
+  ; As it was set above: nobody has asked for a folder.
+  ${If} $INSTDIR == "$LOCALAPPDATA\Programs\Mosaicon"
     ${If} $OldFolder != ""
       StrCpy $INSTDIR $OldFolder
     ${ElseIf} $AllUsers == 1
       StrCpy $INSTDIR "$PROGRAMFILES64\Mosaicon"
-    ${Else}
-      StrCpy $INSTDIR "$LOCALAPPDATA\Programs\Mosaicon"
     ${EndIf}
   ${EndIf}
+FunctionEnd
+
+; An installation for all users is not to get a second one beside it. The setup is started again with the
+; rights for it.
+Function LookForAllUsers
+  ${If} $AllUsers == 1
+  ${OrIf} $OldFolder != ""
+    Return
+  ${EndIf}
+  ReadRegStr $0 HKLM "${UNINSTALL}" "InstallLocation"
+  ${If} $0 == ""
+  ${OrIfNot} ${FileExists} "$0\uninstall.exe"
+    Return
+  ${EndIf}
+  ${If} ${Silent}
+    SetErrorLevel 4
+    Quit
+  ${EndIf}
+  MessageBox MB_OKCANCEL|MB_ICONINFORMATION "Mosaicon is installed for all users of this computer. To replace it, an administrator has to agree." IDOK +3
+  SetErrorLevel 1
+  Quit
+  ExecShell "runas" "$EXEPATH" "/ALLUSERS"
+  Quit
+FunctionEnd
+
+; What is in the way of an installation into the folder; empty: nothing. Nothing of the user's is written over.
+Function ProblemOfFolder
+  StrCpy $0 ""
+  ${If} $INSTDIR == $OldFolder
+  ${OrIf} ${FileExists} "$INSTDIR\Mosaicon.exe"
+    Return
+  ${EndIf}
+  !include "${CHECKS}"
+  Return
+Taken:
+  StrCpy $0 "The folder $INSTDIR holds other files that would be written over. Please choose another one."
+FunctionEnd
+
+Function LeaveFolder
+  Call ProblemOfFolder
+  ${If} $0 != ""
+    MessageBox MB_OK|MB_ICONEXCLAMATION "$0"
+    Abort
+  ${EndIf}
+FunctionEnd
+
+; As the user, whoever installs.
+Function StartProgram
+  Exec '"$WINDIR\explorer.exe" "$INSTDIR\Mosaicon.exe"'
 FunctionEnd
 
 Function .onInit
@@ -120,6 +173,7 @@ Function .onInit
     ${EndIf}
   ${EndIf}
   Call FindOldVersion
+  Call LookForAllUsers
   Call ChooseSections
   ${If} $OldFolder == ""
     StrCpy $WelcomeText "This installs Mosaicon, which makes maps for Google Earth and the web of your orthophotos."
@@ -222,24 +276,20 @@ Section "Mosaicon" Program
   SectionIn RO
   !insertmacro ChooseUsers
   !insertmacro WaitUntilEnded "" "$INSTDIR"
-  ; Files that this version no longer has. The uninstaller runs where it is and not in a copy, so it can be
-  ; waited for.
+  Call ProblemOfFolder
+  ${If} $0 != ""
+    !insertmacro FailWith 2 "$0"
+  ${EndIf}
+  ; Takes away what this version may no longer have. The uninstaller runs where it is and not in a copy, so it
+  ; can be waited for. One that does not work is no reason to keep the old files.
   ${If} $OldFolder != ""
     !insertmacro WaitUntilEnded "" "$OldFolder"
-    ExecWait '"$OldFolder\uninstall.exe" /S /UPGRADE _?=$OldFolder' $0
-    ${If} $0 != 0
-      !insertmacro FailWith 2 "The older version in $OldFolder could not be removed."
-    ${EndIf}
-    Delete "$OldFolder\uninstall.exe"
-    RMDir "$OldFolder"
+    ExecWait '"$OldFolder\uninstall.exe" /S /UPGRADE _?=$OldFolder'
   ${EndIf}
+  ; Before the files: whatever happens, it can be repaired and removed.
   ClearErrors
   SetOutPath "$INSTDIR"
-  File /r "${STAGE}\*.*"
   WriteUninstaller "$INSTDIR\uninstall.exe"
-  ${If} ${Errors}
-    !insertmacro FailWith 2 "Not all files could be written to $INSTDIR."
-  ${EndIf}
   CreateShortCut "$SMPROGRAMS\Mosaicon.lnk" "$INSTDIR\Mosaicon.exe" "" "" "" "" "" "Makes maps of orthophotos"
   WriteRegStr SHCTX "${UNINSTALL}" "DisplayName" "Mosaicon"
   WriteRegStr SHCTX "${UNINSTALL}" "DisplayVersion" "${VERSION}"
@@ -250,13 +300,23 @@ Section "Mosaicon" Program
   WriteRegDWORD SHCTX "${UNINSTALL}" "EstimatedSize" ${SIZE}
   WriteRegDWORD SHCTX "${UNINSTALL}" "NoModify" 1
   WriteRegDWORD SHCTX "${UNINSTALL}" "NoRepair" 1
-  ${If} $AllUsers == 1
-    StrCpy $0 " /ALLUSERS"
-  ${Else}
-    StrCpy $0 ""
+  WriteRegStr SHCTX "${UNINSTALL}" "UninstallString" '"$INSTDIR\uninstall.exe"'
+  WriteRegStr SHCTX "${UNINSTALL}" "QuietUninstallString" '"$INSTDIR\uninstall.exe" /S'
+  ; Both are made anew where they are wanted.
+  Delete "$DESKTOP\Mosaicon.lnk"
+  DeleteRegKey SHCTX "${MENUS}\.tif\shell\Mosaicon"
+  DeleteRegKey SHCTX "${MENUS}\.tiff\shell\Mosaicon"
+  ClearErrors
+  File /r "${STAGE}\*.*"
+  ${If} ${Errors}
+  ${OrIfNot} ${FileExists} "$INSTDIR\uninstall.exe"
+    !insertmacro FailWith 2 "Not all files could be written to $INSTDIR."
   ${EndIf}
-  WriteRegStr SHCTX "${UNINSTALL}" "UninstallString" '"$INSTDIR\uninstall.exe"$0'
-  WriteRegStr SHCTX "${UNINSTALL}" "QuietUninstallString" '"$INSTDIR\uninstall.exe"$0 /S'
+  ${If} $OldFolder != ""
+  ${AndIf} $OldFolder != $INSTDIR
+    Delete "$OldFolder\uninstall.exe"
+    RMDir "$OldFolder"
+  ${EndIf}
 SectionEnd
 
 Section /o "Icon on the desktop" Desktop
@@ -299,25 +359,43 @@ FunctionEnd
 
 ; ---- Removing ----
 
+; Whose installation it is says the list of installed programs, whoever has started this.
 Function un.onInit
   SetRegView 64
-  ${GetParameters} $0
-  ClearErrors
-  ${GetOptions} $0 "/ALLUSERS" $1
-  StrCpy $AllUsers 1
-  IfErrors 0 +2
   StrCpy $AllUsers 0
+  ReadRegStr $0 HKCU "${UNINSTALL}" "InstallLocation"
+  ReadRegStr $1 HKLM "${UNINSTALL}" "InstallLocation"
+  ${If} $0 != $INSTDIR
+  ${AndIf} $1 == $INSTDIR
+    StrCpy $AllUsers 1
+  ${EndIf}
   !insertmacro ChooseUsers
+  UserInfo::GetAccountType
+  Pop $0
+  ${If} $AllUsers == 1
+  ${AndIf} $0 != "Admin"
+    ${If} ${Silent}
+      SetErrorLevel 4
+      Quit
+    ${EndIf}
+    ExecShell "runas" "$INSTDIR\uninstall.exe"
+    Quit
+  ${EndIf}
 FunctionEnd
 
 Section "Uninstall"
   !insertmacro WaitUntilEnded "un." "$INSTDIR"
   ${GetParameters} $R0
-  ; Only what was installed: the folder may hold maps of the user's.
+  ; Only what was installed: the folder may hold maps of the user's. $R1: whether a file could not be removed.
+  StrCpy $R1 0
+  ClearErrors
   !include "${FILES}"
   ClearErrors
   ${GetOptions} $R0 "/UPGRADE" $1
   IfErrors 0 Done
+  ${If} $R1 == 1
+    !insertmacro FailWith 2 "Not all files could be removed. Please close the programs that use them, and try again."
+  ${EndIf}
   Delete "$INSTDIR\uninstall.exe"
   RMDir "$INSTDIR"
   Delete "$SMPROGRAMS\Mosaicon.lnk"

@@ -28,7 +28,8 @@ FOLDER = r"C:\Programme ä\Mosaicon hier"
 KEY = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Mosaicon"
 SETTINGS = r"HKCU\Software\Kovel Software\Mosaicon"
 MENU = r"HKCU\Software\Classes\SystemFileAssociations\.tif\shell\Mosaicon"
-RUNNING, DONE = 3, 0
+KEY_OF_ALL = KEY.replace("HKCU", "HKLM")
+DONE, FAILED, RUNNING, ADMINISTRATOR = 0, 2, 3, 4
 
 
 def setUpModule():
@@ -109,6 +110,17 @@ class SetupCase(PackageCase):
             (self.installed / "uninstall.exe").unlink(missing_ok=True)
         return code
 
+    @staticmethod
+    def runs():
+        """Whether its program is loaded, and so may not be written to."""
+        for process in pathlib.Path("/proc").glob("[0-9]*"):
+            try:
+                if any(b"Mosaicon.exe" in line for line in (process / "maps").read_bytes().splitlines()):
+                    return True
+            except OSError:  # it has ended, or is somebody else's
+                pass
+        return False
+
     def shortcuts(self):
         users = on_drive(r"C:\users")
         return {path.parent.name: path for path in users.rglob("Mosaicon.lnk")}
@@ -187,6 +199,40 @@ class Setup(SetupCase):
         self.assertEqual(registry(SETTINGS + r"\Input", "MapTitle"), "Harbour")
         self.assertEqual(set(self.shortcuts()), {"Programs", "Desktop"})
 
+    def test_moves_to_another_folder(self):
+        self.assertEqual(self.install("/EXPLORER", setup=self.older_setup()), DONE)
+        elsewhere = FOLDER + " 2"
+        self.assertEqual(self.install(folder=elsewhere), DONE)
+        self.assertEqual(list(self.installed.rglob("*")), [])
+        self.assertEqual(registry(KEY, "InstallLocation"), elsewhere)
+        self.assertEqual(registry(MENU, "Icon"), elsewhere + r"\Mosaicon.exe")
+        shutil.copyfile(on_drive(elsewhere + r"\uninstall.exe"), on_drive(r"C:\uninstall.exe"))
+        self.assertEqual(run_line(r"C:\uninstall.exe", "/S", "_?=" + elsewhere), DONE)
+        self.assertIsNone(registry(KEY, "InstallLocation"))
+
+    def test_writes_over_nothing_of_the_users(self):
+        self.installed.mkdir(parents=True)
+        own = self.installed / "README.txt"
+        own.write_text("mine")
+        self.assertEqual(self.install(), FAILED)
+        self.assertEqual(own.read_text(), "mine")
+        self.assertEqual(names_below(self.installed), {"README.txt"})
+        self.assertIsNone(registry(KEY, "InstallLocation"))
+
+    def test_is_for_all_users_on_request(self):
+        """Wine's user is an administrator."""
+        self.assertEqual(self.install("/ALLUSERS"), DONE)
+        self.assertEqual(registry(KEY_OF_ALL, "InstallLocation"), FOLDER)
+        self.assertIsNone(registry(KEY, "InstallLocation"))
+        self.assertIn("ProgramData", str(self.shortcuts_of_all()))
+        self.assertEqual(self.install(), ADMINISTRATOR, "there is no second one beside it")
+        self.assertEqual(self.uninstall(), DONE)
+        self.assertIsNone(registry(KEY_OF_ALL, "InstallLocation"))
+        self.assertEqual(self.shortcuts_of_all(), [])
+
+    def shortcuts_of_all(self):
+        return list(on_drive(r"C:\ProgramData").rglob("Mosaicon.lnk"))
+
     def test_removes_all_but_what_is_the_users_own(self):
         self.assertEqual(self.install(), DONE)
         run("reg", "add", SETTINGS + r"\Input", "/v", "MapTitle", "/d", "Harbour", "/f")
@@ -215,7 +261,8 @@ class Setup(SetupCase):
             [WINE, FOLDER + r"\Mosaicon.exe"], stdin=subprocess.DEVNULL
         ) as program:
             try:
-                self.assertTrue(wait_until(lambda: self.install() == RUNNING, PATIENCE), "it was not noticed")
+                self.assertTrue(wait_until(self.runs, PATIENCE))
+                self.assertEqual(self.install(), RUNNING)
                 self.assertEqual(self.uninstall(), RUNNING)
                 self.assertIsNone(program.poll(), "it still runs")
                 self.assertEqual(names_below(self.installed), names_below(self.program) | {"uninstall.exe"})
