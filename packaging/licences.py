@@ -44,4 +44,4 @@ def write_licences(libraries, target):
             text, version = (DOCUMENTS / package / "copyright").read_bytes(), version_of(package)
         (target / f"{name}.txt").write_bytes(text)
         lines.append(f"{name} {version}: {where}")
-    (target / "LIST.txt").write_text("\r\n".join(lines) + "\r\n", newline="")
+    (target / "LIST.txt").write_text("\n".join(lines) + "\n")

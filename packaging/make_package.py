@@ -68,9 +68,8 @@ def separate_symbols(stage, symbols, seconds):
         debug = symbols / (pathlib.Path(name).name + ".debug")
         debug.parent.mkdir(parents=True, exist_ok=True)
         run(f"{TRIPLET}-objcopy", "--only-keep-debug", program, debug, env=environment)
-        run(f"{TRIPLET}-strip", "--strip-all", program, env=environment)
     for path in stage.rglob("*"):
-        if path.suffix in (".exe", ".dll") and path.relative_to(stage).as_posix() not in OURS:
+        if path.suffix in (".exe", ".dll"):
             run(f"{TRIPLET}-strip", "--strip-all", path, env=environment)
 
 

@@ -20,14 +20,11 @@ import engine_bench
 
 sys.path.insert(0, str(engine_bench.TOP / "src" / "tiler" / "testing"))
 import engine_cases as cases  # noqa: E402
+import exact_average  # noqa: E402
 
 FORMATS = ("png", "auto", "webp")
 QUALITIES = (70, 75, 80, 85, 90, 95)
 TILES = 150  # that the qualities are tried on
-
-
-def decibels(error):
-    return 10 * numpy.log10(255**2 / max(1e-9, float((error.astype(float) ** 2).mean())))
 
 
 def similarity(one, other):
@@ -74,9 +71,10 @@ def compare_maps(engine, image, rounds, folder):
         for name in sorted(tiles)[:: max(1, len(tiles) // TILES)]:
             right = cases.decoded(exact[name])
             errors.append((cases.decoded(tiles[name])[:3].astype(int) - right[:3])[:, right[3] > 0].ravel())
+        noise = exact_average.decibels(numpy.concatenate(errors), 0)
         print(
             f"{kind}: {len(tiles)} tiles, {size / 1e6:.1f} MB, {whole / size:.2f} times smaller, "
-            f"{decibels(numpy.concatenate(errors)):.1f} dB, {statistics.median(seconds[kind]):.2f} s",
+            f"{noise:.1f} dB, {statistics.median(seconds[kind]):.2f} s",
             flush=True,
         )
     return exact
@@ -85,22 +83,23 @@ def compare_maps(engine, image, rounds, folder):
 def compare_qualities(exact):
     opaque = [path for path in exact.values() if gdal.Open(str(path)).RasterCount == 3]
     chosen = sorted(opaque)[:: max(1, len(opaque) // TILES)]
-    for driver, options in (("JPEG", []), ("WEBP", [])):
+    for driver in ("JPEG", "WEBP"):
         for quality in QUALITIES:
             size, start, errors, alike = 0, time.monotonic(), [], []
             for path in chosen:
                 source = gdal.Open(str(path))
                 gdal.GetDriverByName(driver).CreateCopy(
-                    "/vsimem/tile", source, options=[f"QUALITY={quality}", *options]
+                    "/vsimem/tile", source, options=[f"QUALITY={quality}"]
                 )
                 size += gdal.VSIStatL("/vsimem/tile").size
                 right, pixels = source.ReadAsArray(), gdal.Open("/vsimem/tile").ReadAsArray()
                 errors.append((pixels.astype(int) - right).ravel())
                 alike.append(similarity(grey(pixels), grey(right)))
+            noise = exact_average.decibels(numpy.concatenate(errors), 0)
             print(
                 f"{driver} {quality}: {size / len(chosen):.0f} bytes a tile, "
                 f"{sum(path.stat().st_size for path in chosen) / size:.2f} times smaller than PNG, "
-                f"{decibels(numpy.concatenate(errors)):.1f} dB, similarity {statistics.mean(alike):.4f}, "
+                f"{noise:.1f} dB, similarity {statistics.mean(alike):.4f}, "
                 f"{1000 * (time.monotonic() - start) / len(chosen):.1f} ms with reading",
                 flush=True,
             )

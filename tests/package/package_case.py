@@ -10,6 +10,8 @@ import tempfile
 import unittest
 import zipfile
 
+from pe_file import PeFile
+
 TOP = pathlib.Path(__file__).resolve().parents[2]
 BUILD = pathlib.Path(os.environ["MOSAICON_PACKAGE_BUILD"])
 
@@ -45,3 +47,9 @@ class PackageCase(unittest.TestCase):
         [portable] = cls.package.glob("*-portable.zip")
         cls.version = portable.name.split("-")[1]
         cls.program = cls.folder / f"Mosaicon-{cls.version}"
+
+    def binaries(self):
+        """All programs and DLLs, read, by their paths."""
+        found = [path for path in self.program.rglob("*") if path.suffix in (".exe", ".dll")]
+        self.assertGreater(len(found), 10)
+        return {path: PeFile(path) for path in found}
