@@ -71,7 +71,7 @@ class Shares(EngineRuns):
 
     def test_refuse_to_do_what_another_run_does(self):
         run = self.start_engine("--threads=1")
-        while not (self.output / JOURNAL).exists():
+        while not self.has_begun():
             self.assertIsNone(run.poll())
             time.sleep(0.01)
         run.send_signal(signal.SIGSTOP)  # so that it is still there however slow this is
@@ -83,6 +83,11 @@ class Shares(EngineRuns):
         run.send_signal(signal.SIGCONT)
         self.assertEqual(run.wait(cases.PATIENCE), 0)
         self.check_end()
+
+    def has_begun(self):
+        """Whether the journal is that of a run at work: its first line is written once it is locked."""
+        journal = self.output / JOURNAL
+        return journal.exists() and journal.stat().st_size > 0
 
     def test_are_missed_by_name(self):
         self.assertEqual(
