@@ -12,6 +12,7 @@
 #include "batch/inputs.h"
 #include "batch/report_lines.h"
 #include "files/system_files.h"
+#include "handles/dll_folders.h"
 #include "job/batch_driver.h"
 #include "job/tiler_log_file.h"
 #include "job/windows_gdal.h"
@@ -134,6 +135,7 @@ int Run(const std::vector<std::string>& words) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  LoadDllsFromOwnAndSystemFolderOnly();
   try {
     return Run(std::vector<std::string>(argv + 1, argv + argc));
   } catch (const std::exception& error) {

@@ -24,6 +24,7 @@
 #include "crashrpt/report_writer.h"
 #include "crashrpt/send_dialog.h"
 #include "files/system_files.h"
+#include "handles/dll_folders.h"
 #include "handles/mapped_view.h"
 #include "handles/unique_handle.h"
 
@@ -136,6 +137,7 @@ int Run(int count, char** arguments) {
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+  LoadDllsFromOwnAndSystemFolderOnly();
   int exitCode = kNotWritten;
   try {
     exitCode = Run(__argc, __argv);

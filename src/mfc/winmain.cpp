@@ -5,6 +5,7 @@
 #include <exception>
 #include <string>
 
+#include "handles/dll_folders.h"
 #include "mfc/app.h"
 
 namespace {
@@ -28,6 +29,7 @@ namespace {
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE /*previous*/, LPSTR /*commandLine*/, int /*show*/) {
+  LoadDllsFromOwnAndSystemFolderOnly();
   std::set_terminate(TellAndEnd);
   CWinApp* app = AfxGetApp();
   app->m_hInstance = instance;

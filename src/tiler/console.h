@@ -17,6 +17,10 @@ std::filesystem::path PathFromEnvironment(const char* name);
 // Has stop called, by another thread or in a signal handler, when the program is asked to end.
 void OnStop(void (*stop)());
 
+// Libraries come from the program's and the system's folders only; elsewhere than on Windows they do anyway.
+// To be called first of all.
+void LoadNothingFromElsewhere();
+
 // Nothing that goes wrong may open a window or wait for an answer.
 void AskNobody();
 

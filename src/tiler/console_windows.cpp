@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "files/wide_text.h"
+#include "handles/dll_folders.h"
 #include "tiler/console.h"
 
 namespace tiler {
@@ -52,6 +53,10 @@ std::filesystem::path PathFromEnvironment(const char* name) {
 void OnStop(void (*stop)()) {
   g_stop = stop;
   SetConsoleCtrlHandler(HandleEvent, TRUE);
+}
+
+void LoadNothingFromElsewhere() {
+  LoadDllsFromOwnAndSystemFolderOnly();
 }
 
 void AskNobody() {

@@ -56,6 +56,7 @@ int Run(const std::vector<std::string>& arguments, tiler::RunLog& log, tiler::Pr
 }  // namespace
 
 int main(int argc, char** argv) {
+  tiler::LoadNothingFromElsewhere();
   const std::vector<std::string> arguments = tiler::Arguments(argc, argv);
   if (const auto information = tiler::Information(arguments)) {
     std::fputs(information->c_str(), stdout);

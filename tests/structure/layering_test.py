@@ -20,7 +20,7 @@ ROOMS = {
     "progress": {"kvtools", "mfc"},
     "job": {"files", "handles", "kvtools", "mfc", "progress", "tiler"},
     "publish": {"files", "kvtools", "mfc", "net", "progress"},
-    "batch": {"files", "job", "kvtools", "mfc", "progress", "tiler"},
+    "batch": {"files", "handles", "job", "kvtools", "mfc", "progress", "tiler"},
     "app": {"crashrpt", "job", "kvtools", "mfc", "publish"},
 }
 # No rooms: the numbers of the resources, and what supports tests.
