@@ -4,23 +4,25 @@ make_package.py BUILD TARGET [CERTIFICATE]
 
 TARGET gets Mosaicon-<version>-portable.zip, -setup.exe and -symbols.zip, and SHA256SUMS. The same sources
 give the same bytes: all times are that of the last commit. CERTIFICATE: a PKCS #12 file, whose password is in
-MOSAICON_CERTIFICATE_PASSWORD; programs, our DLL and the setup are signed with it. For tests,
+MOSAICON_CERTIFICATE_PASSWORD; programs, our DLL, the setup and its uninstaller are signed with it. For tests,
 MOSAICON_PACKAGE_COMPRESSION=no saves most of the time."""
 
 import hashlib
 import os
 import pathlib
 import re
+import shlex
 import shutil
 import subprocess
 import sys
-import tempfile
 import time
 import zipfile
 
 import licences
+import signing
 
-TOP = pathlib.Path(__file__).resolve().parent.parent
+HERE = pathlib.Path(__file__).resolve().parent
+TOP = HERE.parent
 TRIPLET = "x86_64-w64-mingw32"
 OURS = [
     "Mosaicon.exe",
@@ -85,21 +87,6 @@ def write_texts(build, stage, version):
         path.write_bytes(path.read_bytes().replace(b"\r\n", b"\n").replace(b"\n", b"\r\n"))
 
 
-def sign(path, certificate):
-    """Replaces the file by a signed one."""
-    signed = path.with_name(path.name + ".signed")
-    url = constant("kMakerWebAddress")
-    # Who looks at running programs sees their arguments.
-    with tempfile.NamedTemporaryFile("w") as password:
-        password.write(os.environ.get("MOSAICON_CERTIFICATE_PASSWORD", ""))
-        password.flush()
-        command = ["osslsigncode", "sign", "-pkcs12", certificate, "-readpass", password.name, "-h", "sha256"]
-        timestamp = os.environ.get("MOSAICON_TIMESTAMP_URL")
-        command += ["-ts", timestamp] if timestamp else []
-        run(*command, "-n", "Mosaicon", "-i", url, "-in", path, "-out", signed)
-    signed.replace(path)
-
-
 def write_zip(archive, folder, prefix, seconds):
     """All files of a folder, in the order of their names."""
     date = time.gmtime(max(seconds, 315532800))[:6]  # the format begins in 1980
@@ -125,7 +112,7 @@ def write_includes(stage, removals, checks):
     checks.write_text("\n".join(lines) + "\n")
 
 
-def make_setup(stage, setup, work, version, seconds):
+def make_setup(stage, setup, work, version, seconds, certificate=None):
     write_includes(stage, work / "removals.nsh", work / "checks.nsh")
     for path in [*stage.rglob("*"), stage]:
         os.utime(path, (seconds, seconds))
@@ -142,6 +129,10 @@ def make_setup(stage, setup, work, version, seconds):
         "ICON": TOP / "resources" / "mosaicon.ico",
         "OUTPUT": setup,
     }
+    if certificate:
+        # Of the uninstaller, which is made on the way.
+        signer = [sys.executable, "-B", HERE / "signing.py", certificate, constant("kMakerWebAddress")]
+        definitions["SIGNER"] = shlex.join(map(str, signer))
     words = [f"-D{name}={value}" for name, value in definitions.items()]
     words += [] if IS_COMPRESSED else ["-DUNCOMPRESSED"]
     environment = {**os.environ, "SOURCE_DATE_EPOCH": str(seconds)}
@@ -161,12 +152,12 @@ def main(build, target, certificate=None):
     write_texts(build, stage, version)
     if certificate:
         for each in OURS:
-            sign(stage / each, certificate)
+            signing.sign(stage / each, certificate, constant("kMakerWebAddress"))
     made = [target / f"{name}-{kind}" for kind in ("portable.zip", "setup.exe", "symbols.zip")]
     write_zip(made[0], stage, f"{name}/", seconds)
-    make_setup(stage, made[1], work, version, seconds)
+    make_setup(stage, made[1], work, version, seconds, certificate)
     if certificate:
-        sign(made[1], certificate)
+        signing.sign(made[1], certificate, constant("kMakerWebAddress"))
     write_zip(made[2], work / "symbols", f"{name}-symbols/", seconds)
     sums = [f"{hashlib.sha256(path.read_bytes()).hexdigest()}  {path.name}\n" for path in made]
     (target / "SHA256SUMS").write_text("".join(sums))

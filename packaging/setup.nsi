@@ -1,7 +1,7 @@
 ; The setup program. makensis gets, as definitions:
 ;   VERSION, VERSION4 (four numbers), SIZE (kilobytes), MAKER, WEB, STAGE (folder with what is installed),
 ;   FILES (an include file that removes just that), CHECKS (one that goes to Taken when any of it is there),
-;   ICON, OUTPUT
+;   ICON, OUTPUT, SIGNER (optional: a command that signs the file which is named behind it)
 ;
 ; Without a question: /S, with /D=FOLDER as the last argument. Besides: /ALLUSERS, /DESKTOP (icon),
 ; /EXPLORER (menu entry for .tif files). Exit codes: 0 done, 1 cancelled, 2 something failed, 3 Mosaicon is
@@ -35,6 +35,9 @@ Name "Mosaicon"
 InstallDir "$LOCALAPPDATA\Programs\Mosaicon"
 OutFile "${OUTPUT}"
 BrandingText "Mosaicon ${VERSION}"
+!ifdef SIGNER
+  !uninstfinalize `${SIGNER} "%1"` = 0
+!endif
 VIProductVersion "${VERSION4}"
 VIFileVersion "${VERSION4}"
 VIAddVersionKey ProductName "Mosaicon"

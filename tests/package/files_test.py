@@ -8,9 +8,8 @@ import unittest
 import zipfile
 
 import pe_file
-from package_case import TOP, PackageCase, make_package
+from package_case import OURS, TOP, PackageCase, make_package
 
-OURS = {"Mosaicon.exe", "mosaicon-batch.exe", "crashrpt.dll", "crashsender.exe", "mosaicon-tiler.exe"}
 NEEDED = [
     *("Mosaicon.exe", "mosaicon-batch.exe", "crashrpt.dll", "crashsender.exe"),
     *("gdal2tiles/mosaicon-tiler.exe", "gdal2tiles/gdalwarp.exe", "gdal2tiles/gdal_translate.exe"),
@@ -123,36 +122,6 @@ class Binaries(PackageCase):
             ["x86_64-w64-mingw32-addr2line", "-e", debug, address], check=True, capture_output=True, text=True
         ).stdout
         self.assertIn("mosaicon_dlg.cpp:", line)
-
-
-class Signing(PackageCase):
-    def test_can_be_verified(self):
-        password = "geheim"
-        key, certificate, both = (self.folder / name for name in ("key.pem", "certificate.pem", "both.pfx"))
-        subject = ["-subj", "/CN=Mosaicon test/O=Nobody", "-addext", "extendedKeyUsage=codeSigning"]
-        for command in (
-            ["req", "-x509", "-newkey", "rsa:2048", "-nodes", "-keyout", key, "-out", certificate, *subject],
-            ["pkcs12", "-export", "-in", certificate, "-inkey", key, "-out", both]
-            + ["-passout", f"pass:{password}"],
-        ):
-            subprocess.run(["openssl", *map(str, command)], check=True, capture_output=True)
-        make_package(
-            self.folder / "signed",
-            both,
-            MOSAICON_CERTIFICATE_PASSWORD=password,
-            MOSAICON_PACKAGE_COMPRESSION="no",
-        )
-        with zipfile.ZipFile(next((self.folder / "signed").glob("*-portable.zip"))) as archive:
-            archive.extractall(self.folder / "unpacked")
-        signed = [path for path in (self.folder / "unpacked").rglob("*") if path.name in OURS]
-        self.assertEqual(len(signed), len(OURS))
-        for path in [*signed, *(self.folder / "signed").glob("*-setup.exe")]:
-            self.assertEqual(self.verify(path, certificate), 0, path.name)
-        self.assertNotEqual(self.verify(self.program / "Mosaicon.exe", certificate), 0, "it is not signed")
-
-    def verify(self, path, certificate):
-        command = ["osslsigncode", "verify", "-CAfile", certificate, "-in", path]
-        return subprocess.run([str(each) for each in command], capture_output=True, check=False).returncode
 
 
 if __name__ == "__main__":

@@ -13,6 +13,7 @@ import zipfile
 from pe_file import PeFile
 
 TOP = pathlib.Path(__file__).resolve().parents[2]
+OURS = {"Mosaicon.exe", "mosaicon-batch.exe", "crashrpt.dll", "crashsender.exe", "mosaicon-tiler.exe"}
 BUILD = pathlib.Path(os.environ["MOSAICON_PACKAGE_BUILD"])
 
 

@@ -1,129 +1,37 @@
-"""The setup program and what it installs, under Wine, from an empty prefix in which no other folder of this
-machine can be reached. Needs in the environment a complete Wine prefix in WINEPREFIX, which is copied, the
-build in MOSAICON_PACKAGE_BUILD and the program that drives the window in MOSAICON_DRIVE_WINDOW."""
+"""The setup program under Wine: what it installs, and what it leaves alone. See setup_case.py."""
 
-import os
 import pathlib
-import re
 import shutil
 import subprocess
 import sys
 import unittest
 
-from osgeo import gdal
+from package_case import TOP
+from setup_case import (
+    ADMINISTRATOR,
+    DONE,
+    FAILED,
+    FOLDER,
+    KEY,
+    PATIENCE,
+    RUNNING,
+    SETTINGS,
+    SetupCase,
+    names_below,
+    on_drive,
+    registry,
+    run,
+    run_line,
+)
+from setup_case import set_up_prefix as setUpModule  # noqa: F401
 
-from package_case import TOP, PackageCase
-
-sys.path[:0] = [str(TOP / part) for part in ("tests/support", "packaging", "src/tiler/testing")]
-import exact_average  # noqa: E402
-import kml_rules  # noqa: E402
+sys.path[:0] = [str(TOP / part) for part in ("tests/support", "packaging")]
 import make_package  # noqa: E402
 from in_own_prefix import Screen  # noqa: E402
-from wine_prefix import WinePrefix  # noqa: E402
-from wine_side import WINE, keep_wine_running, wait_until  # noqa: E402
+from wine_side import WINE, wait_until  # noqa: E402
 
-DRIVE_WINDOW = pathlib.Path(os.environ["MOSAICON_DRIVE_WINDOW"])
-PATIENCE = 300  # seconds
-FOLDER = r"C:\Programme ä\Mosaicon hier"
-KEY = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Mosaicon"
-SETTINGS = r"HKCU\Software\Kovel Software\Mosaicon"
 MENU = r"HKCU\Software\Classes\SystemFileAssociations\.tif\shell\Mosaicon"
 KEY_OF_ALL = KEY.replace("HKCU", "HKLM")
-DONE, FAILED, RUNNING, ADMINISTRATOR = 0, 2, 3, 4
-
-
-def setUpModule():
-    prefix = WinePrefix(pathlib.Path(os.environ["WINEPREFIX"]).resolve(), "package")
-    unittest.addModuleCleanup(prefix.close)
-    os.environ["WINEDEBUG"] = "-all"
-    # All but the drive C: whoever looks for a file of the build finds nothing.
-    (prefix.path / "dosdevices" / "z:").unlink()
-    for link in (prefix.path / "drive_c" / "users").glob("*/*"):
-        if link.is_symlink():  # to a folder of whoever runs the tests
-            link.unlink()
-            link.mkdir()
-    keep_wine_running(PATIENCE)
-
-
-def on_drive(path):
-    """The place on this side of a file of the drive C."""
-    drive = pathlib.Path(os.environ["WINEPREFIX"]) / "drive_c"
-    return drive / path.removeprefix("C:\\").replace("\\", "/")
-
-
-def run(*command, folder=None):
-    """The exit code and what was said, in the letters of consoles."""
-    done = subprocess.run(
-        [WINE, *command],
-        stdin=subprocess.DEVNULL,
-        stdout=subprocess.PIPE,
-        stderr=subprocess.DEVNULL,
-        timeout=PATIENCE,
-        check=False,
-        cwd=folder or on_drive("C:\\windows"),
-    )
-    return done.returncode, done.stdout.decode("cp437", "replace")
-
-
-def run_line(*words):
-    """Words that stay as they are: the setup takes the rest of its line for the folder, without quotes."""
-    return run("cmd", "/c", " ".join(words))[0]
-
-
-def registry(key, value):
-    """None where there is no such value."""
-    code, text = run("reg", "query", key, "/v", value)
-    found = re.search(rf"{value}\s+REG_\w+\s+(.*?)\r?$", text, re.MULTILINE)
-    return found[1] if code == 0 and found else None
-
-
-def names_below(folder):
-    return {path.relative_to(folder).as_posix() for path in folder.rglob("*") if path.is_file()}
-
-
-class SetupCase(PackageCase):
-    compression = "no"
-
-    @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        shutil.copyfile(next(cls.package.glob("*-setup.exe")), on_drive(r"C:\setup.exe"))
-
-    def setUp(self):
-        self.installed = on_drive(FOLDER)
-        self.addCleanup(self.remove)
-
-    def remove(self):
-        if (self.installed / "uninstall.exe").exists():
-            self.uninstall("/PURGE")
-        shutil.rmtree(self.installed.parent, ignore_errors=True)
-        run("reg", "delete", SETTINGS, "/f")
-
-    def install(self, *options, setup=r"C:\setup.exe", folder=FOLDER):
-        return run_line(setup, "/S", *options, *([f"/D={folder}"] if folder else []))
-
-    def uninstall(self, *options):
-        """A copy of it, so that its end can be waited for. The original stays then."""
-        shutil.copyfile(self.installed / "uninstall.exe", on_drive(r"C:\uninstall.exe"))
-        code = run_line(r"C:\uninstall.exe", "/S", *options, "_?=" + FOLDER)
-        if code == DONE:
-            (self.installed / "uninstall.exe").unlink(missing_ok=True)
-        return code
-
-    @staticmethod
-    def runs():
-        """Whether its program is loaded, and so may not be written to."""
-        for process in pathlib.Path("/proc").glob("[0-9]*"):
-            try:
-                if any(b"Mosaicon.exe" in line for line in (process / "maps").read_bytes().splitlines()):
-                    return True
-            except OSError:  # it has ended, or is somebody else's
-                pass
-        return False
-
-    def shortcuts(self):
-        users = on_drive(r"C:\users")
-        return {path.parent.name: path for path in users.rglob("Mosaicon.lnk")}
 
 
 class Setup(SetupCase):
@@ -269,50 +177,16 @@ class Setup(SetupCase):
             finally:
                 run("taskkill", "/f", "/im", "Mosaicon.exe")
 
-
-class Work(SetupCase):
-    """What was installed makes maps."""
-
-    def setUp(self):
-        super().setUp()
-        self.photo = on_drive(r"C:\photos\field.tif")
-        self.photo.parent.mkdir(exist_ok=True)
-        self.addCleanup(shutil.rmtree, self.photo.parent)
-        raster = gdal.GetDriverByName("GTiff").Create(str(self.photo), 600, 500, 3)
-        raster.SetGeoTransform((500000.0, 0.5, 0.0, 5540000.0, 0.0, -0.5))
-        raster.SetProjection(exact_average.srs_of("EPSG:32632").ExportToWkt())
-        raster.WriteArray(exact_average.texture(500, 600, seed=5))
-        raster = None
-        self.assertEqual(self.install(), DONE)
-
-    def check_map(self, folder):
-        self.assertEqual(kml_rules.faults_of_overlay(folder / "googleearth_loc.kml", most_overlap=2), [])
-        self.assertGreater(len(list(folder.glob("*/*/*.png"))), 5)
-
-    def test_without_a_window(self):
-        code, text = run(
-            FOLDER + r"\mosaicon-batch.exe", "--target", r"C:\photos\maps", r"C:\photos\field.tif"
-        )
-        self.assertEqual(code, 0, text)
-        self.check_map(self.photo.parent / "maps")
-        # The folder of the program may be one that only administrators write to.
-        self.assertEqual(names_below(self.installed), names_below(self.program) | {"uninstall.exe"})
-
-    def test_through_the_window(self):
-        """As the entry of the start menu starts it."""
-        for name in (DRIVE_WINDOW, *DRIVE_WINDOW.parents[2].glob("stage/lib*.dll")):
-            shutil.copyfile(name, self.photo.parent / name.name)
-        with Screen():
-            code, text = run(
-                r"C:\photos\drive_window.exe",
-                FOLDER + r"\Mosaicon.exe",
-                r"C:\photos\field.tif",
-                r"C:\photos\maps",
-                r"C:\photos\report.txt",
-                r"C:\photos",
-            )
-        self.assertEqual(code, 0, text)
-        self.check_map(self.photo.parent / "maps")
+    @staticmethod
+    def runs():
+        """Whether its program is loaded, and so may not be written to."""
+        for process in pathlib.Path("/proc").glob("[0-9]*"):
+            try:
+                if any(b"Mosaicon.exe" in line for line in (process / "maps").read_bytes().splitlines()):
+                    return True
+            except OSError:  # it has ended, or is somebody else's
+                pass
+        return False
 
 
 if __name__ == "__main__":
