@@ -40,7 +40,7 @@ class TutorialsTest(unittest.TestCase):
             with self.subTest(name):
                 pages = re.findall(r"/Type\s*/Page\b(?!s)", self.content(name))
                 self.assertGreaterEqual(len(pages), 3)
-                self.assertLessEqual(len(pages), 6)
+                self.assertLessEqual(len(pages), 9)
 
     def test_each_has_a_title_and_bookmarks(self):
         for name, title in TITLES.items():
