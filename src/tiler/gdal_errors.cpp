@@ -1,5 +1,6 @@
 #include "tiler/gdal_errors.h"
 
+#include "files/one_line.h"
 #include "tiler/run_log.h"
 #include "tiler/tiler_error.h"
 
@@ -29,7 +30,7 @@ void GdalErrors::Check(const std::string& what) const {
 
 void GdalErrors::Hear(CPLErr kind, CPLErrorNum number, const char* text) {
   auto& self = *static_cast<GdalErrors*>(CPLGetErrorHandlerUserData());
-  const std::string line = OneLine(text);
+  const std::string line = files::OneLine(text);
   if (kind == CE_None || kind == CE_Debug) {
     self.m_log.Line(line);
     return;

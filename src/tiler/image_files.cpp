@@ -12,7 +12,7 @@
 #include <system_error>
 #include <vector>
 
-#include "tiler/path_text.h"
+#include "files/path_text.h"
 
 namespace tiler {
 
@@ -54,7 +54,7 @@ std::string UnknownState() {
 // As exactly as the system tells it.
 std::string TimeOf(const std::string& name, const VSIStatBufL& status) {
   std::error_code failed;  // it may lie in an archive
-  const auto time = std::filesystem::last_write_time(PathOf(name), failed);
+  const auto time = std::filesystem::last_write_time(files::PathOf(name), failed);
   return std::to_string(failed ? status.st_mtime : time.time_since_epoch().count());
 }
 

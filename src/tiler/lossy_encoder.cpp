@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 
+#include "files/one_line.h"
 #include "tiler/tiler_error.h"
 
 namespace tiler {
@@ -56,7 +57,7 @@ std::string_view LossyEncoder::Encode(const Tile& tile) {
   if (driver == nullptr || !GDALDatasetUniquePtr(driver->CreateCopy(m_file.Name().c_str(), image.get(), TRUE,
                                                                     options.List(), nullptr, nullptr))) {
     throw TilerError(std::string("a tile could not be written as ") + DriverOf(m_kind) + ": " +
-                     OneLine(CPLGetLastErrorMsg()));
+                     files::OneLine(CPLGetLastErrorMsg()));
   }
   m_content = m_file.Text();
   return m_content;

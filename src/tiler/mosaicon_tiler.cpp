@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "files/one_line.h"
 #include "tiler/console.h"
 #include "tiler/progress_records.h"
 #include "tiler/request.h"
@@ -47,7 +48,7 @@ int Run(const std::vector<std::string>& arguments, tiler::RunLog& log, tiler::Pr
   } catch (const tiler::TilerError& error) {
     reason = error.what();
   } catch (const std::exception& error) {
-    reason = tiler::OneLine(std::string("an unexpected error occurred (") + error.what() + ")");
+    reason = files::OneLine(std::string("an unexpected error occurred (") + error.what() + ")");
   }
   log.Line(code == 0 ? "RESULT OK" : "RESULT FAILED " + reason);
   return code;

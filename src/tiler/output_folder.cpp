@@ -9,10 +9,11 @@
 #include <thread>
 #include <vector>
 
+#include "files/path_text.h"
+#include "files/unfinished.h"
+#include "files/write_file.h"
 #include "tiler/map_page.h"
-#include "tiler/path_text.h"
 #include "tiler/tiler_error.h"
-#include "tiler/write_file.h"
 
 namespace tiler {
 
@@ -22,7 +23,7 @@ namespace fs = std::filesystem;
 
 // That a name begins with: of a level's folder, a column's, or of a file of a tile.
 std::optional<int> NumberOf(const fs::path& entry) {
-  const std::string name = Utf8Of(entry.filename());
+  const std::string name = files::Utf8Of(entry.filename());
   int number = 0;
   const auto read = std::from_chars(name.data(), name.data() + name.size(), number);
   if (read.ec != std::errc() || number < 0) return std::nullopt;
@@ -40,7 +41,7 @@ std::vector<fs::path> EntriesOf(const fs::path& folder) {
 }
 
 bool IsPartial(const fs::path& file) {
-  return file.extension() == kPartialSuffix;
+  return file.extension() == files::kPartialSuffix;
 }
 
 void Remove(const fs::path& file) {
@@ -53,8 +54,8 @@ std::error_code Replace(const fs::path& source, const fs::path& target) {
   using std::chrono::milliseconds;
   std::error_code failed;
   for (const auto delay : {milliseconds(50), milliseconds(200), milliseconds(500), milliseconds(0)}) {
-    failed = MoveFileOver(source, target);
-    if (!IsHeldOpen(failed)) return failed;
+    failed = files::MoveFileOver(source, target);
+    if (!files::IsHeldOpen(failed)) return failed;
     std::this_thread::sleep_for(delay);
   }
   return failed;
@@ -62,29 +63,29 @@ std::error_code Replace(const fs::path& source, const fs::path& target) {
 
 void WriteWhole(const fs::path& path, std::string_view content) {
   fs::path partial = path;
-  partial += kPartialSuffix;
-  std::error_code failed = WriteFile(partial, content);
+  partial += files::kPartialSuffix;
+  std::error_code failed = files::WriteFile(partial, content);
   if (!failed) failed = Replace(partial, path);
   if (!failed) return;
   std::error_code ignored;
   fs::remove(partial, ignored);
-  throw TilerError("could not write " + Utf8Of(path) + ": " + WordsFor(failed));
+  throw TilerError("could not write " + files::Utf8Of(path) + ": " + files::WordsFor(failed));
 }
 
 void CreateFolders(const fs::path& path) {
   std::error_code ignored;
   if (fs::is_directory(path, ignored)) return;
   if (path.has_relative_path()) CreateFolders(path.parent_path());
-  if (const std::error_code failed = MakeFolder(path))
-    throw TilerError(Utf8Of(path) + ": " + WordsFor(failed));
+  if (const std::error_code failed = files::MakeFolder(path))
+    throw TilerError(files::Utf8Of(path) + ": " + files::WordsFor(failed));
 }
 
 }  // namespace
 
-OutputFolder::OutputFolder(const std::string& path) : m_path(tiler::PathOf(path)) {}
+OutputFolder::OutputFolder(const std::string& path) : m_path(files::PathOf(path)) {}
 
 std::string OutputFolder::Name() const {
-  return Utf8Of(m_path.filename());
+  return files::Utf8Of(m_path.filename());
 }
 
 void OutputFolder::RemovePartialFiles() const {
@@ -113,7 +114,7 @@ void OutputFolder::RemoveOldDocument() const {
   std::error_code failed;
   fs::remove(m_path / "doc.kml", failed);
   if (failed && failed != std::errc::not_a_directory) {
-    throw TilerError(Utf8Of(m_path / "doc.kml") + ": " + WordsFor(failed));
+    throw TilerError(files::Utf8Of(m_path / "doc.kml") + ": " + files::WordsFor(failed));
   }
 }
 

@@ -5,11 +5,11 @@
 #include <fstream>
 #include <thread>
 
+#include "files/write_file.h"
 #include "handles/unique_handle.h"
 #include "support/temporary_folder.h"
 #include "tiler/output_folder.h"
 #include "tiler/tiler_error.h"
-#include "tiler/write_file.h"
 
 namespace tiler {
 namespace {
@@ -77,21 +77,21 @@ TEST_F(OutputOnWindows, KeepsTheOldFileThatIsHeldForGood) {
 }
 
 TEST(WindowsErrors, AreToldInWords) {
-  EXPECT_EQ(WordsFor(SystemError(ERROR_DISK_FULL)), "the disk is full");
-  EXPECT_EQ(WordsFor(SystemError(ERROR_HANDLE_DISK_FULL)), "the disk is full");
-  const std::string words = WordsFor(SystemError(ERROR_ACCESS_DENIED));
+  EXPECT_EQ(files::WordsFor(SystemError(ERROR_DISK_FULL)), "the disk is full");
+  EXPECT_EQ(files::WordsFor(SystemError(ERROR_HANDLE_DISK_FULL)), "the disk is full");
+  const std::string words = files::WordsFor(SystemError(ERROR_ACCESS_DENIED));
   EXPECT_GT(words.size(), 5U);
   EXPECT_EQ(words.find_first_of("\r\n"), std::string::npos) << words;
   EXPECT_NE(words.back(), '.') << words;
-  EXPECT_EQ(WordsFor(SystemError(0x1FFFFFFF)), "error 536870911");
+  EXPECT_EQ(files::WordsFor(SystemError(0x1FFFFFFF)), "error 536870911");
 }
 
 TEST(WindowsErrors, MayPassWhenTheFileIsHeldOpen) {
   for (const DWORD number : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
-    EXPECT_TRUE(IsHeldOpen(SystemError(number)));
+    EXPECT_TRUE(files::IsHeldOpen(SystemError(number)));
   }
-  EXPECT_FALSE(IsHeldOpen(SystemError(ERROR_DISK_FULL)));
-  EXPECT_FALSE(IsHeldOpen(std::make_error_code(std::errc::permission_denied)));
+  EXPECT_FALSE(files::IsHeldOpen(SystemError(ERROR_DISK_FULL)));
+  EXPECT_FALSE(files::IsHeldOpen(std::make_error_code(std::errc::permission_denied)));
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <map>
 #include <utility>
 
-#include "tiler/path_text.h"
+#include "files/path_text.h"
 #include "tiler/tiler_error.h"
 #include "version.h"
 
@@ -229,9 +229,9 @@ class Options {
 
 // Also of a name that begins with a dash, which nobody can take for an option then.
 std::string Absolute(const std::string& name) {
-  std::filesystem::path path = std::filesystem::absolute(PathOf(name)).lexically_normal();
+  std::filesystem::path path = std::filesystem::absolute(files::PathOf(name)).lexically_normal();
   if (!path.has_filename() && path.has_relative_path()) path = path.parent_path();
-  return Utf8Of(path);
+  return files::Utf8Of(path);
 }
 
 // Where the value of -g begins, which is the argument's length when the next one holds it; npos: nowhere.
@@ -258,7 +258,7 @@ Request ParseRequest(const std::vector<std::string>& arguments) {
   if (options.Has("a")) request.transparent = UnpackColour(options.Value("a"));
   request.srs = options.Value("s");
   request.title = options.Value("t");
-  if (request.title.empty()) request.title = Utf8Of(PathOf(names[0]).filename());
+  if (request.title.empty()) request.title = files::Utf8Of(files::PathOf(names[0]).filename());
   request.kml = options.Has("k");
   request.url = options.Value("u");
   request.key = options.Value("g");

@@ -12,11 +12,11 @@
 #include <string>
 #include <vector>
 
+#include "files/path_text.h"
 #include "tiler/gdal_errors.h"
 #include "tiler/gdal_objects.h"
 #include "tiler/map_srs.h"
 #include "tiler/map_warp.h"
-#include "tiler/path_text.h"
 #include "tiler/run_log.h"
 #include "tiler/virtual_raster.h"
 #include "tiler/virtual_sources.h"
@@ -26,13 +26,13 @@ namespace tiler {
 namespace {
 
 std::string FolderOf(const std::string& path) {
-  return Utf8Of(PathOf(path).parent_path());
+  return files::Utf8Of(files::PathOf(path).parent_path());
 }
 
 // Nothing where it is no file by itself, but a part of one.
 GDALDatasetUniquePtr TryToOpen(const std::string& path) {
   std::error_code ignored;
-  if (!std::filesystem::is_regular_file(PathOf(path), ignored)) return nullptr;
+  if (!std::filesystem::is_regular_file(files::PathOf(path), ignored)) return nullptr;
   return GDALDatasetUniquePtr(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY));
 }
 

@@ -4,10 +4,11 @@
 #include <set>
 #include <system_error>
 
-#include "tiler/path_text.h"
+#include "files/path_text.h"
+#include "files/unfinished.h"
+#include "files/write_file.h"
 #include "tiler/tiler_error.h"
 #include "tiler/unit_journal.h"
-#include "tiler/write_file.h"
 
 namespace tiler {
 
@@ -15,17 +16,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kName = ".mosaicon-tiles";
 constexpr std::size_t kMostNamed = 20;
 
 std::string NameOfJournal(const Share& share) {
-  return std::string(kName) + "-" + std::to_string(share.index) + "-of-" + std::to_string(share.count);
+  return std::string(files::kJournalName) + "-" + std::to_string(share.index) + "-of-" +
+         std::to_string(share.count);
 }
 
 // Of what begins like a journal's; nullopt when it is no share's.
 std::optional<Share> ShareOfJournal(const std::string& name) {
   Share share;
-  const std::string numbers = name.substr(std::string(kName).size());
+  const std::string numbers = name.substr(std::string(files::kJournalName).size());
   if (std::sscanf(numbers.c_str(), "-%5d-of-%5d", &share.index, &share.count) != 2) return std::nullopt;
   if (share.index < 0 || share.index >= share.count || share.count > kMostShares) return std::nullopt;
   return NameOfJournal(share) == name ? std::optional(share) : std::nullopt;
@@ -36,8 +37,9 @@ std::vector<fs::path> JournalsIn(const fs::path& folder) {
   std::vector<fs::path> journals;
   std::error_code failed;
   for (fs::directory_iterator entry(folder, failed), end; !failed && entry != end; entry.increment(failed)) {
-    const std::string name = Utf8Of(entry->path().filename());
-    if (name == kName || (name.starts_with(kName) && ShareOfJournal(name))) journals.push_back(entry->path());
+    const std::string name = files::Utf8Of(entry->path().filename());
+    if (name == files::kJournalName || (name.starts_with(files::kJournalName) && ShareOfJournal(name)))
+      journals.push_back(entry->path());
   }
   return journals;
 }
@@ -46,7 +48,7 @@ std::vector<fs::path> JournalsIn(const fs::path& folder) {
 std::set<int> CountsIn(const fs::path& folder) {
   std::set<int> counts;
   for (const fs::path& journal : JournalsIn(folder)) {
-    if (const auto share = ShareOfJournal(Utf8Of(journal.filename()))) counts.insert(share->count);
+    if (const auto share = ShareOfJournal(files::Utf8Of(journal.filename()))) counts.insert(share->count);
   }
   return counts;
 }
@@ -111,14 +113,14 @@ Lacking LackingOf(const fs::path& folder, int count, const std::string& run) {
 }  // namespace
 
 fs::path JournalOf(const fs::path& folder, const std::optional<Share>& share) {
-  return folder / (share ? NameOfJournal(*share) : kName);
+  return folder / (share ? NameOfJournal(*share) : files::kJournalName);
 }
 
 void CheckNobodyIsAtWork(const fs::path& folder, const std::optional<Share>& share) {
   for (const fs::path& journal : JournalsIn(folder)) {
     const bool concernsUs = !share || journal.filename() == NameOfJournal(*share);
-    if (concernsUs && LockedFile().Open(journal) == std::errc::device_or_resource_busy) {
-      throw TilerError("another run is at work in " + Utf8Of(folder));
+    if (concernsUs && files::LockedFile().Open(journal) == std::errc::device_or_resource_busy) {
+      throw TilerError("another run is at work in " + files::Utf8Of(folder));
     }
   }
 }
@@ -130,7 +132,7 @@ std::vector<fs::path> CompleteShares(const fs::path& folder, const std::string& 
     if (lacking.Count() == 0) return JournalsOfAll(folder, count);
     if (!nearest || lacking.IsNearerThan(*nearest)) nearest = lacking;
   }
-  if (!nearest) throw TilerError("there are no shares of a map in " + Utf8Of(folder));
+  if (!nearest) throw TilerError("there are no shares of a map in " + files::Utf8Of(folder));
   throw TilerError(nearest->Sentences());
 }
 

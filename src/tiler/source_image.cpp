@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "files/path_text.h"
 #include "tiler/colour_image.h"
 #include "tiler/gdal_errors.h"
 #include "tiler/gdal_objects.h"
@@ -13,7 +14,6 @@
 #include "tiler/map_limits.h"
 #include "tiler/map_srs.h"
 #include "tiler/number_text.h"
-#include "tiler/path_text.h"
 #include "tiler/run_log.h"
 #include "tiler/shown_bands.h"
 #include "tiler/tiler_error.h"
@@ -25,7 +25,7 @@ namespace tiler {
 namespace {
 
 GDALDatasetUniquePtr Open(const std::string& path, const GdalErrors& errors) {
-  if (!std::filesystem::is_regular_file(PathOf(path))) {
+  if (!std::filesystem::is_regular_file(files::PathOf(path))) {
     throw TilerError("the image " + path + " does not exist");
   }
   return OpenImage(path, errors, "the image " + path + " could not be opened");

@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <vector>
 
+#include "files/path_text.h"
+#include "files/write_file.h"
 #include "tiler/damaged_place.h"
 #include "tiler/kml_text.h"
 #include "tiler/map_kml.h"
@@ -15,7 +17,6 @@
 #include "tiler/map_view.h"
 #include "tiler/memory_plan.h"
 #include "tiler/output_folder.h"
-#include "tiler/path_text.h"
 #include "tiler/progress_records.h"
 #include "tiler/pyramid_cutter.h"
 #include "tiler/see_through.h"
@@ -25,7 +26,6 @@
 #include "tiler/tile_plan.h"
 #include "tiler/tiler_error.h"
 #include "tiler/unit_journal.h"
-#include "tiler/write_file.h"
 
 namespace tiler {
 
@@ -133,7 +133,7 @@ void FinishMap(const Request& request, const Pyramid& pyramid, const TileKinds& 
 
 // Without its journal a share would work for nothing.
 void CheckWritten(const std::error_code& failure, const std::filesystem::path& path) {
-  if (failure) throw TilerError("could not write " + Utf8Of(path) + ": " + WordsFor(failure));
+  if (failure) throw TilerError("could not write " + files::Utf8Of(path) + ": " + files::WordsFor(failure));
 }
 
 }  // namespace

@@ -29,9 +29,6 @@ class Stopped : public TilerError {
   Stopped();
 };
 
-// All runs of blanks, line breaks among them, become one blank; none at the ends.
-std::string OneLine(const std::string& text);
-
 }  // namespace tiler
 
 #endif  // MOSAICON_TILER_TILER_ERROR_H_

@@ -12,8 +12,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "files/write_file.h"
 #include "tiler/journal_text.h"
-#include "tiler/write_file.h"
 
 namespace tiler {
 
@@ -48,7 +48,7 @@ class UnitJournal {
   std::map<TileId, std::uint32_t> m_finished;  // before this run
   std::error_code m_failure;
   std::mutex m_mutex;
-  LockedFile m_file;
+  files::LockedFile m_file;
   std::size_t m_size = 0;  // of the file, in bytes
 };
 

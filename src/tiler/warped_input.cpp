@@ -4,9 +4,9 @@
 
 #include <filesystem>
 
+#include "files/path_text.h"
 #include "tiler/gdal_errors.h"
 #include "tiler/gdal_objects.h"
-#include "tiler/path_text.h"
 #include "tiler/shown_bands.h"
 #include "tiler/tiler_error.h"
 #include "tiler/virtual_raster.h"
@@ -17,7 +17,7 @@ namespace tiler {
 std::optional<WarpedInput> WithTransparency(GDALDataset& image, const std::string& path, GdalErrors& errors) {
   const std::string xml = XmlOf(image);
   if (xml.empty() || HasNodata(image) || HasTransparency(image)) return std::nullopt;
-  const std::string folder = Utf8Of(PathOf(path).parent_path());
+  const std::string folder = files::Utf8Of(files::PathOf(path).parent_path());
   const std::optional<WarpSource> source = WithAbsoluteSource(xml, folder);
   if (!source) return std::nullopt;
   const GDALDatasetUniquePtr warped = OpenImage(source->path, errors, kNotRead);

@@ -1,6 +1,6 @@
 // Writes a file, as the system does it, and what it says when it fails.
-#ifndef MOSAICON_TILER_WRITE_FILE_H_
-#define MOSAICON_TILER_WRITE_FILE_H_
+#ifndef MOSAICON_FILES_WRITE_FILE_H_
+#define MOSAICON_FILES_WRITE_FILE_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -9,12 +9,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace tiler {
-
-// Of the name of a file that is not complete yet. Short, because of the path length that Windows allows. Such
-// a name depends on nothing but the final one, so a later run into the same folder takes up what a killed one
-// left.
-inline constexpr const char* kPartialSuffix = ".~mos";
+namespace files {
 
 // All of its content, in place of what was there. What a failure leaves is the caller's to remove. Any
 // thread.
@@ -56,6 +51,6 @@ std::string WordsFor(const std::error_code& error);
 // Whether it looks as if another program had the file open.
 bool IsHeldOpen(const std::error_code& error);
 
-}  // namespace tiler
+}  // namespace files
 
-#endif  // MOSAICON_TILER_WRITE_FILE_H_
+#endif  // MOSAICON_FILES_WRITE_FILE_H_

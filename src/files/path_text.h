@@ -1,11 +1,11 @@
 // Paths as texts in UTF-8, on every system. Portable.
-#ifndef MOSAICON_TILER_PATH_TEXT_H_
-#define MOSAICON_TILER_PATH_TEXT_H_
+#ifndef MOSAICON_FILES_PATH_TEXT_H_
+#define MOSAICON_FILES_PATH_TEXT_H_
 
 #include <filesystem>
 #include <string>
 
-namespace tiler {
+namespace files {
 
 inline std::filesystem::path PathOf(const std::string& utf8) {
   return {std::u8string(utf8.begin(), utf8.end())};
@@ -16,6 +16,6 @@ inline std::string Utf8Of(const std::filesystem::path& path) {
   return {text.begin(), text.end()};
 }
 
-}  // namespace tiler
+}  // namespace files
 
-#endif  // MOSAICON_TILER_PATH_TEXT_H_
+#endif  // MOSAICON_FILES_PATH_TEXT_H_

@@ -6,9 +6,9 @@
 #include <array>
 #include <cerrno>
 
-#include "tiler/write_file.h"
+#include "files/write_file.h"
 
-namespace tiler {
+namespace files {
 
 namespace {
 
@@ -102,4 +102,4 @@ bool IsHeldOpen(const std::error_code& error) {
   return error == std::errc::permission_denied;  // of some network disks
 }
 
-}  // namespace tiler
+}  // namespace files

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <array>
 
+#include "files/one_line.h"
 #include "files/wide_text.h"
+#include "files/write_file.h"
 #include "handles/unique_handle.h"
-#include "tiler/tiler_error.h"
-#include "tiler/write_file.h"
 
-namespace tiler {
+namespace files {
 
 namespace {
 
@@ -124,4 +124,4 @@ bool IsHeldOpen(const std::error_code& error) {
   return IsOneOf(error, {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION});
 }
 
-}  // namespace tiler
+}  // namespace files
