@@ -30,8 +30,8 @@ as_root() {
 packages=(
   ca-certificates git ccache cmake ninja-build make g++ g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64
   clang clang-format clang-tidy libclang-rt-14-dev googletest black python3-flake8 shellcheck
-  dpkg-dev nasm tcl sqlite3 nsis osslsigncode
-  libgdal-dev libdeflate-dev gdal-bin python3 python3-gdal python3-numpy
+  dpkg-dev nasm patch tcl sqlite3 nsis osslsigncode
+  libgdal-dev libdeflate-dev libcurl4-openssl-dev libssl-dev gdal-bin python3 python3-gdal python3-numpy
   wine wine64 fonts-wine xvfb xauth procps
   chromium-headless-shell libjs-leaflet libpam-modules openssl perl python3-pyftpdlib util-linux
 )
