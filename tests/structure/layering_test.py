@@ -13,6 +13,7 @@ ROOMS = {
     "handles": set(),
     "files": {"handles"},
     "kvtools": {"files", "handles"},
+    "mirror": {"files", "kvtools"},
     "mfc": {"files", "handles", "kvtools"},
     "net": set(),
     "tiler": {"files", "handles"},
@@ -20,7 +21,7 @@ ROOMS = {
     "progress": {"kvtools", "mfc"},
     "job": {"files", "handles", "kvtools", "mfc", "progress", "tiler"},
     "publish": {"files", "kvtools", "mfc", "net", "progress"},
-    "batch": {"files", "handles", "job", "kvtools", "mfc", "progress", "tiler"},
+    "batch": {"files", "handles", "job", "kvtools", "mfc", "mirror", "progress", "tiler"},
     "app": {"crashrpt", "job", "kvtools", "mfc", "publish"},
 }
 # No rooms: the numbers of the resources, and what supports tests.
