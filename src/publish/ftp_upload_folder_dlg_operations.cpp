@@ -1,6 +1,7 @@
 // The upload dialog: its long operations, and what they show.
 #include <vector>
 
+#include "handles/keep_awake.h"
 #include "kvtools/flag_guard.h"
 #include "kvtools/kvtools.h"
 #include "net/error_codes.h"
@@ -8,7 +9,6 @@
 #include "publish/ftp_upload_folder_dlg.h"
 #include "publish/index_page.h"
 #include "publish/index_upload.h"
-#include "publish/keep_awake.h"
 #include "publish/remote_names.h"
 #include "publish/remote_removal.h"
 #include "resources/resource.h"

@@ -20,7 +20,7 @@ ROOMS = {
     "crashrpt": {"files", "handles"},
     "progress": {"kvtools", "mfc"},
     "job": {"files", "handles", "kvtools", "mfc", "progress", "tiler"},
-    "publish": {"files", "kvtools", "mfc", "net", "progress"},
+    "publish": {"files", "handles", "kvtools", "mfc", "net", "progress"},
     "batch": {"files", "handles", "job", "kvtools", "mfc", "mirror", "progress", "tiler"},
     "app": {"crashrpt", "job", "kvtools", "mfc", "publish"},
 }

@@ -1,7 +1,7 @@
 // Keeps the computer from going to sleep for want of input, for as long as it lives; the screen may go dark.
 // Win32; belongs to the thread that made it.
-#ifndef MOSAICON_PUBLISH_KEEP_AWAKE_H_
-#define MOSAICON_PUBLISH_KEEP_AWAKE_H_
+#ifndef MOSAICON_HANDLES_KEEP_AWAKE_H_
+#define MOSAICON_HANDLES_KEEP_AWAKE_H_
 
 #include <windows.h>
 
@@ -17,4 +17,4 @@ class KeepAwake {
   EXECUTION_STATE m_nBefore;
 };
 
-#endif  // MOSAICON_PUBLISH_KEEP_AWAKE_H_
+#endif  // MOSAICON_HANDLES_KEEP_AWAKE_H_

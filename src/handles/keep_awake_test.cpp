@@ -1,4 +1,4 @@
-#include "publish/keep_awake.h"
+#include "handles/keep_awake.h"
 
 #include <gtest/gtest.h>
 
