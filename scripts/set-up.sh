@@ -36,12 +36,12 @@ packages=(
   chromium-headless-shell libjs-leaflet libpam-modules openssl perl python3-pyftpdlib util-linux
 )
 
-# Packages of FTP servers that are not to be on one machine, and the libraries that these want beside what
-# the packages above bring along. They are unpacked, not installed.
+# Packages of FTP servers that are not to be on one machine, of an SFTP server and its client, and the libraries
+# that these want beside what the packages above bring along. They are unpacked, not installed.
 ftp_server_packages=(
-  vsftpd proftpd-core pure-ftpd pure-ftpd-common
+  vsftpd proftpd-core proftpd-mod-crypto pure-ftpd pure-ftpd-common openssh-server openssh-client
   libhashkit2 libhiredis0.14 libmemcached11 libmemcachedutil2 libpcre2-8-0 libpcre2-posix3 libsodium23
-  libwrap0
+  libwrap0 python3-openssl python3-cryptography python3-cffi-backend
 )
 
 # install_packages NAME...: installs what is missing.
@@ -139,7 +139,10 @@ fetch_ftp_servers() {
     cd "$folder" &&
     rm -rf fetched &&
     ! LD_LIBRARY_PATH=$folder/usr/lib/x86_64-linux-gnu:$folder/lib/x86_64-linux-gnu \
-      ldd usr/sbin/vsftpd usr/sbin/proftpd usr/sbin/pure-ftpd usr/bin/pure-pw | grep 'not found'
+      ldd usr/sbin/vsftpd usr/sbin/proftpd usr/lib/proftpd/mod_tls.so usr/sbin/pure-ftpd usr/bin/pure-pw \
+      usr/sbin/sshd usr/bin/ssh usr/bin/ssh-keygen usr/bin/sftp | grep 'not found' &&
+    PYTHONPATH=usr/lib/python3/dist-packages \
+      /usr/bin/python3 -B -c 'from pyftpdlib.handlers import TLS_FTPHandler'
 }
 
 set_up() {

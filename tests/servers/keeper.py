@@ -7,7 +7,7 @@ outlive the test that started it, nor leave processes behind that have lost thei
 The folder, with what the server needs, goes with the server. It is a program of its own because servers
 may need to be root, and only root can end them. On its input it takes the line "end sessions", which kills
 what the command has started but not the command itself, and answers with the number of processes
-killed."""
+killed, and "count sessions", which only counts them, with those that have ended unnoticed."""
 
 import ctypes
 import os
@@ -21,20 +21,20 @@ import sys
 PR_SET_CHILD_SUBREAPER = 36
 
 
-def parents():
+def parents(with_ended=False):
     found = {}
     for name in filter(str.isdigit, os.listdir("/proc")):
         try:
             fields = pathlib.Path(f"/proc/{name}/stat").read_text().rpartition(")")[2].split()
         except OSError:
             continue
-        if fields[0] != "Z":
+        if fields[0] != "Z" or with_ended:
             found[int(name)] = int(fields[1])
     return found
 
 
-def descendants(pid):
-    parent = parents()
+def descendants(pid, with_ended=False):
+    parent = parents(with_ended)
     found = {pid}
     while grown := {child for child, of in parent.items() if of in found} - found:
         found |= grown
@@ -89,6 +89,8 @@ def main():
                     break
                 if line == "end sessions\n":
                     print(kill_all(lambda: descendants(command.pid)), flush=True)
+                if line == "count sessions\n":
+                    print(len(descendants(command.pid, with_ended=True)), flush=True)
             # Ended by itself: the status has to be taken before anybody else takes it.
             if command.poll() is not None:
                 sys.exit(f"the command ended with code {command.returncode}")

@@ -2,12 +2,14 @@
 
 import subprocess
 
-from server_base import HOST, UMASK, FtpServer, as_root, hashed
+from server_base import FtpServer
+from server_tools import HOST, INSTALLED, UMASK, as_root, hashed
 
 
 class Proftpd(FtpServer):
     kind = "proftpd"
-    own_options = ("login_text",)
+    own_options = ("login_text", "certificate", "connections", "full", "read_only", "reuse", "tls")
+    tls_ways = ("offered", "required", "implicit")
     shows_links = True
 
     def command(self):
@@ -58,11 +60,34 @@ class Proftpd(FtpServer):
         if self.own.get("login_text"):
             lines.append("DisplayLogin /login-text")
             (self.root / "login-text").write_text(self.own["login_text"])
+        if self.own.get("connections"):
+            lines.append(f"MaxClientsPerUser {self.own['connections']}")
+        if self.own.get("read_only"):
+            lines += ["<Limit WRITE>", "DenyAll", "</Limit>"]
+        if self.tls:
+            lines += self._for_tls()
         refused = self.refused_commands()
         if refused:
             lines += [f"<Limit {' '.join(refused)}>", "DenyAll", "</Limit>"]
         configuration = self.write("proftpd.conf", "\n".join(lines) + "\n")
         return [*self.program("usr", "sbin", "proftpd"), "-n", "-q", "-c", str(configuration)]
+
+    def _for_tls(self):
+        made = self.tls_files()
+        options = [
+            *([] if self.own.get("reuse", True) else ["NoSessionReuseRequired"]),
+            *(["UseImplicitSSL"] if self.tls == "implicit" else []),
+        ]
+        return [
+            f'ModulePath "{INSTALLED}/usr/lib/proftpd"',
+            "LoadModule mod_tls.c",
+            "TLSEngine on",
+            f"TLSRequired {'off' if self.tls == 'offered' else 'on'}",
+            f'TLSECCertificateFile "{made.certificate}"',
+            f'TLSECCertificateKeyFile "{made.key}"',
+            f'TLSLog "{self.folder}/tls-log"',
+            *(["TLSOptions " + " ".join(options)] if options else []),
+        ]
 
 
 class ProftpdNoLinks(Proftpd):

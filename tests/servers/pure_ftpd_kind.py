@@ -2,12 +2,15 @@
 
 import subprocess
 
-from server_base import HOST, UMASK, FtpServer, hashed
+from server_base import FtpServer
+from server_tools import HOST, UMASK, hashed, program
 
 
 class PureFtpd(FtpServer):
     kind = "pure-ftpd"
     can_refuse = ("passive",)
+    own_options = ("certificate", "connections", "full", "tls")
+    tls_ways = ("offered", "required")
 
     def command(self):
         if self.banner:
@@ -20,7 +23,7 @@ class PureFtpd(FtpServer):
         )
         database = self.folder / "users.pdb"
         subprocess.run(
-            [*self.program("usr", "bin", "pure-pw"), "mkdb", str(database), "-f", str(users)], check=True
+            [*program("usr", "bin", "pure-pw"), "mkdb", str(database), "-f", str(users)], check=True
         )
         options = [
             "-S",
@@ -36,7 +39,7 @@ class PureFtpd(FtpServer):
             "-U",
             f"133:{UMASK}",
             "-C",
-            "50",
+            str(self.own.get("connections") or 50),
             "-c",
             "50",
             "-g",
@@ -44,6 +47,9 @@ class PureFtpd(FtpServer):
         ]
         if self.idle:
             options += ["-I", str((self.idle + 59) // 60)]
+        if self.tls:
+            # 3: for data, too.
+            options += ["-Y", "1" if self.tls == "offered" else "3", "-2", str(self.tls_files().both)]
         if not self.passive:
             options.append("-N")
         return [*self.program("usr", "sbin", "pure-ftpd"), *options]

@@ -44,6 +44,50 @@ class DosListing(LimitedFiles):
             yield f"{date} {size} {name}\r\n".encode("utf-8", self.cmd_channel.unicode_errors)
 
 
+class LimitedServer(MultiprocessFTPServer):
+    """Refuses sessions when there are too many. Its base class counts in each session's process alone."""
+
+    connections = None
+    refresh_interval = 0.1
+
+    def _accept_new_cons(self):
+        if not self.connections:
+            return super()._accept_new_cons()
+        self._refresh_tasks()
+        return len(self._active_tasks) < self.connections
+
+
+def base_handler(options):
+    if not options["tls"]:
+        return FTPHandler
+    # It is there only where pyftpdlib finds a library for TLS.
+    from pyftpdlib.handlers import TLS_DTPHandler, TLS_FTPHandler
+
+    class Data(TLS_DTPHandler):
+        def readable(self):
+            # Some clients, curl for one, begin with TLS before they send the command, and its own opinion
+            # is that they have closed the connection then.
+            return self._ssl_accepting or super().readable()
+
+    class Explicit(TLS_FTPHandler):
+        dtp_handler = Data
+        certfile = options["certificate"]
+        tls_control_required = tls_data_required = options["tls"] != "offered"
+
+    return Explicit
+
+
+def with_implicit_tls(base):
+    class Implicit(base):
+        def handle(self):
+            self.secure_connection(self.ssl_context)
+
+        def handle_ssl_established(self):
+            super().handle()
+
+    return Implicit
+
+
 def main(options):
     logging.basicConfig(level=logging.WARNING)
     if os.geteuid() == 0:
@@ -52,11 +96,18 @@ def main(options):
         os.setuid(options["uid"])
     os.umask(0o022)
     authorizer = DummyAuthorizer()
-    authorizer.add_user(options["user"], options["password"], options["root"], perm="elradfmwMT")
+    authorizer.add_user(
+        options["user"],
+        options["password"],
+        options["root"],
+        perm="elr" if options["read_only"] else "elradfmwMT",
+    )
 
     LimitedFile.limit = options["file_limit"]
 
-    class Handler(FTPHandler):
+    base = base_handler(options)
+
+    class Handler(base):
         def handle(self):
             *first, _ = options["banner"].splitlines() if options["banner"] else [""]
             for line in first:
@@ -69,9 +120,14 @@ def main(options):
     if options["banner"]:
         Handler.banner = options["banner"].splitlines()[-1]
     Handler.proto_cmds = {
-        name: value for name, value in FTPHandler.proto_cmds.items() if name not in options["refused"]
+        name: value for name, value in base.proto_cmds.items() if name not in options["refused"]
     }
-    MultiprocessFTPServer((options["host"], options["port"]), Handler).serve_forever()
+    if options["tls"] == "implicit":
+        Handler = with_implicit_tls(Handler)
+    LimitedServer.connections = options["connections"]
+    server = LimitedServer((options["host"], options["port"]), Handler)
+    # How often it looks after its sessions.
+    server.serve_forever(timeout=LimitedServer.refresh_interval)
 
 
 if __name__ == "__main__":

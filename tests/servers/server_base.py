@@ -6,47 +6,26 @@ import pathlib
 import pwd
 import secrets
 import shutil
-import socket
 import subprocess
 import tempfile
 import time
 
-HERE = pathlib.Path(__file__).resolve().parent
-CACHE = pathlib.Path(os.environ.get("XDG_CACHE_HOME") or pathlib.Path.home() / ".cache") / "mosaicon"
-INSTALLED = CACHE / "ftp-servers"
-HOST = "127.0.0.1"
-PATIENCE = 180  # seconds until a server counts as hung
+from server_parts import Parts
+from server_tools import HERE, HOST, PATIENCE, PYTHON, as_root, free_port, greets
+
 # Some disks need ten seconds and more to remove ten thousand files.
 REMOVAL_PATIENCE = 600
 TRIES = 5  # another program may take the port that was free
-UMASK = "022"
-PYTHON = "/usr/bin/python3"  # has what is installed as packages
 
 
-def as_root(command):
-    return command if os.geteuid() == 0 else ["sudo", "-n", *command]
-
-
-def free_port():
-    with socket.socket() as probe:
-        probe.bind((HOST, 0))
-        return probe.getsockname()[1]
-
-
-def hashed(password):
-    run = subprocess.run(
-        ["openssl", "passwd", "-6", "-stdin"], input=password, text=True, check=True, capture_output=True
-    )
-    return run.stdout.strip()
-
-
-class FtpServer:
+class FtpServer(Parts):
     """One server; a context manager. kind and the options that are not for all are of the subclasses."""
 
     kind = ""
     needs_root = True
     can_refuse = ("passive", "active")
     own_options = ()
+    tls_ways = ()
 
     def __init__(
         self,
@@ -66,6 +45,9 @@ class FtpServer:
         for name in own:
             if name not in self.own_options:
                 raise ValueError(f"{self.kind} has no option {name}")
+        self.tls = own.get("tls")
+        if self.tls not in (None, *self.tls_ways):
+            raise ValueError(f"{self.kind} has no TLS that is {self.tls}")
         self.host = HOST
         self.port = 0
         self.user = user
@@ -80,6 +62,7 @@ class FtpServer:
         # vsftpd wants an account whose home exists.
         self.account = pwd.getpwnam("daemon" if os.geteuid() == 0 else getpass.getuser())
         self.folder = None  # what the server needs, and its log
+        self.told = {}  # what the environment tells beside what it always does
         self._keeper = None
 
     def __enter__(self):
@@ -118,9 +101,28 @@ class FtpServer:
 
     def end_sessions(self):
         """Kills the processes of all sessions, so that their connections break. Returns how many."""
-        self._keeper.stdin.write("end sessions\n")
+        return self._ask_keeper("end sessions")
+
+    def session_processes(self):
+        """How many processes there are for sessions: none when nobody is connected, one or more for each."""
+        return self._ask_keeper("count sessions")
+
+    def wait_for_sessions(self, processes):
+        """Until there are no more of their processes. A session may outlast its connection by a moment."""
+        deadline = time.monotonic() + PATIENCE
+        while self.session_processes() > processes:
+            if time.monotonic() > deadline:
+                raise TimeoutError(f"{self.kind} does not end its sessions: {self.log()}")
+            time.sleep(0.005)
+
+    def _ask_keeper(self, question):
+        self._keeper.stdin.write(question + "\n")
         self._keeper.stdin.flush()
         return int(self._keeper.stdout.readline())
+
+    def reached_by(self, port):
+        """Clients come by another port from now on, a relay's."""
+        self.port = port
 
     def environment(self):
         return {
@@ -129,6 +131,7 @@ class FtpServer:
             "MOSAICON_FTP_USER": self.user,
             "MOSAICON_FTP_PASSWORD": self.password,
             "MOSAICON_FTP_ROOT": str(self.root),
+            **self.told,
         }
 
     def log(self):
@@ -158,7 +161,10 @@ class FtpServer:
             )
         deadline = time.monotonic() + PATIENCE
         while self._keeper.poll() is None:
-            if self._answers():
+            if greets(self.port, self.tls == "implicit", leave="connections" in self.own):
+                # Our own look at the server must not count among its connections.
+                if "connections" in self.own:
+                    self.wait_for_sessions(0)
                 return True
             if time.monotonic() > deadline:
                 raise RuntimeError(f"{self.kind} does not answer: {self.log()}")
@@ -167,32 +173,5 @@ class FtpServer:
         self._keeper = None
         return False
 
-    def _answers(self):
-        try:
-            with socket.create_connection((HOST, self.port), timeout=PATIENCE) as connection:
-                return connection.recv(1) != b""
-        except OSError:
-            return False
-
     def command(self):
         raise NotImplementedError
-
-    def refused_commands(self):
-        return [
-            *([] if self.passive else ["PASV", "EPSV"]),
-            *([] if self.active else ["PORT", "EPRT"]),
-        ]
-
-    def write(self, name, text, mode=0o644):
-        path = self.folder / name
-        path.write_text(text)
-        path.chmod(mode)
-        return path
-
-    def program(self, *parts):
-        """The start of a command line: an unpacked program with the libraries that came with it."""
-        path = INSTALLED.joinpath(*parts)
-        if not path.exists():
-            raise RuntimeError(f"{path} is missing: scripts/set-up.sh installs it")
-        libraries = ":".join(str(INSTALLED / name / "x86_64-linux-gnu") for name in ("usr/lib", "lib"))
-        return ["env", f"LD_LIBRARY_PATH={libraries}", str(path)]

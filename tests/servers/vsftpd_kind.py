@@ -1,14 +1,24 @@
 """vsftpd, as a server of ftp_servers.py."""
 
 import os
-import subprocess
 
-from server_base import HOST, INSTALLED, UMASK, FtpServer
+from server_base import FtpServer
+from server_tools import HOST, UMASK
 
 
 class Vsftpd(FtpServer):
     kind = "vsftpd"
-    own_options = ("anonymous", "broken")
+    own_options = (
+        "anonymous",
+        "broken",
+        "certificate",
+        "connections",
+        "full",
+        "read_only",
+        "reuse",
+        "tls",
+    )
+    tls_ways = ("offered", "required", "implicit")
 
     def command(self):
         anonymous = self.own.get("anonymous", False)
@@ -26,7 +36,7 @@ class Vsftpd(FtpServer):
             "secure_chroot_dir": empty,
             "nopriv_user": "nobody",
             "seccomp_sandbox": "NO",
-            "write_enable": "NO" if anonymous else "YES",
+            "write_enable": "NO" if anonymous or self.own.get("read_only") else "YES",
             "connect_from_port_20": "NO",
             "ascii_upload_enable": "YES",
             "ascii_download_enable": "YES",
@@ -37,16 +47,33 @@ class Vsftpd(FtpServer):
         }
         if self.idle:
             settings["idle_session_timeout"] = self.idle
+        if self.own.get("connections"):
+            settings["max_per_ip"] = self.own["connections"]
+        if self.tls:
+            settings.update(self._for_tls())
         if self.banner:
             settings["banner_file"] = self.write("banner", self.banner.rstrip("\n") + "\n")
         configuration = self.write("vsftpd.conf", "".join(f"{k}={v}\n" for k, v in settings.items()))
-        start = self.program("usr", "sbin", "vsftpd")
-        if not anonymous:
-            start[1:1] = [
-                f"LD_PRELOAD={INSTALLED / 'pam_in_folder.so'}",
-                f"MOSAICON_PAM_FOLDER={self.folder / 'pam'}",
-            ]
-        return [*start, str(configuration)]
+        rules = {} if anonymous else {"MOSAICON_PAM_FOLDER": self.pam}
+        return [*self.program("usr", "sbin", "vsftpd", **rules), str(configuration)]
+
+    def _for_tls(self):
+        made = self.tls_files()
+        forced = "NO" if self.tls == "offered" else "YES"
+        return {
+            "ssl_enable": "YES",
+            "implicit_ssl": "YES" if self.tls == "implicit" else "NO",
+            "force_local_logins_ssl": forced,
+            "force_local_data_ssl": forced,
+            "allow_anon_ssl": "YES",
+            "force_anon_logins_ssl": forced,
+            "force_anon_data_ssl": forced,
+            "require_ssl_reuse": "YES" if self.own.get("reuse", True) else "NO",
+            # Takes a key of any kind, but its own choice of ciphers is for RSA.
+            "rsa_cert_file": made.certificate,
+            "rsa_private_key_file": made.key,
+            "ssl_ciphers": "HIGH",
+        }
 
     def _for_anybody(self):
         # It refuses to show a folder that such a login may write into.
@@ -62,26 +89,7 @@ class Vsftpd(FtpServer):
         }
 
     def _for_login(self):
-        # A database, because the server takes away the exit codes of programs that would be asked.
-        subprocess.run(
-            [
-                "/usr/bin/perl",
-                "-MDB_File",
-                "-e",
-                "tie(%h, 'DB_File', $ARGV[0], O_CREAT|O_RDWR, 0600, $DB_HASH);" "$h{$ARGV[1]} = $ARGV[2]",
-                str(self.folder / "logins.db"),
-                self.user,
-                self.password,
-            ],
-            check=True,
-        )
-        (self.folder / "pam").mkdir(exist_ok=True)
-        self.write(
-            "pam/vsftpd",
-            "".join(
-                f"{what} required pam_userdb.so db={self.folder}/logins\n" for what in ("auth", "account")
-            ),
-        )
+        self.write_rules("vsftpd", "auth", "account")
         return {
             "anonymous_enable": "NO",
             "local_enable": "YES",
