@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "files/path_text.h"
+#include "files/write_file.h"
 #include "support/temporary_folder.h"
 
 namespace mirror {
@@ -16,7 +17,7 @@ class LocalTreeTest : public testing::Test {
   void Put(const std::string& name, const std::string& bytes = "x") const {
     const fs::path path = Folder() / files::PathOf(name);
     fs::create_directories(path.parent_path());
-    WriteFile(path.string(), bytes);
+    EXPECT_FALSE(files::WriteFile(path, bytes));
   }
   fs::path Folder() const { return m_folder.Path("map"); }
   std::vector<std::string> Names() const {

@@ -14,8 +14,8 @@ namespace {
 
 using Kind = RemoteJob::Kind;
 
-constexpr int kRounds = 2;              // of sending what did not arrive whole
-constexpr size_t kEnoughFailures = 10;  // one after the other
+constexpr int kRounds = 2;             // of sending what did not arrive whole
+constexpr size_t kEnoughFailures = 5;  // one after the other
 
 // A file that was changed a moment ago may be changed again without another time: clocks of disks are coarse.
 constexpr std::chrono::seconds kCoarse{3};
@@ -158,6 +158,7 @@ bool Publication::Send() {
     if (!planned.isSent) files.push_back(&planned);
   }
   for (int round = 0; round < kRounds && !files.empty(); ++round) {
+    m_isLastRound = round + 1 == kRounds;
     if (!SendAll(files)) return false;
     if (!m_report.problems.empty()) break;
     if (!Check(files)) return false;
@@ -188,7 +189,8 @@ bool Publication::SendAll(const std::vector<PlannedFile*>& files) {
 void Publication::TakeSent(PlannedFile& planned, const Outcome& outcome) {
   const LocalFile& file = planned.file;
   if (outcome.fault != Fault::kNone) {
-    Fail(file.path, outcome.text);
+    // What a server refuses now it may take in a moment.
+    if (outcome.fault != Fault::kRefused || m_isLastRound) Fail(file.path, outcome.text);
     if (outcome.fault == Fault::kFull) m_jobs.GiveUp("the server has no space left: " + outcome.text);
     if (++m_failuresInARow >= kEnoughFailures) m_jobs.GiveUp(outcome.text);
     return;
@@ -213,14 +215,14 @@ bool Publication::Check(std::vector<PlannedFile*>& files) {
   if (!Went(m_survey.LookAgain(folders), m_survey.Reason())) return false;
   std::erase_if(files, [&](const PlannedFile* planned) {
     const std::string name = RemoteNameOf(*planned);
-    if (!IsListed(name)) return true;
+    if (!planned->isSent || !IsListed(name)) return planned->isSent;
     const auto found = m_survey.Tree().find(name);
     if (found == m_survey.Tree().end()) return false;
     return found->second.size.value_or(planned->file.state.size) == planned->file.state.size;
   });
   for (PlannedFile* planned : files) {
+    if (planned->isSent) --m_report.filesSent;
     planned->isSent = false;
-    --m_report.filesSent;
   }
   return true;
 }

@@ -99,6 +99,7 @@ class Publication {
   RemoteSurvey m_survey;
   PublicationReport m_report;
   std::size_t m_failuresInARow = 0;
+  bool m_isLastRound = false;
   mutable std::mutex m_mutex;
   PublicationProgress m_progress;  // guarded
 };

@@ -188,7 +188,7 @@ TEST_F(PublicationFaults, EndItWhenTheServerWantsNothing) {
   const PublicationReport report = Publish();
   EXPECT_EQ(report.result, PublicationResult::kFailed);
   EXPECT_EQ(report.reason, "550 permission denied");
-  EXPECT_LE(m_store.Count("send"), 14U);
+  EXPECT_LE(m_store.Count("send"), 9U);
 }
 
 TEST_F(PublicationFaults, StopWithinAMoment) {

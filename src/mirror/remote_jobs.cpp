@@ -52,6 +52,7 @@ void RemoteJobs::StartWaiting() {
     m_waiting.pop_front();
     task.doneBefore = m_done;
     task.started = m_clock.Now();
+    task.connections = static_cast<int>(most);
     const std::uint64_t id = m_nextId++;
     m_store.Start(id, task.job);
     m_running.emplace(id, std::move(task));
@@ -70,7 +71,7 @@ void RemoteJobs::Take(const FinishedJob& finished) {
       return TakeRefusedConnection(std::move(task), finished.outcome);
     case Fault::kHopeless:
       // Some servers refuse the login where they mean that there are enough connections.
-      if (m_done > 0 && m_connections > 1) return TakeRefusedConnection(std::move(task), finished.outcome);
+      if (task.connections > 1) return TakeRefusedConnection(std::move(task), finished.outcome);
       m_reason = finished.outcome.text;
       return;
     default:
@@ -117,8 +118,7 @@ void RemoteJobs::TakeRefusedConnection(Task task, const Outcome& outcome) {
     // The only one. It may be that of an earlier run that the server has not noticed the end of.
     return TakeLoss(std::move(task), {.id = 0, .outcome = outcome, .entries = {}});
   }
-  m_connections = std::clamp(static_cast<int>(m_running.size()), 1, m_connections - 1);
-  m_store.SetConnections(m_connections);
+  m_store.SetConnections(--m_connections);
   m_waiting.push_front(std::move(task));
 }
 

@@ -27,7 +27,7 @@ struct Patience {
   std::chrono::seconds firstPause{1};     // after a break of the line; each further one is twice as long,
   std::chrono::seconds longestPause{30};  // up to this
   std::chrono::seconds outage{600};       // without one job done after which it is given up
-  int attempts = 4;                       // for a job that breaks the line each time while others get done
+  int attempts = 3;                       // for a job that breaks the line each time while others get done
 };
 
 enum class Ending { kDone, kStopped, kHopeless };
@@ -62,6 +62,7 @@ class RemoteJobs {
   struct Task {
     RemoteJob job;
     OnEnd onEnd;
+    int connections = 1;  // that it was started among
     int losses = 0;
     int attempts = 0;
     std::uint64_t doneBefore = 0;  // how many jobs were done when it was started
