@@ -155,6 +155,9 @@ std::string BatchHelp() {
          "  --quiet                print nothing but problems\n"
          "  --help, --version\n"
          "\n"
+         "mosaicon-batch --publish ADDRESS FOLDER... publishes what was made; the option\n"
+         "--help behind that tells more.\n"
+         "\n"
          "Exit codes: 0 all done, 1 some orthophoto failed or was skipped, 2 wrong arguments,\n"
          "3 tools or target folder missing, 130 aborted.\n";
 }

@@ -10,6 +10,8 @@
 #include "batch/careful_runner.h"
 #include "batch/console_host.h"
 #include "batch/inputs.h"
+#include "batch/publish_arguments.h"
+#include "batch/publish_windows.h"
 #include "batch/report_lines.h"
 #include "files/system_files.h"
 #include "handles/dll_folders.h"
@@ -113,6 +115,7 @@ int RunJob(const BatchArguments& arguments) {
 }
 
 int Run(const std::vector<std::string>& words) {
+  if (IsAboutPublishing(words)) return PublishFromCommandLine(words);
   BatchArguments arguments;
   const std::string problem = ParseBatchArguments(words, arguments);
   if (!problem.empty()) {
