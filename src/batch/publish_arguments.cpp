@@ -5,6 +5,8 @@
 #include <functional>
 #include <map>
 
+#include "mirror/web_check.h"
+
 namespace {
 
 constexpr int kMostConnections = 16;
@@ -43,6 +45,12 @@ std::string ReadHostKey(const std::string& value, std::string& key) {
   return "";
 }
 
+std::string ReadWebAddress(const std::string& value, std::string& address) {
+  const std::string problem = mirror::FindWebAddressProblem(value);
+  address = value;
+  return problem.empty() ? "" : "--verify: " + problem;
+}
+
 using ValueReader = std::function<std::string(const std::string& value)>;
 
 std::map<std::string, ValueReader> ValueReaders(PublishArguments& arguments) {
@@ -58,6 +66,7 @@ std::map<std::string, ValueReader> ValueReaders(PublishArguments& arguments) {
        [&](const std::string& value) { return ReadConnections(value, arguments.connections); }},
       {"--limit-rate", [&](const std::string& value) { return ReadRate(value, arguments.bytesPerSecond); }},
       {"--host-key", [&](const std::string& value) { return ReadHostKey(value, arguments.hostKey); }},
+      {"--verify", [&](const std::string& value) { return ReadWebAddress(value, arguments.webAddress); }},
       {"--user", text(arguments.user)},
       {"--netrc", text(arguments.netrcFile)},
       {"--key", text(arguments.keyFile)},
@@ -132,6 +141,8 @@ std::string PublishHelp() {
          "  --certificates FILE    of servers, in PEM, beside those of the system\n"
          "  --dry-run              say what there is to do, and do nothing\n"
          "  --delete               delete what is only on the server\n"
+         "  --verify URL           look at what was published as visitors see it: the web\n"
+         "                         address of ADDRESS, such as https://example.org/maps\n"
          "  --connections N        at once, 1 to 16 (default 4)\n"
          "  --limit-rate BYTES     a second, such as 500k or 2M\n"
          "  --quiet                print nothing but problems\n"

@@ -19,6 +19,7 @@ struct PublishArguments {
   std::string netrcFile;
   std::string keyFile;
   bool useAgent = false;
+  std::string webAddress;    // of the folder at the address; empty: it is not looked at
   std::string hostKey;       // accepted when the host is not known yet
   std::string certificates;  // a file
   bool quiet = false;

@@ -26,6 +26,8 @@ TEST(PublishArguments, AreThoseOfTheCommand) {
                        "n",
                        "--certificates",
                        "c.pem",
+                       "--verify",
+                       "https://example.org/maps",
                        "--quiet",
                        "a",
                        "--",
@@ -42,6 +44,7 @@ TEST(PublishArguments, AreThoseOfTheCommand) {
   EXPECT_EQ(arguments.keyFile, "id");
   EXPECT_EQ(arguments.hostKey, "SHA256:abc");
   EXPECT_EQ(arguments.certificates, "c.pem");
+  EXPECT_EQ(arguments.webAddress, "https://example.org/maps");
 }
 
 TEST(PublishArguments, AreOthersWithoutPublish) {
@@ -69,6 +72,8 @@ TEST(PublishArguments, SayWhatIsWrong) {
        "--limit-rate needs bytes a second such as 500k or 2M, not \"5G\""},
       {{"--publish", "ftp://a/", "b", "--limit-rate", "0"},
        "--limit-rate needs bytes a second such as 500k or 2M, not \"0\""},
+      {{"--publish", "ftp://a/", "b", "--verify", "example.org"},
+       "--verify: a web address begins with http:// or https://"},
       {{"--publish", "ftp://a/", "b", "--host-key", "abc"},
        "--host-key needs a fingerprint that begins with SHA256:"},
   };

@@ -4,9 +4,11 @@
 #include <chrono>
 #include <cstdio>
 #include <ostream>
+#include <set>
 #include <thread>
 
 #include "files/path_text.h"
+#include "kvtools/ascii.h"
 #include "mirror/background_publication.h"
 
 namespace {
@@ -36,6 +38,11 @@ std::string Megabytes(std::uint64_t bytes) {
   return text;
 }
 
+std::string WebAddressOf(const std::string& parent, const std::string& name) {
+  if (parent.empty()) return "";
+  return parent + (parent.ends_with('/') ? "" : "/") + mirror::PercentEncoded(name);
+}
+
 class FolderPublisher {
  public:
   FolderPublisher(const PublishArguments& arguments, const PublishConsole& console)
@@ -56,13 +63,14 @@ class FolderPublisher {
       Problem("the connection is not encrypted: others on the way can read the password and the files");
     }
     TellReport(publication.Report(), job.address.Text());
+    const bool isRight = TellWeb(publication.Web(), job.webAddress);
     if (!publication.UnknownHostKey().empty()) {
       Problem("compare the key with what the owner of the server says; then add --host-key " +
               publication.UnknownHostKey());
     }
     const PublicationResult result = publication.Report().result;
     if (result == PublicationResult::kPlanned) return publication.Report().problems.empty();
-    return result == PublicationResult::kPublished;
+    return result == PublicationResult::kPublished && isRight;
   }
 
  private:
@@ -95,7 +103,7 @@ class FolderPublisher {
         break;
       case PublicationResult::kIncomplete:
         Problem("FAILED " + address + ": " + std::to_string(report.problems.size()) +
-                " problems; pages and KML were left as they were");
+                " problems; what visitors see was left as it was as far as possible");
         break;
       case PublicationResult::kFailed:
         Problem("FAILED " + address + ": " + report.reason);
@@ -109,6 +117,16 @@ class FolderPublisher {
             " are there");
         break;
     }
+  }
+
+  // Whether visitors see what they should.
+  bool TellWeb(const mirror::WebReport& web, const std::string& address) const {
+    for (const std::string& problem : web.problems) Problem("on the web: " + problem);
+    if (web.looked == 0 && !web.wasStopped) return true;
+    if (web.problems.empty() && !web.wasStopped) Say("Published and checked: " + address);
+    if (!web.problems.empty())
+      Problem("published, but visitors of " + address + " do not see what they should");
+    return web.problems.empty() && !web.wasStopped;
   }
 
   void TellPlan(const mirror::PublishPlan& plan) const {
@@ -145,15 +163,22 @@ int Publish(const PublishArguments& arguments, const PublishSecrets& secrets,
   job.options.dryRun = arguments.dryRun;
   FolderPublisher publisher(arguments, console);
   bool isAllPublished = true;
+  std::set<std::string> names;
   for (const std::string& folder : arguments.folders) {
     job.folder = console.pathOf(folder);
     const std::string name = RemoteNameOf(job.folder);
-    if (name.empty()) {
-      console.problems << "mosaicon-batch: " << folder << " has no name to publish it under" << std::endl;
+    // Servers may not tell capital from small letters.
+    const bool isTaken = !names.insert(LowerAscii(name)).second;
+    if (name.empty() || isTaken) {
+      console.problems << "mosaicon-batch: FAILED " << console.shown(folder)
+                       << (isTaken ? ": another folder was published under this name"
+                                   : ": it has no name to publish it under")
+                       << std::endl;
       isAllPublished = false;
       continue;
     }
     job.address = arguments.address.Below(name);
+    job.webAddress = WebAddressOf(arguments.webAddress, name);
     isAllPublished &= publisher.Publish(job);
     if (console.isInterrupted()) return kPublishingAborted;
   }

@@ -86,6 +86,15 @@ TEST_F(PublishCommandTest, TellsWhatFailed) {
       << m_problems.str();
 }
 
+TEST_F(PublishCommandTest, PublishesNoTwoFoldersUnderOneName) {
+  std::filesystem::create_directories(m_folder.Path("other/A_map"));
+  WriteFile(m_folder.Path("other/A_map/leaflet.html"), "another");
+  m_arguments.folders.push_back(m_folder.Path("other/A_map"));
+  EXPECT_EQ(Run(), kPublishedInPart);
+  EXPECT_NE(m_problems.str().find("another folder was published under this name"), std::string::npos);
+  EXPECT_EQ(Published("leaflet.html"), "page");
+}
+
 TEST_F(PublishCommandTest, EndsWhenItIsInterrupted) {
   m_isInterrupted = true;
   EXPECT_EQ(Run(), kPublishingAborted);

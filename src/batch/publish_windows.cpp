@@ -5,10 +5,12 @@
 // Behind windows.h.
 #include <wincred.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <filesystem>
 #include <iostream>
+#include <iterator>
 #include <memory>
 
 #include "batch/publish_arguments.h"
@@ -100,11 +102,13 @@ std::optional<StoredLogin> FindStoredLogin(const mirror::PublishAddress& address
 }
 
 int PublishFromCommandLine(const std::vector<std::string>& words) {
+  std::vector<std::string> texts;
+  std::transform(words.begin(), words.end(), std::back_inserter(texts), Utf8FromAnsi);
   PublishArguments arguments;
-  const std::string problem = ParsePublishArguments(words, arguments);
+  const std::string problem = ParsePublishArguments(texts, arguments);
   if (!problem.empty()) {
-    std::cerr << "mosaicon-batch: " << problem << "\nTry mosaicon-batch --publish ftp://host/ --help"
-              << std::endl;
+    std::cerr << "mosaicon-batch: " << AnsiFromUtf8(problem)
+              << "\nTry mosaicon-batch --publish ftp://host/ --help" << std::endl;
     return kWrongArguments;
   }
   if (arguments.help) {
@@ -118,6 +122,6 @@ int PublishFromCommandLine(const std::vector<std::string>& words) {
                  {.out = std::cout,
                   .problems = std::cerr,
                   .isInterrupted = [] { return g_isInterrupted.load(); },
-                  .pathOf = [](const std::string& text) { return files::PathOf(Utf8FromAnsi(text)); },
+                  .pathOf = [](const std::string& text) { return files::PathOf(text); },
                   .shown = AnsiFromUtf8});
 }

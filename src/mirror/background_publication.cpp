@@ -6,6 +6,7 @@
 #include "files/path_text.h"
 #include "mirror/curl_store.h"
 #include "mirror/folder_store.h"
+#include "mirror/web_visitor.h"
 
 namespace mirror {
 
@@ -13,6 +14,8 @@ namespace {
 
 PublicationJob Completed(PublicationJob job) {
   if (job.access.knownHosts.empty()) job.access.knownHosts = job.dataFolder / "known_hosts";
+  // What was sent to one user's folder says nothing of another's.
+  if (job.address.user.empty()) job.address.user = job.access.user;
   return job;
 }
 
@@ -36,11 +39,24 @@ BackgroundPublication::~BackgroundPublication() {
   m_thread.join();
 }
 
+void BackgroundPublication::Stop() {
+  m_isStopped = true;
+  m_publication->Stop();
+}
+
+void BackgroundPublication::LookOnTheWeb() {
+  const auto isStopped = [this] { return m_isStopped.load(); };
+  CurlWebVisitor visitor(m_job.access.certificates, isStopped);
+  m_web = CheckOnTheWeb(visitor, m_job.webAddress, ReadLocalTree(m_job.folder), isStopped);
+}
+
 void BackgroundPublication::Run() {
   try {
     const std::string problem = m_manifest.Open(m_job.dataFolder, m_job.address.Text());
     if (problem.empty()) {
       m_report = m_publication->Run(m_job.folder);
+      const bool isPublished = m_report.result == PublicationResult::kPublished;
+      if (isPublished && !m_job.webAddress.empty()) LookOnTheWeb();
     } else {
       m_report.reason = problem;
     }

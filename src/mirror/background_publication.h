@@ -12,6 +12,7 @@
 #include "mirror/publication.h"
 #include "mirror/publish_address.h"
 #include "mirror/server_access.h"
+#include "mirror/web_check.h"
 
 namespace mirror {
 
@@ -20,6 +21,7 @@ struct PublicationJob {
   ServerAccess access;     // but for knownHosts, which lies in dataFolder unless it is named
   std::filesystem::path folder;
   std::filesystem::path dataFolder;  // of the user: manifests, keys of hosts
+  std::string webAddress;            // of the folder, to look at it there in the end; may be empty
   PublicationOptions options;
 };
 
@@ -33,17 +35,20 @@ class BackgroundPublication {
   BackgroundPublication& operator=(const BackgroundPublication&) = delete;
 
   bool IsDone() const { return m_isDone; }
-  void Stop() { m_publication->Stop(); }
+  void Stop();
   PublicationProgress Progress() const { return m_publication->Progress(); }
 
   // The rest is for afterwards.
   const PublicationReport& Report() const { return m_report; }
+  // Of what was published, and has a web address.
+  const WebReport& Web() const { return m_web; }
   bool WasEncrypted() const;
   // Of a host that nobody knows yet: whoever trusts it tries again with this accepted. Empty otherwise.
   std::string UnknownHostKey() const;
 
  private:
   void Run();
+  void LookOnTheWeb();
 
   const PublicationJob m_job;
   std::unique_ptr<RemoteStore> m_store;
@@ -51,6 +56,8 @@ class BackgroundPublication {
   Clock m_clock;
   std::unique_ptr<Publication> m_publication;
   PublicationReport m_report;
+  WebReport m_web;
+  std::atomic<bool> m_isStopped = false;
   std::atomic<bool> m_isDone = false;
   std::thread m_thread;
 };

@@ -60,6 +60,9 @@ Outcome OutcomeOf(const CurlEnd& end) {
     case CURLE_OK:
       return {};
     case CURLE_LOGIN_DENIED:
+      // What was let in before has the right password: it may count connections that it has not seen the end
+      // of.
+      if (end.wasInBefore) return {Fault::kTooMany, Words(end)};
       return {Fault::kHopeless, "the server refuses the login: " + Words(end)};
     case CURLE_PEER_FAILED_VERIFICATION:
     case CURLE_SSL_CACERT_BADFILE:
@@ -97,7 +100,7 @@ Outcome OutcomeOf(const CurlEnd& end) {
       return {Fault::kRefused, "the server lists more than can be looked at"};
     default:
       // The data connection may break before the server says why.
-      if (end.wasInBefore && end.answer >= kRefusal && end.answer != kServiceNotAvailable) {
+      if (end.isSending && end.answer >= kRefusal && end.answer != kServiceNotAvailable) {
         return {FaultOfAnswer(end), Words(end)};
       }
       return Lost(end);

@@ -17,6 +17,7 @@ struct CurlEnd {
   std::string error;         // curl's own words
   bool wasInBefore = false;  // whether this server has let us in already
   bool isList = false;
+  bool isSending = false;
   bool isGreeting = false;  // the line is the first of a new connection
 };
 

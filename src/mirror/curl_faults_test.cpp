@@ -7,7 +7,12 @@ namespace mirror {
 namespace {
 
 CurlEnd End(CURLcode code, long answer = 0, const std::string& line = "") {
-  return {.code = code, .answer = answer, .lastLine = line, .error = "curl's words", .wasInBefore = true};
+  return {.code = code,
+          .answer = answer,
+          .lastLine = line,
+          .error = "curl's words",
+          .wasInBefore = true,
+          .isSending = true};
 }
 
 TEST(CurlFaults, AreWhatTheServerMeans) {
@@ -17,7 +22,7 @@ TEST(CurlFaults, AreWhatTheServerMeans) {
     Fault fault;
   } ends[] = {
       {CURLE_OK, 226, Fault::kNone},
-      {CURLE_LOGIN_DENIED, 530, Fault::kHopeless},
+      {CURLE_LOGIN_DENIED, 530, Fault::kTooMany},
       {CURLE_PEER_FAILED_VERIFICATION, 0, Fault::kHopeless},
       {CURLE_USE_SSL_FAILED, 502, Fault::kHopeless},
       {CURLE_OPERATION_TIMEDOUT, 421, Fault::kLost},
@@ -60,6 +65,8 @@ TEST(CurlFaults, AreHopelessBeforeTheFirstSuccess) {
   end.wasInBefore = false;
   EXPECT_EQ(OutcomeOf(end).fault, Fault::kHopeless);
   EXPECT_EQ(OutcomeOf(end).text, "curl's words");
+  end.code = CURLE_LOGIN_DENIED;
+  EXPECT_EQ(OutcomeOf(end).fault, Fault::kHopeless);
 }
 
 TEST(CurlFaults, OfAGreetingAreTooManyConnections) {

@@ -19,6 +19,8 @@ constexpr long kConnectSeconds = 30;
 constexpr long kAnswerSeconds = 60;
 constexpr long kIdleSeconds = 60;
 constexpr long kListSeconds = 900;
+constexpr std::uint64_t kSendSeconds = 120;  // and one for so many bytes:
+constexpr std::uint64_t kSlowest = 1000;
 constexpr long kSshBuffer = 1 << 20;           // bytes
 constexpr size_t kLongestListing = 256 << 20;  // bytes
 
@@ -79,12 +81,15 @@ void CurlJob::SetUp() {
   m_error = {};
   m_lastLine.clear();
   m_lines = 0;
+  m_hasNewName = false;
   Set(handle, CURLOPT_PRIVATE, this);
   Set(handle, CURLOPT_ERRORBUFFER, m_error.data());
   Set(handle, CURLOPT_NOSIGNAL, 1L);
   Set(handle, CURLOPT_QUICK_EXIT, 1L);
   Set(handle, CURLOPT_PROTOCOLS_STR, "ftp,ftps,sftp");
   Set(handle, CURLOPT_REDIR_PROTOCOLS_STR, "");
+  // One for the web would be asked to write, and told the password.
+  Set(handle, CURLOPT_PROXY, "");
   Set(handle, CURLOPT_CONNECTTIMEOUT, kConnectSeconds);
   Set(handle, CURLOPT_SERVER_RESPONSE_TIMEOUT, kAnswerSeconds);
   Set(handle, CURLOPT_LOW_SPEED_LIMIT, 1L);
@@ -195,6 +200,7 @@ void CurlJob::SetUpSending() {
   m_read = 0;
   SetUrl(PathOnServer(m_job.path));
   Set(handle, CURLOPT_UPLOAD, 1L);
+  Set(handle, CURLOPT_TIMEOUT, static_cast<long>(kSendSeconds + m_job.size / kSlowest));
   Set(handle, CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(m_job.size));
   Set(handle, CURLOPT_READFUNCTION, OnRead);
   Set(handle, CURLOPT_READDATA, this);
@@ -243,8 +249,7 @@ std::vector<std::string> CurlJob::Commands() const {
     case Kind::kRename:
     case Kind::kReplace: {
       std::vector<std::string> commands;
-      if (m_deletesFirst || (isSsh && m_job.kind == Kind::kReplace))
-        commands.push_back("*" + one("rm", "DELE", target));
+      if (m_deletesFirst) commands.push_back("*" + one("rm", "DELE", target));
       if (isSsh) {
         commands.push_back("rename " + Quoted(path) + " " + Quoted(target));
       } else {
@@ -259,9 +264,11 @@ std::vector<std::string> CurlJob::Commands() const {
 }
 
 bool CurlJob::HasOtherWay(const Outcome& outcome) const {
-  if (m_session.IsSsh() || m_isEntering) return false;
+  if (m_isEntering) return false;
   if (m_job.kind == Kind::kList) return m_withFacts && IsUnknownCommand(m_lastLine);
-  return m_job.kind == Kind::kReplace && outcome.fault == Fault::kRefused && !m_deletesFirst;
+  if (m_job.kind != Kind::kReplace || outcome.fault != Fault::kRefused || m_deletesFirst) return false;
+  // Only where it is the target that is in the way: without the file that comes in its place it must stay.
+  return m_session.IsSsh() ? outcome.text.find("not found") == std::string::npos : m_hasNewName;
 }
 
 void CurlJob::TakeOtherWay() {
@@ -287,8 +294,17 @@ FinishedJob CurlJob::Finish(CURLcode code) {
     if (isInHome && !rest.empty() && !home.ends_with('/')) m_session.root += '/';
     m_session.root += rest;
   }
-  if (m_job.kind == Kind::kList && !m_isEntering) finished.entries = ParseListing(m_listing);
+  if (m_job.kind == Kind::kList && !m_isEntering) TakeListing(finished);
   return finished;
+}
+
+void CurlJob::TakeListing(FinishedJob& finished) const {
+  Listing listing = ParseListing(m_listing);
+  finished.entries = std::move(listing.entries);
+  if (listing.isUnderstood) return;
+  finished.entries.clear();
+  // Not missing: what is there must not be taken for nothing.
+  finished.outcome = {Fault::kIllegible, "the server lists the folder in a way that is not understood"};
 }
 
 Outcome CurlJob::TellOutcome(CURLcode code) {
@@ -306,6 +322,7 @@ Outcome CurlJob::TellOutcome(CURLcode code) {
                  .error = m_error.data(),
                  .wasInBefore = m_session.isIn,
                  .isList = m_job.kind == Kind::kList && !m_isEntering,
+                 .isSending = m_job.kind == Kind::kSend && !m_isEntering,
                  .isGreeting = false};
   long connects = 0;
   curl_easy_getinfo(m_handle, CURLINFO_RESPONSE_CODE, &end.answer);
@@ -318,7 +335,9 @@ size_t CurlJob::OnAnswer(char* text, size_t /*one*/, size_t size, void* job) {
   auto* self = static_cast<CurlJob*>(job);
   self->m_lastLine.assign(text, size);
   ++self->m_lines;
-  if (self->m_lastLine.starts_with("234")) self->m_session.isEncrypted = true;
+  if (self->m_lastLine.starts_with("350")) self->m_hasNewName = true;
+  // Not in a greeting, which anybody may have written.
+  if (self->m_lines > 1 && self->m_lastLine.starts_with("234")) self->m_session.isEncrypted = true;
   return size;
 }
 

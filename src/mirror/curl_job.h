@@ -72,6 +72,7 @@ class CurlJob {
   void SetUrl(const std::string& path);
   std::string PathOnServer(const std::string& path) const;
   Outcome TellOutcome(CURLcode code);
+  void TakeListing(FinishedJob& finished) const;
 
   static size_t OnAnswer(char* text, size_t one, size_t size, void* job);
   static size_t OnListing(char* text, size_t one, size_t size, void* job);
@@ -86,6 +87,7 @@ class CurlJob {
   RemoteJob m_job;
   bool m_isEntering = false;
   bool m_withFacts = false;     // the listing is asked for by MLSD
+  bool m_hasNewName = false;    // the server has found what is to be renamed
   bool m_deletesFirst = false;  // before a rename
   std::array<char, CURL_ERROR_SIZE> m_error = {};
   std::string m_lastLine;

@@ -1,6 +1,6 @@
 #include "mirror/curl_store.h"
 
-#include <mutex>
+#include "mirror/curl_global.h"
 
 namespace mirror {
 
@@ -10,11 +10,6 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 constexpr milliseconds kPace{5};  // between looks whether the next file may go
-
-void InitialiseCurl() {
-  static std::once_flag once;
-  std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
-}
 
 }  // namespace
 
@@ -48,7 +43,8 @@ void CurlStore::Cancel() {
 
 bool CurlStore::IsEncrypted() const {
   const Scheme scheme = m_session.address.scheme;
-  return scheme == Scheme::kSftp || scheme == Scheme::kFtps || m_session.isEncrypted;
+  const bool isAlways = scheme == Scheme::kSftp || scheme == Scheme::kFtps || scheme == Scheme::kFtpes;
+  return isAlways || !m_session.isIn || m_session.isEncrypted;
 }
 
 std::size_t CurlStore::Running() const {
@@ -74,9 +70,9 @@ void CurlStore::StartWaiting() {
     FreeLane()->Enter(m_session);
     return;
   }
-  while (!m_waiting.empty() && !IsTooEarlyFor(m_waiting.front().second)) {
+  while (!m_waiting.empty()) {
     CurlLane* lane = FreeLane();
-    if (lane == nullptr) return;
+    if (lane == nullptr || IsTooEarlyFor(m_waiting.front().second)) return;
     const auto& [id, job] = m_waiting.front();
     lane->Start(m_session, id, job);
     m_waiting.pop_front();
@@ -103,10 +99,7 @@ void CurlStore::Go(std::vector<FinishedJob>& finished) {
       continue;
     }
     m_isEntering = false;
-    if (ended->outcome.fault == Fault::kNone) {
-      StartWaiting();
-      continue;
-    }
+    if (ended->outcome.fault == Fault::kNone) break;
     // What keeps it out is the outcome of who wanted in.
     finished.push_back({.id = m_waiting.front().first, .outcome = ended->outcome, .entries = {}});
     m_waiting.pop_front();

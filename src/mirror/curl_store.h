@@ -30,7 +30,7 @@ class CurlStore : public RemoteStore {
   void SetConnections(int count) override { m_session.connections = std::max(count, 1); }
   std::uint64_t BytesSent() const override { return m_session.bytesSent; }
 
-  // Whether nobody on the way can read along.
+  // Whether nobody on the way can read along; so it is where nothing was said yet.
   bool IsEncrypted() const;
   // The fingerprint of a host that nobody knows yet, after it was refused for that.
   const std::string& UnknownHostKey() const { return m_session.unknownHostKey; }

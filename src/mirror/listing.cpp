@@ -145,10 +145,18 @@ std::optional<RemoteEntry> ParseDos(std::string_view line) {
   return RemoteEntry{.name = std::string(name), .kind = EntryKind::kFile, .size = Number(size)};
 }
 
+// The folder itself and the one above it, under whatever name.
+bool IsOfTheFolderItself(std::string_view line) {
+  const std::string facts = LowerAscii(std::string(line.substr(0, line.find("; "))));
+  return facts.find("type=cdir") != std::string::npos || facts.find("type=pdir") != std::string::npos;
+}
+
 std::optional<RemoteEntry> ParseLine(std::string_view line) {
   if (auto entry = ParseUnix(line)) return entry;
   if (auto entry = ParseDos(line)) return entry;
-  return ParseFacts(line);
+  auto entry = ParseFacts(line);
+  if (entry && IsOfTheFolderItself(line)) entry->name = ".";
+  return entry;
 }
 
 }  // namespace
@@ -161,18 +169,21 @@ bool IsName(std::string_view name) {
   });
 }
 
-std::vector<RemoteEntry> ParseListing(std::string_view text) {
-  std::vector<RemoteEntry> entries;
+Listing ParseListing(std::string_view text) {
+  Listing listing;
   std::set<std::string> names;
   while (!text.empty()) {
     std::string_view line = text.substr(0, text.find('\n'));
     text.remove_prefix(std::min(line.size() + 1, text.size()));
     if (line.ends_with('\r')) line.remove_suffix(1);
     auto entry = ParseLine(line);
-    if (entry && IsName(entry->name) && names.insert(entry->name).second)
-      entries.push_back(std::move(*entry));
+    if (!entry) {
+      listing.isUnderstood &= Fields(line).AtEnd() || line.starts_with("total ");
+    } else if (IsName(entry->name) && names.insert(entry->name).second) {
+      listing.entries.push_back(std::move(*entry));
+    }
   }
-  return entries;
+  return listing;
 }
 
 }  // namespace mirror

@@ -17,7 +17,11 @@
 
 namespace mirror {
 
-std::vector<RemoteEntry> ParseListing(std::string_view text);
+struct Listing {
+  std::vector<RemoteEntry> entries;
+  bool isUnderstood = true;  // false: there is a line that could be anything
+};
+Listing ParseListing(std::string_view text);
 
 // Whether a name may stand in a path and in a command.
 bool IsName(std::string_view name);

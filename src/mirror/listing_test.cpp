@@ -14,7 +14,7 @@ std::string Shown(const RemoteEntry& entry) {
 }
 
 std::string Only(const std::string& line) {
-  const auto entries = ParseListing(line + "\r\n");
+  const auto entries = ParseListing(line + "\r\n").entries;
   return entries.size() == 1 ? Shown(entries[0]) : "";
 }
 
@@ -70,12 +70,23 @@ TEST(Listing, BelievesNoName) {
   }
   EXPECT_EQ(Only("type=cdir;size=1; ."), "");
   EXPECT_EQ(Only("type=pdir;size=1; .."), "");
-  EXPECT_EQ(ParseListing("type=file;size=1; a\ntype=dir; a\n").size(), 1U)
+  EXPECT_EQ(ParseListing("type=file;size=1; a\ntype=dir; a\n").entries.size(), 1U)
       << "what comes twice is there once";
 }
 
+TEST(Listing, SaysWhenItIsNotUnderstood) {
+  for (const char* text : {"", "\r\n", "total 12\r\n", "type=cdir; maps\r\n", "type=file;size=1; ../a\r\n",
+                           "-rw-r--r-- 1 ann users 12 Mar  7 14:05 .\n"}) {
+    EXPECT_TRUE(ParseListing(text).isUnderstood) << text;
+    EXPECT_EQ(ParseListing(text).entries.size(), 0U) << text;
+  }
+  for (const char* text : {"-rw-r--r-- 1 ann users 12 7. Mär 14:05 a\n", "a.png\n", "type=file\n"}) {
+    EXPECT_FALSE(ParseListing(text).isUnderstood) << text;
+  }
+}
+
 TEST(Listing, HasManyLines) {
-  const auto entries = ParseListing("total 2\r\ntype=file;size=1; a\n\ntype=file;size=2; b");
+  const auto entries = ParseListing("total 2\r\ntype=file;size=1; a\n\ntype=file;size=2; b").entries;
   ASSERT_EQ(entries.size(), 2U);
   EXPECT_EQ(Shown(entries[0]), "F 1 a");
   EXPECT_EQ(Shown(entries[1]), "F 2 b");

@@ -139,7 +139,7 @@ bool Publication::MakeFolders() {
     for (const std::string& folder : folders) {
       m_jobs.Add({.kind = Kind::kMakeFolder, .path = folder, .target = "", .source = {}},
                  [this, folder](const FinishedJob& finished) {
-                   if (finished.outcome.fault != Fault::kNone) Fail(folder, finished.outcome.text);
+                   if (finished.outcome.fault != Fault::kNone) LookForFolder(folder, finished.outcome);
                  });
     }
     if (!Went(m_jobs.Drain(), m_jobs.Reason())) return false;
@@ -149,6 +149,14 @@ bool Publication::MakeFolders() {
     }
   }
   return true;
+}
+
+// It may have been made just before the line broke.
+void Publication::LookForFolder(const std::string& folder, const Outcome& refused) {
+  m_jobs.Add({.kind = Kind::kList, .path = folder, .target = "", .source = {}},
+             [this, folder, refused](const FinishedJob& finished) {
+               if (finished.outcome.fault != Fault::kNone) Fail(folder, refused.text);
+             });
 }
 
 // Until everything is there, under its own or under its staged name.
@@ -217,7 +225,7 @@ bool Publication::Check(std::vector<PlannedFile*>& files) {
     const std::string name = RemoteNameOf(*planned);
     if (!planned->isSent || !IsListed(name)) return planned->isSent;
     const auto found = m_survey.Tree().find(name);
-    if (found == m_survey.Tree().end()) return false;
+    if (found == m_survey.Tree().end() || found->second.kind != EntryKind::kFile) return false;
     return found->second.size.value_or(planned->file.state.size) == planned->file.state.size;
   });
   for (PlannedFile* planned : files) {
@@ -241,7 +249,7 @@ bool Publication::Place() {
                   .source = {}},
                  [this, next](const FinishedJob& finished) { TakePlaced(*next, finished.outcome); });
     }
-    if (!Went(m_jobs.Drain(), m_jobs.Reason())) return false;
+    if (!Went(m_jobs.Drain(), m_jobs.Reason()) || !CheckInPlace()) return false;
     // Pages and KML that show what is not in its place would be worse than the old ones.
     if (!m_report.problems.empty()) {
       m_report.result = PublicationResult::kIncomplete;
@@ -254,22 +262,43 @@ bool Publication::Place() {
 void Publication::TakePlaced(const PlannedFile& planned, const Outcome& outcome) {
   if (outcome.fault == Fault::kNone) return NotePlaced(planned.file.path);
   // Not all servers let one rename.
-  if (outcome.fault == Fault::kRefused) return SendInPlace(planned);
+  if (outcome.fault == Fault::kRefused) return SendInPlace(planned, outcome);
   Fail(planned.file.path, outcome.text);
 }
 
-void Publication::SendInPlace(const PlannedFile& planned) {
-  const std::string& path = planned.file.path;
-  m_jobs.Add({.kind = Kind::kSend,
-              .path = path,
-              .target = "",
-              .source = planned.file.source,
-              .size = planned.file.state.size},
-             [this, path](const FinishedJob& finished) {
-               if (finished.outcome.fault != Fault::kNone) return Fail(path, finished.outcome.text);
-               NotePlaced(path);
-               m_report.plan.leftovers.push_back(StagedName(path));
-             });
+void Publication::SendInPlace(const PlannedFile& planned, const Outcome& refused) {
+  const LocalFile& file = planned.file;
+  const auto there = m_survey.Tree().find(file.path);
+  const bool isLink = there != m_survey.Tree().end() && there->second.kind != EntryKind::kFile;
+  if (isLink || StateOf(file.source) != file.state) return Fail(file.path, refused.text);
+  m_jobs.Add(
+      {.kind = Kind::kSend, .path = file.path, .target = "", .source = file.source, .size = file.state.size},
+      [this, &planned](const FinishedJob& finished) {
+        const std::string& path = planned.file.path;
+        if (finished.outcome.fault != Fault::kNone) return Fail(path, finished.outcome.text);
+        m_sentInPlace.push_back(&planned);
+        m_report.plan.leftovers.push_back(StagedName(path));
+      });
+}
+
+// What was sent in its place is looked at like all that was sent.
+bool Publication::CheckInPlace() {
+  std::set<std::string> folders;
+  for (const PlannedFile* planned : m_sentInPlace) folders.insert(ParentOf(planned->file.path));
+  if (!folders.empty() && !Went(m_survey.LookAgain(folders), m_survey.Reason())) return false;
+  for (const PlannedFile* planned : m_sentInPlace) {
+    const auto found = m_survey.Tree().find(planned->file.path);
+    const bool isWhole = found != m_survey.Tree().end() &&
+                         found->second.size.value_or(planned->file.state.size) == planned->file.state.size &&
+                         StateOf(planned->file.source) == planned->file.state;
+    if (isWhole || !IsListed(planned->file.path)) {
+      NotePlaced(planned->file.path);
+    } else {
+      Fail(planned->file.path, "it does not arrive whole");
+    }
+  }
+  m_sentInPlace.clear();
+  return true;
 }
 
 void Publication::NotePlaced(const std::string& path) {

@@ -76,13 +76,15 @@ class Publication {
   bool Went(Ending ending, const std::string& reason);
   bool Survey(const LocalTree& local);
   bool MakeFolders();
+  void LookForFolder(const std::string& folder, const Outcome& refused);
   bool Send();
   bool SendAll(const std::vector<PlannedFile*>& files);
   void TakeSent(PlannedFile& planned, const Outcome& outcome);
   bool Check(std::vector<PlannedFile*>& wrong);
   bool Place();
   void TakePlaced(const PlannedFile& planned, const Outcome& outcome);
-  void SendInPlace(const PlannedFile& planned);
+  void SendInPlace(const PlannedFile& planned, const Outcome& refused);
+  bool CheckInPlace();
   void NotePlaced(const std::string& path);
   bool DeleteFiles(const std::vector<std::string>& paths);
   bool DeleteFolders();
@@ -98,6 +100,7 @@ class Publication {
   RemoteJobs m_jobs;
   RemoteSurvey m_survey;
   PublicationReport m_report;
+  std::vector<const PlannedFile*> m_sentInPlace;
   std::size_t m_failuresInARow = 0;
   bool m_isLastRound = false;
   mutable std::mutex m_mutex;

@@ -91,6 +91,57 @@ TEST_F(PublicationTest, NamesWhatIsOnlyOnTheServer) {
   EXPECT_EQ(m_store.Files(), expected);
 }
 
+TEST_F(PublicationTest, DeletesNothingThatDiffersInCapitalLettersOnly) {
+  m_store.Put("VALLEY.JPG", "another");
+  const PublicationReport report = Publish(m_store, {.deleteExtras = true, .patience = {}});
+  EXPECT_EQ(report.plan.extraFiles, std::vector<std::string>()) << "it may be the same file";
+  EXPECT_TRUE(m_store.Files().contains("VALLEY.JPG"));
+}
+
+TEST_F(PublicationTest, ReplacesNothingEarlyWhereAnyPageIsThere) {
+  m_store.Put("openlayers.html", "an old page");
+  m_store.Put("18/1/2.png", "an old tile");
+  m_store.m_onChange = [&] {
+    const bool isWaiting = m_store.Count("rename") + m_store.Count("replace") == 0;
+    if (isWaiting) {
+      EXPECT_EQ(m_store.Files()["18/1/2.png"].bytes, "an old tile");
+    }
+  };
+  EXPECT_EQ(Publish().result, PublicationResult::kPublished);
+  EXPECT_EQ(m_store.Count("rename") + m_store.Count("replace"), kFiles);
+}
+
+TEST_F(PublicationTest, SendsNothingToAFolderWhoseListingIsNotUnderstood) {
+  m_store.m_trouble = [](std::size_t, const RemoteJob& job) -> FakeStore::Trouble {
+    if (job.kind != RemoteJob::Kind::kList) return {};
+    return {.mishap = FakeStore::Mishap::kBefore, .outcome = {Fault::kIllegible, "it is not understood"}};
+  };
+  const PublicationReport report = Publish();
+  EXPECT_EQ(report.result, PublicationResult::kFailed);
+  EXPECT_EQ(report.reason, "it is not understood");
+  EXPECT_EQ(m_store.m_done.size(), 1U);
+}
+
+TEST_F(PublicationTest, DoesNotSendToALinkWithAStagedName) {
+  m_store.Files()["leaflet.html.~new"] = {EntryKind::kLink, "/etc/passwd"};
+  const PublicationReport report = Publish();
+  EXPECT_EQ(report.result, PublicationResult::kIncomplete);
+  EXPECT_EQ(report.problems, std::vector<std::string>{"leaflet.html.~new: on the server it is no file"});
+}
+
+TEST_F(PublicationTest, LooksAtWhatItCouldNotRename) {
+  Publish();
+  MakeMap("2");
+  m_store.m_canRename = false;
+  m_store.m_trouble = [](std::size_t, const RemoteJob& job) -> FakeStore::Trouble {
+    if (job.kind != RemoteJob::Kind::kSend || job.path != "18/1/2.png") return {};
+    return {.mishap = FakeStore::Mishap::kHalf, .outcome = {}};
+  };
+  const PublicationReport report = Publish();
+  EXPECT_EQ(report.result, PublicationResult::kIncomplete);
+  EXPECT_EQ(report.problems, std::vector<std::string>{"18/1/2.png: it does not arrive whole"});
+}
+
 TEST_F(PublicationTest, FollowsNoLink) {
   m_store.Files()["18"] = {EntryKind::kLink, ""};
   PublicationReport report = Publish();

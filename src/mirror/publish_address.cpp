@@ -61,7 +61,8 @@ std::string ReadPort(std::string_view text, int& port) {
   const char* end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, port);
   if (error == std::errc() && stop == end && port > 0 && port <= kHighestPort) return "";
-  return "\"" + std::string(text) + "\" is no port";
+  // Not what stands there: it may be a part of a password.
+  return "the port is no number from 1 to " + std::to_string(kHighestPort);
 }
 
 // "user@host:port"

@@ -75,9 +75,9 @@ TEST(PublishAddress, SaysWhatIsWrong) {
             "\"http\" is not known: addresses begin with ftp://, ftpes://, ftps://, sftp:// or file://");
   EXPECT_EQ(Problem(""), "the address has no host");
   EXPECT_EQ(Problem("ftp:///maps"), "the address has no host");
-  EXPECT_EQ(Problem("ftp://a:0/"), "\"0\" is no port");
-  EXPECT_EQ(Problem("ftp://a:65536/"), "\"65536\" is no port");
-  EXPECT_EQ(Problem("ftp://a:x/"), "\"x\" is no port");
+  EXPECT_EQ(Problem("ftp://a:0/"), "the port is no number from 1 to 65535");
+  EXPECT_EQ(Problem("ftp://a:65536/"), "the port is no number from 1 to 65535");
+  EXPECT_EQ(Problem("ftp://a:x/"), "the port is no number from 1 to 65535");
   EXPECT_EQ(Problem("ftp://[::1/"), "the bracket of the host is not closed");
   EXPECT_EQ(Problem("ftp://[::1]a/"), "the address has something behind its host");
   EXPECT_EQ(Problem("ftp://a b/"), "\"a b\" is no host");

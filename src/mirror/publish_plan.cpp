@@ -46,8 +46,9 @@ class Planner {
   PublishPlan Make() {
     m_plan.problems = m_local.problems;
     PlanFolders();
-    const bool isSeen = std::any_of(m_local.files.begin(), m_local.files.end(), [&](const LocalFile& file) {
-      return RankOf(file.path) > 0 && Find(m_remote, file.path) != nullptr;
+    // By whatever page: an old map may have had others.
+    const bool isSeen = std::any_of(m_remote.begin(), m_remote.end(), [](const auto& entry) {
+      return entry.second.kind != EntryKind::kFolder && RankOf(entry.first) > 0;
     });
     for (const LocalFile& file : m_local.files) PlanFile(file, isSeen);
     std::stable_sort(
@@ -95,8 +96,8 @@ class Planner {
       return;
     }
     const RemoteEntry* staged = Find(m_remote, StagedName(file.path));
-    if (staged != nullptr && staged->kind == EntryKind::kFolder) {
-      m_plan.problems.push_back(StagedName(file.path) + ": on the server it is a folder");
+    if (staged != nullptr && staged->kind != EntryKind::kFile) {
+      m_plan.problems.push_back(StagedName(file.path) + ": on the server it is no file");
       return;
     }
     planned.isSent =
@@ -113,17 +114,19 @@ class Planner {
   }
 
   void PlanExtras() {
-    std::set<std::string> ours(m_local.folders.begin(), m_local.folders.end());
+    // Where the server does not tell capital from small letters, what seems to be another one is ours.
+    std::set<std::string> ours;
+    for (const std::string& folder : m_local.folders) ours.insert(LowerAscii(folder));
     std::set<std::string> staged;
-    for (const LocalFile& file : m_local.files) ours.insert(file.path);
+    for (const LocalFile& file : m_local.files) ours.insert(LowerAscii(file.path));
     for (const PlannedFile& planned : m_plan.files) {
       if (planned.isStaged) staged.insert(StagedName(planned.file.path));
     }
     for (const auto& [path, there] : m_remote) {
-      if (ours.contains(path) || staged.contains(path) || IsHidden(path)) continue;
+      if (ours.contains(LowerAscii(path)) || staged.contains(path) || IsHidden(path)) continue;
       const bool isFolder = there.kind == EntryKind::kFolder;
       const bool isLeftover = !isFolder && IsStagedName(path) &&
-                              ours.contains(path.substr(0, path.size() - kStagedSuffix.size()));
+                              ours.contains(LowerAscii(path.substr(0, path.size() - kStagedSuffix.size())));
       (isFolder ? m_plan.extraFolders : isLeftover ? m_plan.leftovers : m_plan.extraFiles).push_back(path);
     }
     // What is in a folder goes first.

@@ -20,7 +20,6 @@ RemoteJobs::RemoteJobs(RemoteStore& store, Clock& clock, const std::atomic<bool>
       m_stop(stop),
       m_patience(patience),
       m_connections(std::max(connections, 1)),
-      m_lastDone(clock.Now()),
       m_pauseEnd(clock.Now()) {}
 
 void RemoteJobs::Add(RemoteJob job, OnEnd onEnd) {
@@ -28,7 +27,6 @@ void RemoteJobs::Add(RemoteJob job, OnEnd onEnd) {
 }
 
 Ending RemoteJobs::Drain() {
-  m_lastDone = m_clock.Now();
   while (!m_waiting.empty() || !m_running.empty()) {
     if (m_stop) return Forget(Ending::kStopped);
     StartWaiting();
@@ -78,7 +76,6 @@ void RemoteJobs::Take(const FinishedJob& finished) {
       break;
   }
   ++m_done;
-  m_lastDone = m_clock.Now();
   m_pause = std::chrono::seconds(0);
   m_trouble.clear();
   task.onEnd(finished);
@@ -91,8 +88,9 @@ void RemoteJobs::TakeLoss(Task task, const FinishedJob& finished) {
     ++m_done;
     return task.onEnd(finished);
   }
+  if (m_trouble.empty()) m_troubleBegan = now;
   m_trouble = finished.outcome.text;
-  if (now - m_lastDone >= m_patience.outage) {
+  if (now - m_troubleBegan >= m_patience.outage) {
     m_reason = finished.outcome.text;
     return;
   }

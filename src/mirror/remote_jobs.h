@@ -84,8 +84,8 @@ class RemoteJobs {
   std::deque<Task> m_waiting;
   std::map<std::uint64_t, Task> m_running;
   std::uint64_t m_nextId = 1;
-  std::uint64_t m_done = 0;  // jobs that came to their end, well or not
-  Clock::Time m_lastDone;    // when that was, or when waiting for one began
+  std::uint64_t m_done = 0;    // jobs that came to their end, well or not
+  Clock::Time m_troubleBegan;  // with the first loss after the last success
   Clock::Time m_pauseEnd;
   std::chrono::seconds m_pause{0};
   std::string m_reason;

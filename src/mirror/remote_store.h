@@ -43,13 +43,14 @@ struct RemoteJob {
 
 enum class Fault {
   kNone,
-  kMissing,   // there is no such thing, as far as the server says
-  kRefused,   // the server does not want to: rights, names, rules of its own
-  kFull,      // no space left, or more than this user may have
-  kLocal,     // the file of this computer cannot be read, or is another one by now
-  kLost,      // no connection, or it broke: the same may work in a moment
-  kTooMany,   // no further connection is welcome
-  kHopeless,  // host, login, certificate, key of the host: nothing will work
+  kMissing,    // there is no such thing, as far as the server says
+  kRefused,    // the server does not want to: rights, names, rules of its own
+  kFull,       // no space left, or more than this user may have
+  kLocal,      // the file of this computer cannot be read, or is another one by now
+  kIllegible,  // what the server lists is not understood
+  kLost,       // no connection, or it broke: the same may work in a moment
+  kTooMany,    // no further connection is welcome
+  kHopeless,   // host, login, certificate, key of the host: nothing will work
 };
 
 struct Outcome {

@@ -29,6 +29,10 @@ Ending RemoteSurvey::Look(bool makeRoot) {
     return ending;
   }
   // Some servers list nothing where there is nothing to list.
+  if (root.fault == Fault::kIllegible) {
+    m_reason = root.text;
+    return Ending::kHopeless;
+  }
   if (root.fault != Fault::kNone || m_tree.empty()) {
     m_refusals.erase("");
     if (makeRoot) return MakeRoot(root);
@@ -77,6 +81,7 @@ void RemoteSurvey::Take(const std::string& folder, bool andBelow, const Finished
   if (m_tree.size() + finished.entries.size() > kMostEntries ||
       std::count(folder.begin(), folder.end(), '/') > kDeepest) {
     m_reason = "the folder on the server holds more than can be looked at";
+    m_jobs.GiveUp(m_reason);
     return;
   }
   for (const RemoteEntry& entry : finished.entries) {

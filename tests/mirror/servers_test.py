@@ -11,6 +11,7 @@ import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 from publish_case import FOR_WINDOWS, IS_SSH, KIND, PATIENCE, PublishCase, of_program  # noqa: E402
+from web_server import FileHandler, WebServer, files_in  # noqa: E402
 
 
 class Server(PublishCase):
@@ -51,8 +52,9 @@ class Server(PublishCase):
             stdout=subprocess.PIPE,
             stderr=subprocess.STDOUT,
         ) as program:
-            for _ in range(2):
-                time.sleep(0.7)
+            for sent in (20, 150):
+                while program.poll() is None and len(self.sent_so_far()) < sent:
+                    time.sleep(0.02)
                 if program.poll() is None:
                     self.server.end_sessions()
             text = program.communicate(timeout=PATIENCE)[0].decode("utf-8", "replace")
@@ -85,7 +87,8 @@ class Server(PublishCase):
         """What the program has noted as sent, and what it is on the server."""
         sent = {}
         for manifest in (self.folder / "data").glob("*.manifest"):
-            for line in manifest.read_text().splitlines()[1:]:
+            # The last line may not be whole yet.
+            for line in manifest.read_text().split("\n")[1:-1]:
                 if line.startswith("placed "):
                     name = line.split(" ", 4)[4]
                     sent[name] = self.state_of(name)
@@ -113,6 +116,31 @@ class Server(PublishCase):
         self.assertIn("aborted; the same command goes on with it", text)
         self.assertFalse((self.published / "leaflet.html").exists())
         self.publish_well()
+
+
+class PlainTypes(FileHandler):
+    """As a server that has not been told of KML."""
+
+    extensions_map = {**FileHandler.extensions_map, ".kml": "text/plain"}
+
+
+class Visitors(PublishCase):
+    def test_see_what_was_published(self):
+        with WebServer(files_in(self.server.root)) as web:
+            code, text = self.publish(f"--verify={web.url}/web/maps")
+        self.assertEqual(code, 0, text)
+        self.assertIn(f"Published and checked: {web.url}/web/maps/wiesen_%C3%A4\n", text)
+
+    def test_may_see_something_else(self):
+        with WebServer(files_in(self.server.root, PlainTypes)) as web:
+            code, text = self.publish(f"--verify={web.url}/web/maps")
+            self.assertEqual(code, 1, text)
+            self.assertIn("AddType application/vnd.google-earth.kml+xml .kml", text)
+            code, text = self.publish(f"--verify={web.url}/web/other")
+            self.assertEqual(code, 1, text)
+            self.assertIn("leaflet.html: it is not found (404); capital and small letters count", text)
+        code, text = self.publish(f"--verify={web.url}/web/maps")
+        self.assertEqual(code, 1, "nobody is there")
 
 
 class FullServer(PublishCase):
