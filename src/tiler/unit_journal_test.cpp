@@ -83,8 +83,10 @@ TEST_F(Journal, TellsItsState) {
     EXPECT_EQ(state(), JournalState::kComplete);
     EXPECT_EQ(StateOfJournal(m_path, "run b"), JournalState::kOfAnotherRun);
   }
-  const UnitJournal again(m_path, "run a");
-  EXPECT_EQ(state(), JournalState::kUnfinished) << "its files have to be looked at again";
+  {
+    const UnitJournal again(m_path, "run a");
+    EXPECT_EQ(state(), JournalState::kUnfinished) << "its files have to be looked at again";
+  }
   WriteFile(m_path, "mosaicon-tiles 1 run a\ncomplete");
   EXPECT_EQ(state(), JournalState::kUnfinished) << "a line without its end";
 }
