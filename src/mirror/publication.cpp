@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "mirror/checksum.h"
+#include "mirror/remote_path.h"
 #include "mirror/staged_name.h"
 
 namespace mirror {
@@ -19,15 +20,6 @@ constexpr size_t kEnoughFailures = 5;  // one after the other
 
 // A file that was changed a moment ago may be changed again without another time: clocks of disks are coarse.
 constexpr std::chrono::seconds kCoarse{3};
-
-std::string ParentOf(const std::string& path) {
-  const size_t slash = path.rfind('/');
-  return slash == std::string::npos ? "" : path.substr(0, slash);
-}
-
-std::ptrdiff_t DepthOf(const std::string& path) {
-  return std::count(path.begin(), path.end(), '/');
-}
 
 std::string RemoteNameOf(const PlannedFile& planned) {
   return planned.isStaged ? StagedName(planned.file.path) : planned.file.path;

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "kvtools/ascii.h"
+#include "mirror/remote_path.h"
 #include "mirror/staged_name.h"
 
 namespace mirror {
@@ -15,16 +16,6 @@ namespace {
 constexpr int kHighestRank = 10;
 constexpr std::array<std::string_view, 8> kDocuments = {".html", ".htm", ".kml", ".kmz",
                                                         ".xml",  ".js",  ".css", ".json"};
-
-std::string ParentOf(const std::string& path) {
-  const size_t slash = path.rfind('/');
-  return slash == std::string::npos ? "" : path.substr(0, slash);
-}
-
-// Or one of the folders that it lies in.
-bool IsHidden(const std::string& path) {
-  return path.starts_with('.') || path.find("/.") != std::string::npos;
-}
 
 const RemoteEntry* Find(const RemoteTree& remote, const std::string& path) {
   const auto found = remote.find(path);
@@ -160,7 +151,7 @@ int RankOf(const std::string& path) {
   const bool isDocument = std::any_of(kDocuments.begin(), kDocuments.end(),
                                       [&](std::string_view ending) { return name.ends_with(ending); });
   if (!isDocument) return 0;
-  const auto depth = std::count(path.begin(), path.end(), '/');
+  const std::ptrdiff_t depth = DepthOf(path);
   return std::max(1, kHighestRank - static_cast<int>(std::min<std::ptrdiff_t>(depth, kHighestRank)));
 }
 

@@ -1,6 +1,6 @@
 #include "mirror/remote_survey.h"
 
-#include <algorithm>
+#include "mirror/remote_path.h"
 
 namespace mirror {
 
@@ -57,10 +57,7 @@ Ending RemoteSurvey::MakeRoot(const Outcome& listed) {
 
 Ending RemoteSurvey::LookAgain(const std::set<std::string>& folders) {
   std::erase_if(m_tree, [&](const auto& entry) {
-    const std::string& path = entry.first;
-    const size_t slash = path.rfind('/');
-    return entry.second.kind != EntryKind::kFolder &&
-           folders.contains(slash == std::string::npos ? "" : path.substr(0, slash));
+    return entry.second.kind != EntryKind::kFolder && folders.contains(ParentOf(entry.first));
   });
   for (const std::string& folder : folders) List(folder, false);
   const Ending ending = m_jobs.Drain();
@@ -78,8 +75,7 @@ void RemoteSurvey::Take(const std::string& folder, bool andBelow, const Finished
     m_refusals[folder] = finished.outcome.text;
     return;
   }
-  if (m_tree.size() + finished.entries.size() > kMostEntries ||
-      std::count(folder.begin(), folder.end(), '/') > kDeepest) {
+  if (m_tree.size() + finished.entries.size() > kMostEntries || DepthOf(folder) > kDeepest) {
     m_reason = "the folder on the server holds more than can be looked at";
     m_jobs.GiveUp(m_reason);
     return;

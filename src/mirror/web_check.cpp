@@ -9,6 +9,7 @@
 #include "mirror/checksum.h"
 #include "mirror/publish_address.h"
 #include "mirror/publish_plan.h"
+#include "mirror/remote_path.h"
 
 namespace mirror {
 
@@ -79,7 +80,7 @@ std::vector<LocalFile> FilesToLookAt(const LocalTree& tree, std::size_t most) {
   std::vector<LocalFile> documents;
   std::vector<LocalFile> others;
   for (const LocalFile& file : tree.files) {
-    if (file.path.starts_with('.') || file.path.find("/.") != std::string::npos) continue;
+    if (IsHidden(file.path)) continue;
     (RankOf(file.path) > 0 ? documents : others).push_back(file);
   }
   // What people open comes first.

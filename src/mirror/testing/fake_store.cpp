@@ -4,6 +4,8 @@
 #include <fstream>
 #include <iterator>
 
+#include "mirror/remote_path.h"
+
 namespace mirror {
 
 namespace {
@@ -28,11 +30,6 @@ const char* NameOf(RemoteJob::Kind kind) {
       return "remove";
   }
   return "";
-}
-
-std::string ParentOf(const std::string& path) {
-  const size_t slash = path.rfind('/');
-  return slash == std::string::npos ? "" : path.substr(0, slash);
 }
 
 }  // namespace
