@@ -2,15 +2,12 @@
 
 #include <algorithm>
 #include <charconv>
-#include <functional>
 #include <map>
 
+#include "batch/option_words.h"
 #include "job/job_settings.h"
 
 namespace {
-
-// Takes the value of an option; returns what is wrong with it, or an empty text.
-using ValueReader = std::function<std::string(const std::string& value)>;
 
 std::string ReadTransparency(const std::string& value, uint32_t& colour) {
   uint32_t rgb = 0;
@@ -105,32 +102,9 @@ std::string CheckComplete(const BatchArguments& arguments) {
 std::string ParseBatchArguments(const std::vector<std::string>& words, BatchArguments& arguments) {
   const auto readers = ValueReaders(arguments);
   const auto switches = Switches(arguments);
-  bool optionsEnded = false;
-  for (size_t i = 0; i < words.size(); ++i) {
-    const std::string& word = words[i];
-    if (word == "--" && !optionsEnded) {
-      optionsEnded = true;
-      continue;
-    }
-    if (word.empty()) return "an input is an empty text";
-    if (optionsEnded || word.front() != '-') {
-      arguments.inputs.push_back(word);
-      continue;
-    }
-    if (const auto found = switches.find(word); found != switches.end()) {
-      *found->second = true;
-      continue;
-    }
-    const size_t equals = word.find('=');
-    const std::string name = word.substr(0, equals);
-    const auto reader = readers.find(name);
-    if (reader == readers.end()) return "unknown option " + name;
-    if (equals == std::string::npos && i + 1 == words.size()) return name + " needs a value";
-    const std::string value = equals != std::string::npos ? word.substr(equals + 1) : words[++i];
-    std::string problem = reader->second(value);
-    if (!problem.empty()) return problem;
-  }
-  return CheckComplete(arguments);
+  const std::string problem =
+      ReadOptionWords(words, readers, switches, "an input is an empty text", arguments.inputs);
+  return problem.empty() ? CheckComplete(arguments) : problem;
 }
 
 std::string BatchHelp() {

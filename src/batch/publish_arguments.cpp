@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <charconv>
-#include <functional>
 #include <map>
 
+#include "batch/option_words.h"
 #include "mirror/web_check.h"
 
 namespace {
@@ -51,8 +51,6 @@ std::string ReadWebAddress(const std::string& value, std::string& address) {
   return problem.empty() ? "" : "--verify: " + problem;
 }
 
-using ValueReader = std::function<std::string(const std::string& value)>;
-
 std::map<std::string, ValueReader> ValueReaders(PublishArguments& arguments) {
   const auto text = [](std::string& target) {
     return [&target](const std::string& value) {
@@ -60,7 +58,7 @@ std::map<std::string, ValueReader> ValueReaders(PublishArguments& arguments) {
       return std::string();
     };
   };
-  return {
+  std::map<std::string, ValueReader> readers = {
       {"--publish", [&](const std::string& value) { return ReadAddress(value, arguments); }},
       {"--connections",
        [&](const std::string& value) { return ReadConnections(value, arguments.connections); }},
@@ -72,6 +70,12 @@ std::map<std::string, ValueReader> ValueReaders(PublishArguments& arguments) {
       {"--key", text(arguments.keyFile)},
       {"--certificates", text(arguments.certificates)},
   };
+  for (auto& [name, reader] : readers) {
+    reader = [name = name, inner = reader](const std::string& value) {
+      return value.empty() ? name + " needs a value" : inner(value);
+    };
+  }
+  return readers;
 }
 
 std::map<std::string, bool*> Switches(PublishArguments& arguments) {
@@ -93,32 +97,9 @@ bool IsAboutPublishing(const std::vector<std::string>& words) {
 std::string ParsePublishArguments(const std::vector<std::string>& words, PublishArguments& arguments) {
   const auto readers = ValueReaders(arguments);
   const auto switches = Switches(arguments);
-  bool optionsEnded = false;
-  for (size_t i = 0; i < words.size(); ++i) {
-    const std::string& word = words[i];
-    if (word == "--" && !optionsEnded) {
-      optionsEnded = true;
-      continue;
-    }
-    if (word.empty()) return "a folder is an empty text";
-    if (optionsEnded || word.front() != '-') {
-      arguments.folders.push_back(word);
-      continue;
-    }
-    if (const auto found = switches.find(word); found != switches.end()) {
-      *found->second = true;
-      continue;
-    }
-    const size_t equals = word.find('=');
-    const std::string name = word.substr(0, equals);
-    const auto reader = readers.find(name);
-    if (reader == readers.end()) return "unknown option " + name;
-    if (equals == std::string::npos && i + 1 == words.size()) return name + " needs a value";
-    const std::string value = equals != std::string::npos ? word.substr(equals + 1) : words[++i];
-    if (value.empty()) return name + " needs a value";
-    std::string problem = reader->second(value);
-    if (!problem.empty()) return problem;
-  }
+  std::string problem =
+      ReadOptionWords(words, readers, switches, "a folder is an empty text", arguments.folders);
+  if (!problem.empty()) return problem;
   if (!arguments.help && arguments.folders.empty()) return "no folder to publish is given";
   return "";
 }
